@@ -1,0 +1,90 @@
+#include "model/project.h"
+
+#include <algorithm>
+
+namespace molvera {
+
+Text20 Text20::From(std::string_view text) {
+    Text20 t;
+    std::copy_n(text.begin(), std::min<std::size_t>(text.size(), 20), t.chars.begin());
+    return t;
+}
+
+ParameterConstraint& PeakConstraint::operator[](Group g) {
+    switch (g) {
+        case Group::Position: return Position;
+        case Group::Area: return Area;
+        case Group::FWHM: return FWHM;
+        case Group::GL: break;
+    }
+    return GL;
+}
+
+const ParameterConstraint& PeakConstraint::operator[](Group g) const {
+    return const_cast<PeakConstraint&>(*this)[g];
+}
+
+Host& QuietHost() {
+    static Host quiet;
+    return quiet;
+}
+
+void ClearPeakSlot(Project& project, int slot) {
+    Peak& p = project.Peaks[slot];
+    p.InUse = kFalse;
+    p.PeakType = 0;
+    p.Splitting = 0;
+    p.Position = 0;
+    p.Area = 100;
+    p.HeightPercent = 100;
+    p.FWHM = 1;
+    p.PercentGL = 80;
+    p.FixPosition = 0;
+    p.FixFWHM = 0;
+    p.FixArea = 0;
+    p.FixGL = 1;
+    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        ParameterConstraint& c = project.Constraints[slot][g];
+        c.Linked = 0;
+        c.RefPeak = 0;
+        c.IsReference = 0;
+        c.DependentPeak = 0;
+        c.Operation = 0;
+        c.Argument = 0;
+    }
+}
+
+void ClearProject(Project& project, Host& host) {
+    project.TotalChiSquare = 0;
+    project.TotalPeakCount = 0;
+    for (Region& r : project.Regions) {
+        r.HasData = kFalse;
+        r.HasBackground = kFalse;
+        r.Shift = 0;
+    }
+    for (int slot = 0; slot < kPeakSlots; ++slot) ClearPeakSlot(project, slot);
+    for (int i = 0; i < kRegionCount * kMaxPeaksPerRegion; ++i) host.SetPeakButton(i, "", false);
+}
+
+void ResizeRegionArrays(Region& region, int n) {
+    const std::size_t size = static_cast<std::size_t>(std::max(n, 0)) + 1;
+    for (SingleArray* a : {&region.BindingEnergy, &region.RawIntensity, &region.RangeBE,
+                           &region.RangeIntensity, &region.BackgroundWork,
+                           &region.BackgroundCurve, &region.PeakSumCurve, &region.Residual}) {
+        a->assign(size, 0.0f);
+    }
+}
+
+void ResizePeakCurve(Project& project, int slot, int m) {
+    const std::size_t size = static_cast<std::size_t>(std::max(m, 0)) + 1;
+    project.Peaks[slot].Curve.assign(size, 0.0f);
+    project.SavedPeaks[slot].Curve.assign(size, 0.0f);
+}
+
+int FirstFreePeakSlot(const Project& project) {
+    for (int s = 0; s < kPeakSlots; ++s)
+        if (!IsSet(project.Peaks[s].InUse)) return s;
+    return -1;
+}
+
+}  // namespace molvera

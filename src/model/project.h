@@ -1,0 +1,29 @@
+#pragma once
+// Whole-project operations on the records: clearing and sizing arrays.
+
+#include "model/host.h"
+#include "model/records.h"
+
+namespace molvera {
+
+/// Resets the project to its start-up state (regions emptied, peak slots and
+/// constraints cleared); disables every peak button of the main window.
+void ClearProject(Project& project, Host& host);
+
+/// Resets one peak slot and its constraint record to the cleared values;
+/// TailScale, TailLength and the limits keep their values.
+void ClearPeakSlot(Project& project, int slot);
+
+/// Allocates all eight arrays of a region with bounds 0..n, contents cleared.
+void ResizeRegionArrays(Region& region, int n);
+
+/// Allocates the Curve of a slot in Peaks and in SavedPeaks with bounds 0..m, cleared.
+void ResizePeakCurve(Project& project, int slot, int m);
+
+/// The lowest peak slot that is not in use, or -1.
+int FirstFreePeakSlot(const Project& project);
+
+/// Number of the main-window peak button of position `k` in region `r`.
+constexpr int PeakButtonIndex(int r, int k) { return 10 * r + k; }
+
+}  // namespace molvera
