@@ -1,0 +1,175 @@
+#include "model/regionops.h"
+
+#include <string>
+
+#include "fileio/numtext.h"
+#include "model/project.h"
+#include "spectral/envelope.h"
+#include "spectral/lineshape.h"
+
+namespace molvera {
+
+namespace {
+
+constexpr Group kGroups[] = {Group::Position, Group::Area, Group::FWHM, Group::GL};
+
+bool ValidSlot(int s) { return s >= 0 && s < kPeakSlots; }
+
+int ClampedPeakCount(const Region& r) {
+    return r.PeakCount < 0 ? 0 : (r.PeakCount > kMaxPeaksPerRegion ? kMaxPeaksPerRegion : r.PeakCount);
+}
+
+// Releases the ties of a deleted slot in one constraint group.
+void ReleaseTies(Project& project, int slot, Group g) {
+    ParameterConstraint& c = project.Constraints[slot][g];
+    if (IsSet(c.Linked)) {
+        c.Linked = kFalse;
+        const int ref = c.RefPeak;
+        if (ValidSlot(ref)) {
+            ParameterConstraint& rc = project.Constraints[ref][g];
+            bool any = false;
+            for (int i = 0; i < kPeakSlots; ++i) {
+                const ParameterConstraint& ic = project.Constraints[i][g];
+                if (IsSet(ic.Linked) && ic.RefPeak == ref) {
+                    any = true;
+                    rc.DependentPeak = static_cast<Int16>(i);
+                }
+            }
+            rc.IsReference = ToFlag(any);
+        }
+    }
+    if (IsSet(c.IsReference)) {
+        c.IsReference = kFalse;
+        for (int i = 0; i < kPeakSlots; ++i) {
+            ParameterConstraint& ic = project.Constraints[i][g];
+            if (IsSet(ic.Linked) && ic.RefPeak == slot) ic.Linked = kFalse;
+        }
+    }
+}
+
+}  // namespace
+
+int AddPeak(Project& project, Host& host) {
+    const int r = project.CurrentRegion;
+    Region& region = project.Regions[r];
+    if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return -1;
+    if (region.PeakCount >= kMaxPeaksPerRegion || region.PeakCount < 0) {
+        host.Beep();
+        return -1;
+    }
+    const int slot = FirstFreePeakSlot(project);
+    if (slot < 0) {
+        host.Beep();
+        return -1;
+    }
+    const int k = region.PeakCount;
+    region.PeakIndex[k] = static_cast<Int16>(slot);
+    project.CurrentPeak = static_cast<Int16>(slot);
+    Peak& p = project.Peaks[slot];
+    p.InUse = kTrue;
+    host.SetPeakButton(PeakButtonIndex(r, k), std::to_string(slot), true);
+    p.PeakType = 1;
+    p.Splitting = 0;
+    p.Region = static_cast<Int16>(r);
+    p.Position = (region.BackgroundLowBE + region.BackgroundHighBE) / 2;
+    p.FWHM = 1.0f;
+    p.HeightPercent = 50;
+    p.FixPosition = 0;
+    p.FixFWHM = 0;
+    p.FixArea = 0;
+    p.FixGL = 1;
+    p.TailScale = 0;
+    p.TailLength = 1.0f;
+    p.Area = HeightPercentToArea(project, p);
+    ResizePeakCurve(project, slot, region.RangeCount);
+    region.PeakCount = static_cast<Int16>(k + 1);
+    ComputeRegionEnvelope(project, host);
+    host.RedrawRegion();
+    return slot;
+}
+
+void DeletePeak(Project& project, Host& host) {
+    const int slot = project.CurrentPeak;
+    if (!ValidSlot(slot)) return;
+    Peak& peak = project.Peaks[slot];
+    peak.InUse = kFalse;
+
+    const int r = peak.Region;
+    const bool validRegion = r >= 0 && r < kRegionCount;
+    if (validRegion) {
+        Region& region = project.Regions[r];
+        const int count = ClampedPeakCount(region);
+        int k = -1;
+        for (int i = 0; i < count; ++i)
+            if (region.PeakIndex[i] == slot) k = i;
+        if (k >= 0) {
+            const bool enabled = r == project.CurrentRegion && IsSet(region.HasBackground);
+            for (int j = k + 1; j < count; ++j) {
+                region.PeakIndex[j - 1] = region.PeakIndex[j];
+                host.SetPeakButton(PeakButtonIndex(r, j - 1), std::to_string(region.PeakIndex[j - 1]),
+                                   enabled);
+            }
+            host.SetPeakButton(PeakButtonIndex(r, count - 1), "", false);
+            region.PeakCount = static_cast<Int16>(count - 1);
+        }
+    }
+
+    for (Group g : kGroups) ReleaseTies(project, slot, g);
+    for (Group g : kGroups) project.Constraints[slot][g].UseLimits = kFalse;
+
+    host.HidePeakEditor();
+
+    if (validRegion && IsSet(project.Regions[r].HasBackground)) {
+        const Int16 saved = project.CurrentRegion;
+        project.CurrentRegion = static_cast<Int16>(r);
+        project.TotalChiSquare -= project.Regions[r].ChiSquare;
+        RecomputeRegionQuiet(project, host);
+        project.TotalChiSquare += project.Regions[r].ChiSquare;
+        host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
+        project.CurrentRegion = saved;
+        host.RedrawRegion();
+    }
+}
+
+void ClearRegionParameters(Project& project, Host& host) {
+    const int r = project.CurrentRegion;
+    for (int s = 0; s < kPeakSlots; ++s) {
+        if (IsSet(project.Peaks[s].InUse) && project.Peaks[s].Region == r) {
+            project.CurrentPeak = static_cast<Int16>(s);
+            DeletePeak(project, host);
+        }
+    }
+    Region& region = project.Regions[r];
+    region.HasBackground = kFalse;
+    region.PeakCount = 0;
+    region.Shift = 0;
+    region.ChiSquare = 0;
+    region.Caption = Text20();
+    host.SetRegionChiText(r, "0");
+    host.RedrawRegion();
+    RecomputeAllRegionsShown(project, host);
+}
+
+void DeleteRegionData(Project& project, Host& host) {
+    ClearRegionParameters(project, host);
+    project.Current().HasData = kFalse;
+    host.HidePeakEditor();
+    host.HideRegionDialogs();
+    host.ShowRegionWindow();
+}
+
+void RefreshMainWindow(Project& project, Host& host) {
+    for (int k = 0; k < kRegionCount; ++k) {
+        const Region& region = project.Regions[k];
+        if (!IsSet(region.HasData)) continue;
+        host.SetRegionChiText(k, IsSet(region.HasBackground) ? FormatGeneral(region.ChiSquare) : "0");
+        const int count = ClampedPeakCount(region);
+        for (int i = 0; i < count; ++i) {
+            host.SetPeakButton(PeakButtonIndex(k, i), std::to_string(region.PeakIndex[i]),
+                               k == project.CurrentRegion);
+        }
+    }
+    host.RecolourRegionButtons();
+}
+
+}  // namespace molvera
