@@ -1,0 +1,178 @@
+#include "constraints/propagation.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "model/project.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+class PropagationTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        test::RecordingHost host;
+        ClearProject(project, host);
+        for (int s = 0; s < 6; ++s) {
+            project.Peaks[s].InUse = kTrue;
+            project.Peaks[s].Position = 280.0f + s;
+        }
+    }
+    void Link(Group g, int d, int r, int op, float arg) {
+        auto& c = project.Constraints[d][g];
+        c.Linked = kTrue;
+        c.RefPeak = static_cast<Int16>(r);
+        c.Operation = static_cast<Int16>(op);
+        c.Argument = arg;
+        project.Constraints[r][g].IsReference = kTrue;
+        project.Constraints[r][g].DependentPeak = static_cast<Int16>(d);
+    }
+    Project project;
+};
+
+TEST_F(PropagationTest, PositionPlusFollowsReference) {
+    Link(Group::Position, 3, 1, 0, 2.5f);
+    project.Peaks[1].Position = 284.0f;
+    PropagatePosition(project, 1);
+    EXPECT_EQ(project.Peaks[3].Position, 286.5f);
+    EXPECT_EQ(project.Peaks[2].Position, 282.0f);  // unrelated peak untouched
+}
+
+TEST_F(PropagationTest, EachOperationAndUnknownOperation) {
+    project.Peaks[0].Area = 1000.0f;
+    Link(Group::Area, 1, 0, 1, 250.0f);
+    Link(Group::Area, 2, 0, 2, 0.5f);
+    Link(Group::Area, 3, 0, 3, 8.0f);
+    Link(Group::Area, 4, 0, 7, 8.0f);
+    project.Peaks[4].Area = 42.0f;
+    PropagateArea(project, 0);
+    EXPECT_EQ(project.Peaks[1].Area, 750.0f);
+    EXPECT_EQ(project.Peaks[2].Area, 500.0f);
+    EXPECT_EQ(project.Peaks[3].Area, 125.0f);
+    EXPECT_EQ(project.Peaks[4].Area, 42.0f);
+}
+
+TEST_F(PropagationTest, GLRoundsHalvesToEvenWithoutClamping) {
+    Link(Group::GL, 1, 0, 2, 1.5f);
+    project.Peaks[0].PercentGL = 25;
+    PropagateGL(project, 0);
+    EXPECT_EQ(project.Peaks[1].PercentGL, 38);  // 37.5
+    project.Peaks[0].PercentGL = 35;
+    PropagateGL(project, 0);
+    EXPECT_EQ(project.Peaks[1].PercentGL, 52);  // 52.5
+    project.Peaks[0].PercentGL = 90;
+    PropagateGL(project, 0);
+    EXPECT_EQ(project.Peaks[1].PercentGL, 135);  // not limited to 0..100
+}
+
+TEST_F(PropagationTest, GLOutsideInt16IsNotStored) {
+    Link(Group::GL, 1, 0, 2, 1000.0f);
+    project.Peaks[0].PercentGL = 100;
+    project.Peaks[1].PercentGL = 7;
+    PropagateGL(project, 0);
+    EXPECT_EQ(project.Peaks[1].PercentGL, 7);
+}
+
+TEST_F(PropagationTest, DivisionByZeroFromFileStoresNothing) {
+    Link(Group::FWHM, 1, 0, 3, 0.0f);
+    Link(Group::GL, 1, 0, 3, 0.0f);
+    project.Peaks[0].FWHM = 1.2f;
+    project.Peaks[1].FWHM = 1.7f;
+    project.Peaks[1].PercentGL = 30;
+    PropagateFWHM(project, 0);
+    PropagateGL(project, 0);
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks[1].FWHM, 1.7f);
+    EXPECT_EQ(project.Peaks[1].PercentGL, 30);
+    project.Peaks[0].FWHM = 0.0f;  // 0/0
+    PropagateFWHM(project, 0);
+    EXPECT_EQ(project.Peaks[1].FWHM, 1.7f);
+}
+
+TEST_F(PropagationTest, ChainUpdatesInOrderEvenAgainstSlotOrder) {
+    // 2 refers to 4, 4 refers to 0: the chain must reach 2 with 4's new value.
+    Link(Group::Position, 4, 0, 0, 1.0f);
+    Link(Group::Position, 2, 4, 0, 1.0f);
+    project.Peaks[0].Position = 100.0f;
+    PropagatePosition(project, 0);
+    EXPECT_EQ(project.Peaks[4].Position, 101.0f);
+    EXPECT_EQ(project.Peaks[2].Position, 102.0f);
+}
+
+TEST_F(PropagationTest, NothingRefersToStartPeak) {
+    Link(Group::Position, 2, 1, 0, 1.0f);
+    Project before = project;
+    project.Peaks[0].Position = 10.0f;
+    PropagatePosition(project, 0);
+    before.Peaks[0].Position = 10.0f;
+    EXPECT_EQ(project.Peaks, before.Peaks);
+}
+
+TEST_F(PropagationTest, UnusedSlotSkippedByChainButSetByApplyAll) {
+    Link(Group::Position, 7, 0, 0, 5.0f);  // slot 7 is not in use
+    project.Peaks[7].Position = 1.0f;
+    project.Peaks[0].Position = 290.0f;
+    PropagatePosition(project, 0);
+    EXPECT_EQ(project.Peaks[7].Position, 1.0f);
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks[7].Position, 295.0f);
+}
+
+TEST_F(PropagationTest, OtherRegionPeaksFollow) {
+    project.Peaks[3].Region = 4;
+    Link(Group::Position, 3, 0, 1, 2.0f);
+    project.Peaks[0].Position = 300.0f;
+    PropagatePosition(project, 0);
+    EXPECT_EQ(project.Peaks[3].Position, 298.0f);
+}
+
+TEST_F(PropagationTest, CycleFromFileEndsAndSetsStartOnce) {
+    // 0 -> 1 -> 0: propagation from 0 sets 1 from 0, then 0 from the new 1.
+    Link(Group::Position, 1, 0, 0, 1.0f);
+    Link(Group::Position, 0, 1, 0, 1.0f);
+    project.Peaks[0].Position = 10.0f;
+    PropagatePosition(project, 0);
+    EXPECT_EQ(project.Peaks[1].Position, 11.0f);
+    EXPECT_EQ(project.Peaks[0].Position, 12.0f);
+}
+
+TEST_F(PropagationTest, DamagedReferenceNumbersAreHarmless) {
+    project.Constraints[1][Group::Position].Linked = kTrue;
+    project.Constraints[1][Group::Position].RefPeak = 300;
+    project.Constraints[2][Group::Position].Linked = kTrue;
+    project.Constraints[2][Group::Position].RefPeak = -5;
+    Project before = project;
+    PropagatePosition(project, 0);
+    PropagatePosition(project, 60);
+    PropagatePosition(project, -1);
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks, before.Peaks);
+}
+
+TEST_F(PropagationTest, ApplyAllIsOnePassUsingIsReference) {
+    // 1 refers to 3, 3 refers to 0. Slot 1 is visited (k = 3) after 3 is set (k = 0),
+    // so both follow in one pass; a reference without IsReference is ignored.
+    Link(Group::FWHM, 3, 0, 2, 2.0f);
+    Link(Group::FWHM, 1, 3, 2, 2.0f);
+    project.Peaks[0].FWHM = 1.0f;
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks[3].FWHM, 2.0f);
+    EXPECT_EQ(project.Peaks[1].FWHM, 4.0f);
+    // Now 3 refers to 4 (higher slot), 2 refers to 3: 2 keeps the old value of 3.
+    Link(Group::Position, 3, 4, 0, 1.0f);
+    Link(Group::Position, 2, 3, 0, 1.0f);
+    project.Peaks[4].Position = 50.0f;
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks[3].Position, 51.0f);
+    EXPECT_EQ(project.Peaks[2].Position, 284.0f);  // old 283 + 1
+    project.Constraints[4][Group::Position].IsReference = kFalse;
+    project.Peaks[4].Position = 70.0f;
+    ApplyAllRelations(project);
+    EXPECT_EQ(project.Peaks[3].Position, 51.0f);
+}
+
+}  // namespace
+}  // namespace molvera
