@@ -51,6 +51,11 @@ public:
 
     /// Let pending interface events run (repaint, the Stop button).
     virtual void Yield() {}
+
+    /// A fit starts: show the fitting window, disable the other windows.
+    virtual void BeginFit() {}
+    /// A fit has ended: hide the fitting window, enable the other windows.
+    virtual void EndFit() {}
 };
 
 /// A host that does nothing: for computations nobody watches.
