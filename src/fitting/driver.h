@@ -1,0 +1,33 @@
+#pragma once
+// The fitting drivers: one region, all regions, one peak, and the frame of every fit.
+
+#include "model/host.h"
+#include "model/records.h"
+
+namespace molvera {
+
+/// StopRequested cleared, the fitting window shown and the others disabled, one yield.
+void BeginFit(Project& project, Host& host);
+/// StopRequested cleared, the fitting window hidden and the others enabled.
+void EndFit(Project& project, Host& host);
+/// True when the running fit has been asked to end (Stop Fitting or convergence).
+inline bool StopRequested(const Project& project) { return project.StopRequested; }
+
+/// Fits the peaks of CurrentRegion by the Search method (Method 0) or Newton's method.
+void OptimiseRegion(Project& project, Host& host);
+/// Fits the peaks of every region with data and a background; CurrentRegion is restored.
+void OptimiseAllRegions(Project& project, Host& host);
+
+/// Region window "Optimise Region": nothing unless the region has data and a
+/// background; hides the peak editor and runs OptimiseRegion between BeginFit and EndFit.
+void OptimiseRegionCommand(Project& project, Host& host);
+/// Main window "Optimise All": OptimiseAllRegions between BeginFit and EndFit.
+void OptimiseAllCommand(Project& project, Host& host);
+
+/// Peak editor Optimise buttons: Newton's method when Method is exactly 1, otherwise the
+/// Search method; %GL is always searched. Runs between BeginFit and EndFit.
+void OptimisePeakParameter(Project& project, Host& host, int p, Group g);
+/// Peak editor "Optimise Peak": NewtonPeak or SearchPeak between BeginFit and EndFit.
+void OptimisePeak(Project& project, Host& host, int p);
+
+}  // namespace molvera

@@ -1,0 +1,56 @@
+#include "fitting/trialscore.h"
+
+#include "constraints/propagation.h"
+#include "spectral/envelope.h"
+
+namespace molvera {
+
+ScoreMode ChooseScoreMode(const Project& project, Group g, int p) {
+    if (!IsSet(project.Constraints[p][g].IsReference)) return ScoreMode::Alone;
+    for (int i = 0; i < kPeakSlots; ++i) {
+        if (IsSet(project.Peaks[i].InUse) && project.Constraints[i][g].RefPeak == p &&
+            project.Peaks[i].Region != project.CurrentRegion) {
+            return ScoreMode::AllRegions;
+        }
+    }
+    return ScoreMode::Region;
+}
+
+float& ParameterField(Peak& peak, Group g) {
+    switch (g) {
+        case Group::Position: return peak.Position;
+        case Group::Area: return peak.Area;
+        case Group::FWHM:
+        case Group::GL: break;
+    }
+    return peak.FWHM;
+}
+
+float ScoreTrial(Project& project, Host& host, ScoreMode mode, Group g, int p) {
+    switch (mode) {
+        case ScoreMode::Alone: return TrialChiSquare(project, p);
+        case ScoreMode::Region:
+            Propagate(project, g, p);
+            ComputeRegionEnvelope(project, host);
+            return project.Current().ChiSquare;
+        case ScoreMode::AllRegions: break;
+    }
+    Propagate(project, g, p);
+    RecomputeAllRegionsSilent(project);
+    return project.TotalChiSquare;
+}
+
+void SettleProject(Project& project, Host& host, ScoreMode mode, Group g, int p) {
+    switch (mode) {
+        case ScoreMode::Alone: ComputeRegionEnvelope(project, host); return;
+        case ScoreMode::Region:
+            Propagate(project, g, p);
+            ComputeRegionEnvelope(project, host);
+            return;
+        case ScoreMode::AllRegions: break;
+    }
+    Propagate(project, g, p);
+    RecomputeAllRegionsShown(project, host);
+}
+
+}  // namespace molvera
