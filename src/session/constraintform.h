@@ -1,0 +1,54 @@
+#pragma once
+// The constraint dialog as plain data: opening it on one parameter of CurrentPeak,
+// and its OK (validation and storing).
+
+#include <string>
+
+#include "model/records.h"
+#include "model/status.h"
+
+namespace molvera {
+
+/// Which parameter the dialog edits (ConstraintKind).
+enum class ConstraintKind : Int16 { Position = 0, FWHM = 1, Area = 2, GL = 3 };
+
+/// The constraint record group of a ConstraintKind.
+Group GroupOf(ConstraintKind kind);
+
+/// Texts and check states of the dialog's controls.
+struct ConstraintForm {
+    ConstraintKind Kind = ConstraintKind::Position;
+    std::string Caption;
+    std::string PeakLabel;  ///< slot number of the peak being edited
+    bool Use = false;       ///< "Relation with another peak"
+    std::string RefPeak;
+    std::string ArgType = "+";  ///< "+", "-", "*" or "/"
+    std::string Arg;
+    bool Range = false;  ///< "Limits of Search Range"
+    std::string Low;
+    std::string High;
+    bool Visible = false;
+};
+
+/// Open the dialog for a parameter of CurrentPeak: limits brought into their domain
+/// (and stored), the form filled from the record and shown.
+void OpenPositionConstraint(Project& project, ConstraintForm& form);
+void OpenAreaConstraint(Project& project, ConstraintForm& form);
+void OpenFWHMConstraint(Project& project, ConstraintForm& form);
+void OpenGLConstraint(Project& project, ConstraintForm& form);
+/// The one of the four above for `kind`.
+void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind);
+
+/// OK: validates the form for CurrentPeak and stores the relation and the limits; a
+/// refusal returns its message and leaves the dialog open; success hides it.
+Status ConstraintOK(Project& project, ConstraintForm& form);
+
+/// True when following the references from r in group `g` comes back to p; a chain
+/// that loops elsewhere or leaves 0..50 ends after at most 51 steps with false.
+bool IsCircular(const Project& project, Group g, int p, int r);
+bool IsCircularPosition(const Project& project, int p, int r);
+bool IsCircularArea(const Project& project, int p, int r);
+bool IsCircularFWHM(const Project& project, int p, int r);
+bool IsCircularGL(const Project& project, int p, int r);
+
+}  // namespace molvera
