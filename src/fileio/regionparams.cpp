@@ -1,0 +1,192 @@
+#include "fileio/regionparams.h"
+
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <ostream>
+#include <string_view>
+#include <vector>
+
+#include "fileio/binstream.h"
+#include "fileio/numtext.h"
+#include "fileio/records_io.h"
+#include "model/messages.h"
+#include "model/project.h"
+#include "model/regionops.h"
+#include "spectral/background.h"
+
+namespace molvera {
+
+namespace {
+
+constexpr std::size_t kHeaderLength = 29;
+// Header, six items and ten peaks with full curves, with room to spare.
+constexpr std::size_t kMaxFileBytes = 8u * 1024u * 1024u;
+
+// The settings of items 2..7.
+struct RegionSettings {
+    Int16 PeakCount = 0;
+    Int16 RangeCount = 0;
+    Flag HasBackground = 0;
+    Int16 BackgroundType = 0;
+    float BackgroundHighBE = 0;
+    float BackgroundLowBE = 0;
+};
+
+struct LoadedPeak {
+    Peak peak;
+    PeakConstraint constraint;
+};
+
+// A tagged number of the older layout: Int16 type code, then the value.
+double TaggedNumber(BinaryReader& in) {
+    switch (in.I16()) {
+        case 2: return in.I16();
+        case 3: return in.I32();
+        case 4: return in.F32();
+        case 5: return in.F64();
+        default: throw ReadError("unknown number type");
+    }
+}
+
+Int16 TaggedInt16(BinaryReader& in) {
+    const std::optional<Int16> v = ToInt16(TaggedNumber(in));
+    if (!v) throw ReadError("number out of range");
+    return *v;
+}
+
+float TaggedSingle(BinaryReader& in) {
+    const double v = TaggedNumber(in);
+    if (!std::isfinite(v) || std::fabs(v) > 3.4e38) throw ReadError("number out of range");
+    return static_cast<float>(v);
+}
+
+RegionSettings ReadSettings(BinaryReader& in, bool older) {
+    RegionSettings s;
+    if (older) {
+        s.PeakCount = TaggedInt16(in);
+        s.RangeCount = TaggedInt16(in);
+        s.HasBackground = in.I16();
+        s.BackgroundType = in.I16();
+        s.BackgroundHighBE = in.F32();
+        s.BackgroundLowBE = TaggedSingle(in);
+    } else {
+        s.PeakCount = in.I16();
+        s.RangeCount = in.I16();
+        s.HasBackground = in.I16();
+        s.BackgroundType = in.I16();
+        s.BackgroundHighBE = in.F32();
+        s.BackgroundLowBE = in.F32();
+    }
+    if (s.PeakCount < 0 || s.PeakCount > kMaxPeaksPerRegion || s.RangeCount < 0 ||
+        s.RangeCount > kMaxPoints || s.BackgroundType < 0 || s.BackgroundType > 2) {
+        throw ReadError("count out of range");
+    }
+    return s;
+}
+
+// Peak slots free once the current region's own peaks are cleared.
+int AvailablePeakSlots(const Project& project) {
+    int free = 0;
+    for (const Peak& p : project.Peaks)
+        if (!IsSet(p.InUse) || p.Region == project.CurrentRegion) ++free;
+    return free;
+}
+
+// Places one loaded peak in the lowest free slot as the region's k-th peak.
+void PlacePeak(Project& project, Host& host, int k, LoadedPeak& loaded) {
+    const int r = project.CurrentRegion;
+    Region& region = project.Regions[r];
+    const int s = FirstFreePeakSlot(project);
+    region.PeakIndex[k] = static_cast<Int16>(s);
+    project.CurrentPeak = static_cast<Int16>(s);
+    host.SetPeakButton(PeakButtonIndex(r, k), std::to_string(s), true);
+    ResizePeakCurve(project, s, region.RangeCount);
+    project.Peaks[s] = std::move(loaded.peak);
+    PeakConstraint& c = project.Constraints[s];
+    c = loaded.constraint;
+    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        c[g].Linked = kFalse;
+        c[g].IsReference = kFalse;
+    }
+    project.Peaks[s].Region = static_cast<Int16>(r);
+    project.Peaks[s].InUse = kTrue;
+    region.PeakCount = static_cast<Int16>(k + 1);
+}
+
+}  // namespace
+
+Status SaveRegionParameters(const Project& project, const std::string& path) {
+    const Region& region = project.Current();
+    const bool ok = WriteFileAtomically(path, [&](std::ostream& stream) {
+        BinaryWriter out(stream);
+        out.Bytes(kRegionParamsHeader);
+        out.I16(region.PeakCount);
+        out.I16(region.RangeCount);
+        out.I16(region.HasBackground);
+        out.I16(region.BackgroundType);
+        out.F32(region.BackgroundHighBE);
+        out.F32(region.BackgroundLowBE);
+        for (int s = 0; s < kPeakSlots; ++s) {
+            const Peak& p = project.Peaks[s];
+            if (!IsSet(p.InUse) || p.Region != project.CurrentRegion) continue;
+            WritePeak(out, p);
+            WritePeakConstraint(out, project.Constraints[s]);
+        }
+        return out.Good();
+    });
+    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+}
+
+Status LoadRegionParameters(Project& project, Host& host, const std::string& path) {
+    std::string bytes;
+    if (!ReadWholeFile(path, bytes, kMaxFileBytes)) return Status::Error(msg::kErrorReadingFile);
+
+    // The whole file is read before the region is touched, so that a damaged file
+    // leaves the region as it was. Only as many peaks are read as can be placed.
+    RegionSettings settings;
+    std::vector<LoadedPeak> peaks;
+    const int available = AvailablePeakSlots(project);
+    try {
+        BinaryReader in(bytes);
+        const bool older = bytes.size() < kHeaderLength ||
+                           std::memcmp(bytes.data(), kRegionParamsHeader, kHeaderLength) != 0;
+        if (!older) in.Seek(kHeaderLength);
+        settings = ReadSettings(in, older);
+        const Region& region = project.Current();
+        if (!IsSet(region.HasData) || settings.RangeCount > region.PointCount)
+            return Status::Error(msg::kIncompatibleRegion);
+        if (!(settings.BackgroundHighBE <= region.MaxBE) || !(settings.BackgroundLowBE >= region.MinBE))
+            return Status::Error(msg::kBindingEnergyOutOfRange);
+        const int toRead = settings.PeakCount < available ? settings.PeakCount : available;
+        peaks.resize(static_cast<std::size_t>(toRead));
+        for (int k = 0; k < toRead; ++k) {
+            LoadedPeak& loaded = peaks[static_cast<std::size_t>(k)];
+            ReadPeak(in, loaded.peak, older);
+            ReadPeakConstraint(in, loaded.constraint);
+        }
+    } catch (const ReadError&) {
+        return Status::Error(msg::kErrorReadingFile);
+    }
+
+    ClearRegionParameters(project, host);
+    Region& region = project.Current();
+    region.RangeCount = settings.RangeCount;
+    region.HasBackground = settings.HasBackground;
+    region.BackgroundType = settings.BackgroundType;
+    region.BackgroundHighBE = settings.BackgroundHighBE;
+    region.BackgroundLowBE = settings.BackgroundLowBE;
+    region.PeakCount = 0;
+    for (std::size_t k = 0; k < peaks.size(); ++k) PlacePeak(project, host, static_cast<int>(k), peaks[k]);
+
+    Status status = Status::Ok();
+    if (static_cast<int>(peaks.size()) < settings.PeakCount) {
+        host.Beep();
+        status = Status::Error(msg::kTooManyPeaks);
+    }
+    RecomputeRegion(project, host);
+    host.RedrawRegion();
+    return status;
+}
+
+}  // namespace molvera

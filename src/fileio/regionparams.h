@@ -1,0 +1,26 @@
+#pragma once
+// The region parameter file (.rpa): a region's background settings and peaks
+// without its data.
+
+#include <string>
+
+#include "model/host.h"
+#include "model/records.h"
+#include "model/status.h"
+
+namespace molvera {
+
+/// Magic text at the start of a region parameter file of the current layout.
+inline constexpr const char* kRegionParamsHeader = "MOLVERA 4.0 Region Parameters";
+
+/// Writes the current region's settings and its peaks (in slot order) to `path`;
+/// fails with "Error in writing file".
+Status SaveRegionParameters(const Project& project, const std::string& path);
+
+/// Replaces the current region's background settings and peaks by those in `path`
+/// (current or older layout) and recomputes the region. Failures: "Error in reading
+/// file", "Incompatible region" and "Binding energy out-of-range" (region unchanged),
+/// "Too many peaks" (after a beep; the peaks placed stay). The caller shows the message.
+Status LoadRegionParameters(Project& project, Host& host, const std::string& path);
+
+}  // namespace molvera
