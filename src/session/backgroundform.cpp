@@ -1,0 +1,155 @@
+#include "session/backgroundform.h"
+
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+#include "fileio/numtext.h"
+#include "session/formnumber.h"
+#include "spectral/background.h"
+
+namespace molvera {
+
+namespace {
+
+// EndPointAverage for an AverPt text, nothing for any other text.
+std::optional<Int16> AveragePointsFromText(const std::string& text) {
+    if (text == "None") return 1;
+    if (text == "3") return 3;
+    if (text == "5") return 5;
+    if (text == "7") return 7;
+    if (text == "9") return 9;
+    return std::nullopt;
+}
+
+const char* AveragePointsText(Int16 count) {
+    switch (count) {
+        case 1: return "None";
+        case 3: return "3";
+        case 5: return "5";
+        case 7: return "7";
+        case 9: return "9";
+        default: return nullptr;
+    }
+}
+
+float DataEnergy(const Region& region, int i) {
+    return i >= 0 && static_cast<std::size_t>(i) < region.BindingEnergy.size()
+               ? region.BindingEnergy[static_cast<std::size_t>(i)]
+               : 0.0f;
+}
+
+// A boundary beyond a data limit; values that the box shows as the limit itself count
+// as the limit, so that the corrected box is accepted by the next Accept.
+bool Beyond(float value, float limit, bool below) {
+    const bool outside = below ? value < limit : value > limit;
+    return outside && FormatGeneral(value) != FormatGeneral(limit);
+}
+
+bool Refuse(Host& host) {
+    host.Beep();
+    return false;
+}
+
+}  // namespace
+
+int RangePointCount(const Region& region, float lowBE, float highBE) {
+    const int n = region.PointCount;
+    if (n < 1) return 0;
+    const double span = static_cast<double>(DataEnergy(region, 1)) - DataEnergy(region, n);
+    if (span == 0) return 0;
+    const double m =
+        RoundHalfEven(std::fabs((static_cast<double>(highBE) - lowBE) * (n - 1) / span) + 1);
+    if (!std::isfinite(m) || m > kMaxPoints) return kMaxPoints + 1;
+    return static_cast<int>(m);
+}
+
+void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
+    const Region& region = project.Current();
+    if (!IsSet(region.HasData)) return;
+    form.visible = true;
+    form.caption = "Region " + std::to_string(project.CurrentRegion);
+    if (IsSet(region.HasBackground)) {
+        form.LBE = FormatGeneral(region.BackgroundLowBE);
+        form.HBE = FormatGeneral(region.BackgroundHighBE);
+        if (const char* text = AveragePointsText(region.EndPointAverage)) form.AverPt = text;
+        if (region.BackgroundType == 1) {
+            form.BG = "Linear";
+        } else if (region.BackgroundType == 2) {
+            form.BG = "Tougaard";
+            form.TouB1 = FormatGeneral(region.BackgroundParameter);
+        } else if (region.BackgroundType == 0) {
+            form.BG = "Shirley";
+            form.ShirleySlope = FormatGeneral(region.BackgroundParameter);
+        }
+    } else {
+        form.LBE = FormatGeneral(region.MinBE);
+        form.HBE = FormatGeneral(region.MaxBE);
+        form.AverPt = "None";
+        form.BG = "Shirley";
+    }
+}
+
+bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
+    Region& region = project.Current();
+
+    const float low = BoxSingle(form.LBE);
+    if (Beyond(low, region.MinBE, true)) {
+        form.LBE = FormatGeneral(region.MinBE);
+        return Refuse(host);
+    }
+    const float high = BoxSingle(form.HBE);
+    if (Beyond(high, region.MaxBE, false)) {
+        form.HBE = FormatGeneral(region.MaxBE);
+        return Refuse(host);
+    }
+    // Equal or crossed boundaries, and a range too narrow to hold two points of the
+    // data, are reset to the data's extent.
+    if (low >= high || RangePointCount(region, low, high) < 2) {
+        form.LBE = FormatGeneral(region.MinBE);
+        form.HBE = FormatGeneral(region.MaxBE);
+        return Refuse(host);
+    }
+
+    const std::optional<Int16> averagePoints = AveragePointsFromText(form.AverPt);
+    if (!averagePoints) {
+        form.AverPt = "None";
+        return Refuse(host);
+    }
+
+    if (LeadingNumber(form.ShirleySlope) == 0) form.ShirleySlope = "0";
+    if (LeadingNumber(form.TouB1) == 0) form.TouB1 = "3000";
+
+    Int16 type = 0;
+    float parameter = region.BackgroundParameter;
+    if (form.BG == "Shirley") {
+        type = 0;
+        parameter = BoxSingle(form.ShirleySlope);
+    } else if (form.BG == "Linear") {
+        type = 1;
+    } else if (form.BG == "Tougaard") {
+        type = 2;
+        parameter = BoxSingle(form.TouB1);
+    } else {
+        form.BG = "Shirley";
+        return Refuse(host);
+    }
+
+    region.EndPointAverage = *averagePoints;
+    region.BackgroundType = type;
+    region.BackgroundParameter = parameter;
+    region.BackgroundLowBE = low;
+    region.BackgroundHighBE = high;
+
+    project.KeepAreas = kTrue;
+    RecomputeRegion(project, host);
+    form.Area = FormatGeneral(static_cast<float>(NetArea(region)));
+    region.HasBackground = kTrue;
+    host.ShowRegionWindow();
+    project.KeepAreas = kFalse;
+    return true;
+}
+
+void CloseBackgroundDialog(BackgroundForm& form) { form.visible = false; }
+
+}  // namespace molvera

@@ -1,0 +1,40 @@
+#pragma once
+// The background dialog as data: its boxes, filling from the region, and Accept.
+
+#include <string>
+
+#include "model/host.h"
+#include "model/records.h"
+
+namespace molvera {
+
+/// Texts of the background dialog's controls.
+struct BackgroundForm {
+    std::string LBE;                ///< "Low BE"
+    std::string HBE;                ///< "High BE"
+    std::string AverPt;             ///< "None", "3", "5", "7", "9"
+    std::string BG;                 ///< "Shirley", "Linear", "Tougaard"
+    std::string ShirleySlope;       ///< slope of the Shirley+linear background
+    std::string TouB1 = "3000";     ///< Tougaard B1
+    std::string Area = "-----";     ///< "Area (I*eV)" after an Accept
+    std::string caption;
+    bool visible = false;
+};
+
+/// The region window's Background command: fills the form from the current region
+/// (when it has data) and shows it.
+void ShowBackgroundDialog(const Project& project, BackgroundForm& form);
+
+/// The Accept button: checks the boxes in order (a refusal corrects a box, beeps and
+/// stores nothing), stores the settings and recomputes the region keeping peak areas.
+/// True when the settings were stored.
+bool AcceptBackground(Project& project, Host& host, BackgroundForm& form);
+
+/// The Close button: hides the dialog; nothing is stored.
+void CloseBackgroundDialog(BackgroundForm& form);
+
+/// Number of range points that RecomputeRegion gives the current data for the two
+/// boundary energies; 0 when the data's first and last energies are equal.
+int RangePointCount(const Region& region, float lowBE, float highBE);
+
+}  // namespace molvera

@@ -1,0 +1,251 @@
+#include "session/peakform.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "constraints/propagation.h"
+#include "fileio/numtext.h"
+#include "model/regionops.h"
+#include "session/formnumber.h"
+#include "spectral/envelope.h"
+#include "spectral/lineshape.h"
+
+namespace molvera {
+
+namespace {
+
+bool ValidSlot(int slot) { return slot >= 0 && slot < kPeakSlots; }
+
+const char* PeakTypeText(Int16 type) {
+    switch (type) {
+        case 1: return "s";
+        case 2: return "p";
+        case 3: return "d";
+        case 4: return "f";
+        default: return nullptr;
+    }
+}
+
+int PeakTypeFromText(const std::string& text) {
+    if (text == "s") return 1;
+    if (text == "p") return 2;
+    if (text == "d") return 3;
+    if (text == "f") return 4;
+    return 0;
+}
+
+// A rounded scroll-bar position, or false when it is no usable number.
+bool BarPosition(double value, int& position) {
+    const double r = RoundHalfEven(value);
+    if (!std::isfinite(r) || std::fabs(r) > 1e9) return false;
+    position = static_cast<int>(r);
+    return true;
+}
+
+ScrollBar& Bar(PeakForm& form, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position: return form.ScPos;
+        case PeakParameter::FWHM: return form.ScFWHM;
+        case PeakParameter::Area: return form.ScArea;
+        case PeakParameter::GL: break;
+    }
+    return form.ScGL;
+}
+
+// Rewrites the box of a bar from its position, as a user's move does.
+void WriteBarText(PeakForm& form, PeakParameter which) {
+    const int position = Bar(form, which).value;
+    switch (which) {
+        case PeakParameter::Position:
+            form.PosVal = FormatGeneral(static_cast<float>(form.PositionBase + position / 100.0));
+            break;
+        case PeakParameter::FWHM:
+            form.FWHMVal = FormatGeneral(static_cast<float>(position / 100.0));
+            break;
+        case PeakParameter::Area:
+            form.AreaVal = FormatGeneral(static_cast<float>(position) * form.AreaScale);
+            break;
+        case PeakParameter::GL: form.GLVal = std::to_string(position); break;
+    }
+}
+
+// Sets a bar's range; its position is kept inside the range without rewriting the box.
+void SetBarRange(ScrollBar& bar, int min, int max) {
+    bar.min = min;
+    bar.max = max;
+    bar.value = std::clamp(bar.value, std::min(min, max), std::max(min, max));
+}
+
+// A peak's value set into a bar from the program; ignored when out of range.
+void SetBarFromPeak(PeakForm& form, PeakParameter which, bool usable, int position) {
+    if (usable) MoveScrollBar(form, which, position);
+}
+
+Int16 CheckValue(bool checked) { return checked ? 1 : 0; }
+
+void HideEditor(Host& host, PeakForm& form) {
+    form.visible = false;
+    host.HidePeakEditor();
+}
+
+// Accept and ReDraw share everything but hiding the editor.
+void ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
+    const int slot = project.CurrentPeak;
+    if (!ValidSlot(slot)) return;
+    ApplyPeakEditor(project, form);
+    ApplyAllRelations(project);
+    FillPeakEditor(project, form, slot);
+    project.AreaScale = form.AreaScale;
+    if (IsSet(project.Current().HasBackground)) ComputeRegionEnvelope(project, host);
+    host.RedrawRegion();
+}
+
+// Cancel and close: the peak as the editor found it.
+bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
+    const int slot = project.CurrentPeak;
+    if (!ValidSlot(slot)) return false;
+    project.Peaks[slot] = project.SavedPeaks[slot];
+    HideEditor(host, form);
+    return IsSet(project.Current().HasBackground);
+}
+
+}  // namespace
+
+bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonIndex) {
+    if (buttonIndex < 0 || buttonIndex >= kRegionCount * kMaxPeaksPerRegion) return false;
+    const int r = buttonIndex / 10;
+    const int k = buttonIndex - 10 * r;
+    const Region& region = project.Regions[r];
+    if (k >= region.PeakCount) return false;
+    const int slot = region.PeakIndex[k];
+    if (!ValidSlot(slot)) return false;
+
+    project.CurrentPeak = static_cast<Int16>(slot);
+    project.SavedPeaks[slot] = project.Peaks[slot];
+    FillPeakEditor(project, form, slot);
+    project.AreaScale = form.AreaScale;
+    host.RedrawRegion();
+    form.visible = true;
+    return true;
+}
+
+void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
+    if (!ValidSlot(slot)) return;
+    const Peak& peak = project.Peaks[slot];
+    const int r = peak.Region >= 0 && peak.Region < kRegionCount ? peak.Region : project.CurrentRegion;
+    const Region& region = project.Regions[r];
+
+    form.caption = "Peak " + std::to_string(slot);
+    form.PosVal = FormatGeneral(peak.Position);
+    form.FWHMVal = FormatGeneral(peak.FWHM);
+    form.AreaVal = FormatGeneral(peak.Area);
+    form.GLVal = std::to_string(peak.PercentGL);
+    form.SplittingVal = FormatGeneral(peak.Splitting);
+    form.TSVal = FormatGeneral(peak.TailScale);
+    form.TLVal = FormatGeneral(peak.TailLength);
+    form.ChkPos = peak.FixPosition != 0;
+    form.ChkFWHM = peak.FixFWHM != 0;
+    form.ChkArea = peak.FixArea != 0;
+    form.ChkGL = peak.FixGL != 0;
+    if (const char* type = PeakTypeText(peak.PeakType)) form.PeakType = type;
+    form.ActFWHM = ActualFWHMText(ActualFWHM(project, slot));
+
+    int position = 0;
+    int posMax = 0;
+    if (BarPosition(static_cast<double>(region.BackgroundHighBE - region.BackgroundLowBE) * 100.0,
+                    posMax)) {
+        SetBarRange(form.ScPos, 0, posMax);
+    }
+    form.PositionBase = region.BackgroundLowBE;
+    bool usable = BarPosition((peak.Position - region.BackgroundLowBE) * 100.0f, position);
+    SetBarFromPeak(form, PeakParameter::Position, usable, position);
+
+    SetBarRange(form.ScFWHM, 30, 500);
+    position = 50;
+    usable = peak.FWHM >= 0.5f ? BarPosition(peak.FWHM * 100.0f, position) : true;
+    SetBarFromPeak(form, PeakParameter::FWHM, usable, position);
+
+    SetBarRange(form.ScArea, 0, 1000);
+    form.AreaScale = peak.Area / 500.0f;
+    if (form.AreaScale == 0) form.AreaScale = 1;
+    usable = BarPosition(peak.Area / form.AreaScale, position);
+    if (usable && position == 0) position = 1;
+    SetBarFromPeak(form, PeakParameter::Area, usable, position);
+
+    SetBarRange(form.ScGL, 0, 100);
+    SetBarFromPeak(form, PeakParameter::GL, true, peak.PercentGL);
+}
+
+void ApplyPeakEditor(Project& project, PeakForm& form) {
+    const int slot = project.CurrentPeak;
+    if (!ValidSlot(slot)) return;
+    Peak& peak = project.Peaks[slot];
+
+    peak.Position = BoxSingle(form.PosVal);
+    peak.FWHM = BoxSingle(form.FWHMVal);
+    peak.Area = BoxSingle(form.AreaVal);
+    peak.Splitting = BoxSingle(form.SplittingVal);
+    // %GL indexes the line-shape tables: it is kept inside 0..100 like TS and TL.
+    const double typedGL = RoundHalfEven(LeadingNumber(form.GLVal));
+    const double gl = std::clamp(typedGL, 0.0, 100.0);
+    peak.PercentGL = static_cast<Int16>(gl);
+    if (gl != typedGL) form.GLVal = std::to_string(peak.PercentGL);
+
+    peak.TailScale = std::clamp(BoxSingle(form.TSVal), 0.0f, 1.0f);
+    peak.TailLength = std::clamp(BoxSingle(form.TLVal), 0.01f, 200.0f);
+    form.TSVal = FormatGeneral(peak.TailScale);
+    form.TLVal = FormatGeneral(peak.TailLength);
+
+    if (const int type = PeakTypeFromText(form.PeakType)) peak.PeakType = static_cast<Int16>(type);
+    peak.HeightPercent = AreaToHeightPercent(project, peak);
+
+    peak.FixPosition = CheckValue(form.ChkPos);
+    peak.FixFWHM = CheckValue(form.ChkFWHM);
+    peak.FixArea = CheckValue(form.ChkArea);
+    peak.FixGL = CheckValue(form.ChkGL);
+}
+
+bool MoveScrollBar(PeakForm& form, PeakParameter which, int position) {
+    ScrollBar& bar = Bar(form, which);
+    if (position < std::min(bar.min, bar.max) || position > std::max(bar.min, bar.max)) return false;
+    bar.value = position;
+    WriteBarText(form, which);
+    return true;
+}
+
+void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool checked) {
+    const int slot = project.CurrentPeak;
+    if (!ValidSlot(slot)) return;
+    Peak& peak = project.Peaks[slot];
+    switch (which) {
+        case PeakParameter::Position: form.ChkPos = checked; peak.FixPosition = CheckValue(checked); break;
+        case PeakParameter::FWHM: form.ChkFWHM = checked; peak.FixFWHM = CheckValue(checked); break;
+        case PeakParameter::Area: form.ChkArea = checked; peak.FixArea = CheckValue(checked); break;
+        case PeakParameter::GL: form.ChkGL = checked; peak.FixGL = CheckValue(checked); break;
+    }
+}
+
+void PeakAccept(Project& project, Host& host, PeakForm& form) {
+    ApplyAndRecompute(project, host, form);
+    HideEditor(host, form);
+}
+
+void PeakReDraw(Project& project, Host& host, PeakForm& form) { ApplyAndRecompute(project, host, form); }
+
+void PeakCancel(Project& project, Host& host, PeakForm& form) {
+    if (RestoreSavedPeak(project, host, form)) ComputeRegionEnvelope(project, host);
+    host.RedrawRegion();
+}
+
+void ClosePeakEditor(Project& project, Host& host, PeakForm& form) {
+    if (RestoreSavedPeak(project, host, form)) RecomputeRegionQuiet(project, host);
+    host.RedrawRegion();
+}
+
+void PeakDelete(Project& project, Host& host, PeakForm& form) {
+    DeletePeak(project, host);
+    form.visible = false;
+}
+
+}  // namespace molvera

@@ -1,0 +1,30 @@
+#include "session/regiondialogs.h"
+
+#include "fileio/numtext.h"
+#include "session/formnumber.h"
+
+namespace molvera {
+
+void OpenRegionShift(const Project& project, RegionShiftForm& form) {
+    form.ShiftText = FormatGeneral(project.Current().Shift);
+    form.visible = true;
+}
+
+void AcceptRegionShift(Project& project, RegionShiftForm& form) {
+    project.Current().Shift = BoxSingle(form.ShiftText);
+    form.visible = false;
+}
+
+void OpenRegionCaption(const Project& project, RegionCaptionForm& form) {
+    form.Text = project.Current().Caption.Str();
+    form.visible = true;
+}
+
+void AcceptRegionCaption(Project& project, Host& host, RegionCaptionForm& form) {
+    Region& region = project.Current();
+    region.Caption = Text20::From(form.Text);
+    form.visible = false;
+    if (IsSet(region.HasData)) host.RedrawRegion();
+}
+
+}  // namespace molvera

@@ -1,0 +1,35 @@
+#pragma once
+// The region shift and region caption dialogs as data.
+
+#include <string>
+
+#include "model/host.h"
+#include "model/records.h"
+
+namespace molvera {
+
+/// "Region Shift": the box `ShiftText` (eV).
+struct RegionShiftForm {
+    std::string ShiftText;
+    bool visible = false;
+};
+
+/// "Region Caption": the box `Text`, in the records' single-byte code page.
+struct RegionCaptionForm {
+    std::string Text;
+    bool visible = false;
+};
+
+/// Shows the shift dialog with the current region's Shift.
+void OpenRegionShift(const Project& project, RegionShiftForm& form);
+/// Accept: Shift = the leading number of the box (0 without one); hides the dialog.
+/// Nothing is recomputed or redrawn.
+void AcceptRegionShift(Project& project, RegionShiftForm& form);
+
+/// Shows the caption dialog with the current region's 20-character Caption.
+void OpenRegionCaption(const Project& project, RegionCaptionForm& form);
+/// OK: Caption = the box cut or padded to 20 characters; hides the dialog; redraws
+/// the region when it has data.
+void AcceptRegionCaption(Project& project, Host& host, RegionCaptionForm& form);
+
+}  // namespace molvera
