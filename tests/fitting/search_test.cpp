@@ -1,0 +1,219 @@
+#include "fitting/search.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fit_fixture.h"
+
+namespace molvera {
+namespace {
+
+using test::KnownPeak;
+
+class SearchTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ClearProject(project, host);
+        test::MakeSyntheticRegion(project, 0, 400, {{285.0f, 1000, 1.2f, 30}});
+        test::AddKnownPeak(project, 0, 0, {285.0f, 1000, 1.2f, 30});
+        project.Options = test::TestOptions(0, 1);
+    }
+    /// Makes peak 0 a reference of peak 1 (same region) in group g: Region mode.
+    void FollowerInSameRegion(Group g) {
+        if (!IsSet(project.Peaks[1].InUse)) test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
+        project.Constraints[1][g].Linked = kTrue;
+        project.Constraints[1][g].RefPeak = 0;
+        // Position +5 eV, area x0.01, FWHM x1, %GL +0: the follower stays out of the way.
+        const Int16 ops[] = {0, 2, 2, 0};
+        const float args[] = {5.0f, 0.01f, 1.0f, 0.0f};
+        project.Constraints[1][g].Operation = ops[static_cast<int>(g)];
+        project.Constraints[1][g].Argument = args[static_cast<int>(g)];
+        project.Constraints[0][g].IsReference = kTrue;
+    }
+    Project project;
+    test::WatchingHost host;
+};
+
+TEST_F(SearchTest, GridOfALevelIncludesBothEndsAndSkipsZero) {
+    FollowerInSameRegion(Group::Position);
+    test::Settle(project);
+    project.Options.PositionSearch = {};
+    project.Options.PositionSearch[0] = {kTrue, 1.0f, 0.25f};
+    project.Options.PositionSearch[1] = {kTrue, 1.0f, 0.0f};   // step 0: skipped
+    project.Options.PositionSearch[2] = {kFalse, 1.0f, 0.5f};  // not in use
+    std::vector<float> seen;
+    host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
+    SearchPosition(project, host, 0);
+    // 8 trials, then the finishing envelope with the best value (285: nothing beats it).
+    const std::vector<float> expected{284.0f, 284.25f, 284.5f, 284.75f, 285.25f, 285.5f, 285.75f, 286.0f, 285.0f};
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
+}
+
+TEST_F(SearchTest, LimitsClampTrialsAndFirstEqualScoreWins) {
+    FollowerInSameRegion(Group::Position);
+    project.Peaks[0].Position = 284.0f;  // true peak at 285, beyond the high limit
+    auto& c = project.Constraints[0][Group::Position];
+    c.UseLimits = kTrue;
+    c.LowLimit = 283.0f;
+    c.HighLimit = 284.5f;
+    test::Settle(project);
+    project.Options.PositionSearch = {};
+    project.Options.PositionSearch[0] = {kTrue, 1.0f, 0.25f};
+    std::vector<float> seen;
+    host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
+    SearchPosition(project, host, 0);
+    const std::vector<float> expected{283.0f, 283.25f, 283.5f, 283.75f, 284.25f, 284.5f, 284.5f, 284.5f, 284.5f};
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(project.Peaks[0].Position, 284.5f);
+}
+
+TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
+    FollowerInSameRegion(Group::Area);
+    test::Settle(project);
+    Peak& peak = project.Peaks[0];
+    const float netScale = project.Current().NetScale;
+    peak.HeightPercent = 105;
+    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, 1, 0, 0);
+    test::Settle(project);
+    project.Options.AreaSearch = {};
+    project.Options.AreaSearch[0] = {kTrue, 10.0f, 1.0f};
+    std::vector<float> seen;
+    host.onChi = [&] { seen.push_back(project.Peaks[0].Area); };
+    const Peak start = peak;
+    SearchArea(project, host, 0);
+    std::vector<float> expected;
+    for (int h = 95; h <= 109; ++h) {
+        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, 1, 0, 0));
+    }
+    seen.pop_back();  // the finishing envelope
+    EXPECT_EQ(seen, expected);
+    // The true height is 100: the best trial is the 95..109 value closest to it.
+    EXPECT_FLOAT_EQ(project.Peaks[0].HeightPercent,
+                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, 1, 0, 0));
+    EXPECT_NEAR(project.Peaks[0].Area, 1000.0f, 1000 * 0.06);
+    EXPECT_LT(project.Peaks[0].Area, start.Area);
+}
+
+TEST_F(SearchTest, GLCoarseThenFineAndLimits) {
+    FollowerInSameRegion(Group::GL);
+    project.Peaks[0].PercentGL = 80;
+    test::Settle(project);
+    std::vector<int> seen;
+    host.onChi = [&] { seen.push_back(project.Peaks[0].PercentGL); };
+    SearchGL(project, host, 0);
+    // The data were made with 30 %: the coarse best is 30, then 21..39 without 30.
+    std::vector<int> expected{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
+    for (int d = -9; d <= 9; ++d) if (d != 0) expected.push_back(30 + d);
+    expected.push_back(30);
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(project.Peaks[0].PercentGL, 30);
+
+    seen.clear();
+    auto& c = project.Constraints[0][Group::GL];
+    c.UseLimits = kTrue;
+    c.LowLimit = 20;
+    c.HighLimit = 40;
+    project.Peaks[0].PercentGL = 80;
+    test::Settle(project);
+    SearchGL(project, host, 0);
+    ASSERT_GE(seen.size(), 3u);
+    EXPECT_EQ(std::vector<int>(seen.begin(), seen.begin() + 3), (std::vector<int>{20, 30, 40}));
+    for (int g : seen) {
+        EXPECT_GE(g, 20);
+        EXPECT_LE(g, 40);
+    }
+}
+
+TEST_F(SearchTest, EqualScoresDoNotMoveThePeak) {
+    // A peak of area 0 changes nothing: every trial ties the baseline and must not win.
+    project.Peaks[0].Area = 0;
+    test::Settle(project);
+    SearchPosition(project, host, 0);
+    SearchFWHM(project, host, 0);
+    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
+    EXPECT_EQ(project.Peaks[0].FWHM, 1.2f);
+}
+
+TEST_F(SearchTest, NothingBetterLeavesPeakAndCurvesAsBefore) {
+    ClearProject(project, host);
+    test::MakeSyntheticRegion(project, 0, 400, {{285.0f, 1000, 1.2f, 30}, {287.0f, 300, 1.5f, 30}});
+    test::AddKnownPeak(project, 0, 0, {285.0f, 1000, 1.2f, 30});
+    test::AddKnownPeak(project, 0, 3, {287.0f, 300, 1.5f, 30});
+    // Peak 0 sits exactly on the data; a coarse grid cannot beat it.
+    project.Options.PositionSearch = {};
+    project.Options.PositionSearch[0] = {kTrue, 0.5f, 0.25f};
+    test::RecordingHost quiet;
+    test::Settle(project);
+    const Project before = project;
+    SearchPosition(project, quiet, 0);
+    EXPECT_TRUE(project.Peaks == before.Peaks);
+    EXPECT_TRUE(project.Regions[0] == before.Regions[0]);
+    EXPECT_EQ(project.TotalChiSquare, before.TotalChiSquare);
+    EXPECT_EQ(quiet.regionWindowShows, 1);
+}
+
+TEST_F(SearchTest, LinkedParameterIsNotSearchedAndDisplayUntouched) {
+    test::AddKnownPeak(project, 0, 1, {287.0f, 300, 1.5f, 30});
+    project.Constraints[0][Group::Position].Linked = kTrue;
+    project.Constraints[0][Group::Position].RefPeak = 1;
+    project.Peaks[0].Position = 284.0f;
+    test::Settle(project);
+    test::RecordingHost quiet;
+    SearchPosition(project, quiet, 0);
+    EXPECT_EQ(project.Peaks[0].Position, 284.0f);
+    EXPECT_EQ(quiet.regionWindowShows, 0);
+    EXPECT_EQ(quiet.yields, 0);
+    EXPECT_TRUE(quiet.chiTexts.empty());
+}
+
+TEST_F(SearchTest, AloneModeFindsBestAndKeepsChiConsistent) {
+    project.Peaks[0].Position = 284.3f;
+    test::Settle(project);
+    SearchPosition(project, host, 0);
+    EXPECT_NEAR(project.Peaks[0].Position, 285.0f, 0.006);
+    // The shortcut finish must agree with a full recomputation.
+    Project check = project;
+    ComputeRegionEnvelope(check, QuietHost());
+    EXPECT_EQ(check.Regions[0].PeakSumCurve, project.Regions[0].PeakSumCurve);
+    EXPECT_EQ(check.Regions[0].Residual, project.Regions[0].Residual);
+    EXPECT_FLOAT_EQ(check.Regions[0].ChiSquare, project.Regions[0].ChiSquare);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, project.Regions[0].ChiSquare);
+}
+
+TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
+    // Peak 5 in region 1 follows peak 0's position (+0); region 1's data have their peak
+    // 0.4 eV higher, so the best shared position lies between the two.
+    test::MakeSyntheticRegion(project, 1, 400, {{285.4f, 3000, 1.2f, 30}});
+    test::AddKnownPeak(project, 1, 5, {285.0f, 3000, 1.2f, 30});
+    project.Constraints[5][Group::Position].Linked = kTrue;
+    project.Constraints[5][Group::Position].RefPeak = 0;
+    project.Constraints[0][Group::Position].IsReference = kTrue;
+    test::Settle(project);
+    project.Options.PositionSearch = {};
+    project.Options.PositionSearch[0] = {kTrue, 0.5f, 0.05f};
+    // Brute force over the same grid with the total chi-square.
+    Project probe = project;
+    float bestTotal = probe.TotalChiSquare;
+    float bestPos = 285.0f;
+    for (int k = 0; k <= 20; ++k) {
+        const double d = -0.5 + k * static_cast<double>(0.05f);
+        if (d == 0 || d > 0.5) continue;
+        probe.Peaks[0].Position = static_cast<float>(285.0 + d);
+        probe.Peaks[5].Position = probe.Peaks[0].Position;
+        RecomputeAllRegionsSilent(probe);
+        if (probe.TotalChiSquare < bestTotal) {
+            bestTotal = probe.TotalChiSquare;
+            bestPos = probe.Peaks[0].Position;
+        }
+    }
+    SearchPosition(project, host, 0);
+    EXPECT_EQ(project.Peaks[0].Position, bestPos);
+    EXPECT_EQ(project.Peaks[5].Position, bestPos);
+    EXPECT_GT(bestPos, 285.0f);  // the region's own optimum (285) would be wrong
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, bestTotal);
+}
+
+}  // namespace
+}  // namespace molvera
