@@ -1,0 +1,77 @@
+#include "fileio/itemreader.h"
+
+#include <gtest/gtest.h>
+
+#include "model/project.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+TEST(ItemReader, SeparatorsQuotesAndLineEnds) {
+    ItemReader r("  \"Cu, 2p\" , 12 34,5\r\nnext text, 6\n7");
+    EXPECT_EQ(r.Text(), "Cu, 2p");
+    EXPECT_EQ(r.Number(), 12.0);
+    EXPECT_EQ(r.Number(), 34.0);  // a numeric item ends at a blank
+    EXPECT_EQ(r.Number(), 5.0);
+    EXPECT_EQ(r.Text(), "next text");  // a text item keeps its inner blank
+    EXPECT_EQ(r.Number(), 6.0);
+    EXPECT_FALSE(r.AtEnd());
+    EXPECT_EQ(r.Number(), 7.0);
+    EXPECT_TRUE(r.AtEnd());
+    EXPECT_FALSE(r.Text().has_value());
+    EXPECT_FALSE(r.Number().has_value());
+}
+
+TEST(ItemReader, NonNumericItemAndExtraSeparators) {
+    ItemReader plain("abc 1;2\t3");
+    EXPECT_FALSE(plain.Number().has_value());  // "abc" holds no number
+    EXPECT_EQ(plain.NumberItem(), "1;2");      // ";" separates only with the extra separators
+    ItemReader extra("1;2\t3", true);
+    EXPECT_EQ(extra.Number(), 1.0);
+    EXPECT_EQ(extra.Number(), 2.0);
+    EXPECT_EQ(extra.Number(), 3.0);
+    EXPECT_TRUE(extra.AtEnd());
+}
+
+TEST(ItemReader, NumbersPassOverEmptyLines) {
+    ItemReader r("1\r\n\r\n  \n2");
+    EXPECT_EQ(r.Number(), 1.0);
+    EXPECT_EQ(r.Number(), 2.0);
+}
+
+TEST(ItemReader, ValueAfterEquals) {
+    EXPECT_EQ(ValueAfterEquals("Regions = 3"), Int16{3});
+    EXPECT_EQ(ValueAfterEquals("a=2.5=9"), Int16{2});  // halves to even, first "=" only
+    EXPECT_EQ(ValueAfterEquals("42"), Int16{42});
+    EXPECT_FALSE(ValueAfterEquals("n=1e9").has_value());
+}
+
+TEST(ItemReader, StoreSpectrumOrdersAndSetsExtents) {
+    Project project;
+    ImportedSpectrum s;
+    s.caption = "a caption longer than twenty";
+    s.energy = {1, 2, 3};
+    s.intensity = {10, 30, 20};
+    StoreSpectrum(project, s, SortRule::ReverseIfRising);
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.PointCount, 3);
+    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 3, 2, 1}));
+    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 20, 30, 10}));
+    EXPECT_EQ(r.Caption.Str(), "a caption longer tha");
+    EXPECT_EQ(r.MaxBE, 3);
+    EXPECT_EQ(r.MinBE, 1);
+    EXPECT_EQ(r.MaxIntensity, 30);
+    EXPECT_EQ(r.MinIntensity, 10);
+    EXPECT_TRUE(IsSet(r.HasData));
+
+    // Equal end energies: the two rules differ.
+    s.energy = {5, 4, 5};
+    StoreSpectrum(project, s, SortRule::ReverseIfRising);
+    EXPECT_EQ(project.Regions[0].RawIntensity[1], 10);
+    StoreSpectrum(project, s, SortRule::ReverseUnlessFalling);
+    EXPECT_EQ(project.Regions[0].RawIntensity[1], 20);
+}
+
+}  // namespace
+}  // namespace molvera

@@ -1,0 +1,376 @@
+#include "fileio/vamas.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/import_test_util.h"
+#include "fileio/itemreader.h"
+#include "fileio/numtext.h"
+#include "model/messages.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+using test::RecordingHost;
+
+struct SynthBlock {
+    std::string technique = "XPS";
+    std::string abscissa = "Binding Energy";
+    std::string transition = "1s";
+    double hv = 1486.6;
+    double start = 290;
+    double step = -1;
+    std::vector<double> values;
+};
+
+// A minimal NORM / REGULAR file in the standard's order: no header comment, no
+// experimental variable, one corresponding variable, no additional parameter.
+std::string MakeVamas(const std::vector<SynthBlock>& blocks, const std::string& year = "2001") {
+    std::string t = "VAMAS Surface Chemical Analysis Standard Data Transfer Format 1988 May 4\n";
+    t += "Lab\nModel\nOperator\nExperiment\n0\nNORM\nREGULAR\n" + std::to_string(blocks.size()) + "\n";
+    t += "0\n0\n0\n0\n0\n" + std::to_string(blocks.size()) + "\n";
+    for (const SynthBlock& b : blocks) {
+        t += "block\nSample A\n" + year + "\n1\n2\n3\n4\n5\n0\n0\n" + b.technique + "\n";
+        t += "Al\n" + FormatTrimmed(b.hv) + "\n1e37\n1e37\n1e37\n45\n0\nFAT\n20\n";
+        if (b.technique == "AES diff") t += "2\n";
+        t += "1\n4.5\n0\n1e37\n1e37\n0\n0\nC\n" + b.transition + "\n-1\n";
+        t += b.abscissa + "\neV\n" + FormatTrimmed(b.start) + "\n" + FormatTrimmed(b.step) + "\n";
+        t += "1\nIntensity\nd\npulse counting\n0.1\n1\n1e37\n0\n0\n0\n0\n";
+        t += std::to_string(b.values.size()) + "\n0\n1\n";
+        for (double v : b.values) t += FormatTrimmed(v) + "\n";
+    }
+    t += "end of experiment\n";
+    return t;
+}
+
+SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = "Binding Energy") {
+    SynthBlock b;
+    b.abscissa = abscissa;
+    b.start = first;
+    b.step = step;
+    for (int i = 0; i < n; ++i) b.values.push_back(100 + i);
+    return b;
+}
+
+TEST(Vamas, BindingAbscissaFallingIsStoredAsRead) {
+    Project project;
+    RecordingHost host;
+    const std::string path = test::WriteScratch("b.vms", MakeVamas({Ramp(4, 290, -0.5)}));
+    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.PointCount, 4);
+    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289.5, 289, 288.5}));
+    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 100, 101, 102, 103}));
+    EXPECT_EQ(r.Caption.Str(), "1s                  ");
+    EXPECT_EQ(project.Description, "Sample A");
+    EXPECT_TRUE(IsSet(r.HasData));
+    EXPECT_FALSE(IsSet(r.HasBackground));
+    EXPECT_EQ(r.MaxBE, 290);
+    EXPECT_EQ(r.MinIntensity, 100);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(host.regionWindowShows, 1);
+}
+
+TEST(Vamas, KineticAbscissaBecomesDescendingBindingEnergy) {
+    Project project;
+    RecordingHost host;
+    // hv 1486.6, KE 1196.6 rising by 2: BE 290, 288, 286 -> already falling.
+    SynthBlock rising = Ramp(3, 1196.6, 2, "Kinetic Energy");
+    // KE falling: BE rising, stored reversed.
+    SynthBlock falling = Ramp(3, 1200.6, -2, "kinetic energy");
+    const std::string path = test::WriteScratch("k.vms", MakeVamas({rising, falling}));
+    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    const Region& a = project.Regions[0];
+    EXPECT_FLOAT_EQ(a.BindingEnergy[1], 290.0f);
+    EXPECT_FLOAT_EQ(a.BindingEnergy[3], 286.0f);
+    EXPECT_EQ(a.RawIntensity[1], 100);
+    const Region& b = project.Regions[1];
+    EXPECT_FLOAT_EQ(b.BindingEnergy[1], 290.0f);  // hv - KE of the last value
+    EXPECT_FLOAT_EQ(b.BindingEnergy[3], 286.0f);
+    EXPECT_EQ(b.RawIntensity[1], 102);
+    EXPECT_EQ(b.RawIntensity[3], 100);
+    EXPECT_EQ(project.CurrentRegion, 0);
+}
+
+TEST(Vamas, MessagesOfRefusal) {
+    Project project;
+    RecordingHost host;
+    Status s = ReadVamas(project, host, test::WriteScratch("x.vms", "\n\nSome other file\n1\n"));
+    EXPECT_EQ(s.message(), msg::kNotVamas);
+    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotVamas});
+
+    // Existing data in the current region stays cleared after an AES file.
+    ImportedSpectrum sp;
+    sp.energy = {2, 1};
+    sp.intensity = {1, 1};
+    StoreSpectrum(project, sp, SortRule::ReverseIfRising);
+    SynthBlock aes = Ramp(3, 100, 1, "Kinetic Energy");
+    aes.technique = "AES diff";
+    host.messages.clear();
+    s = ReadVamas(project, host, test::WriteScratch("aes.vms", MakeVamas({aes, Ramp(3, 290, -1)})));
+    EXPECT_EQ(s.message(), msg::kNotXps);
+    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotXps});
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    EXPECT_FALSE(IsSet(project.Regions[1].HasData));
+}
+
+TEST(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
+    Project project;
+    RecordingHost host;
+    SynthBlock ups = Ramp(2, 20, -1);
+    ups.technique = "UPS";
+    SynthBlock aes = Ramp(2, 100, 1, "Kinetic Energy");
+    aes.technique = "AES dir";
+    const std::string path = test::WriteScratch("m.vms", MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}));
+    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    EXPECT_EQ(project.Regions[0].BindingEnergy[1], 10);
+    EXPECT_EQ(project.Regions[1].BindingEnergy[1], 30);
+    EXPECT_FALSE(IsSet(project.Regions[2].HasData));
+}
+
+TEST(Vamas, MoreThan5000PointsKeepsTheFirst5000AndReadsOn) {
+    Project project;
+    RecordingHost host;
+    const std::string path = test::WriteScratch("big.vms", MakeVamas({Ramp(6000, 6000, -1), Ramp(3, 9, -1)}));
+    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    EXPECT_EQ(host.messages, std::vector<std::string>{"Too many points.  Only 5000 points have been read."});
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.PointCount, 5000);
+    EXPECT_EQ(r.BindingEnergy[5000], 1001);
+    EXPECT_EQ(r.RawIntensity[5000], 100 + 4999);
+    EXPECT_EQ(project.Regions[1].PointCount, 3);
+    EXPECT_EQ(project.Regions[1].RawIntensity[3], 102);
+}
+
+TEST(Vamas, TenBlocksFitElevenDoNot) {
+    std::vector<SynthBlock> blocks;
+    for (int k = 0; k < 11; ++k) blocks.push_back(Ramp(2, 100 + k, -1));
+    {
+        Project project;
+        RecordingHost host;
+        std::vector<SynthBlock> ten(blocks.begin(), blocks.begin() + 10);
+        ASSERT_TRUE(ReadVamas(project, host, test::WriteScratch("ten.vms", MakeVamas(ten))).ok());
+        EXPECT_TRUE(host.messages.empty());
+        EXPECT_EQ(project.Regions[9].BindingEnergy[1], 109);
+    }
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadVamas(project, host, test::WriteScratch("eleven.vms", MakeVamas(blocks))).ok());
+    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kTooManyRegions});
+    EXPECT_EQ(project.Regions[9].BindingEnergy[1], 109);
+    EXPECT_EQ(project.Regions[0].BindingEnergy[1], 100);
+    EXPECT_EQ(project.CurrentRegion, 0);
+}
+
+TEST(Vamas, StartingAtSlot7WrapsAndReplacesOldData) {
+    Project project;
+    RecordingHost host;
+    for (int slot : {8, 0}) {
+        project.CurrentRegion = static_cast<Int16>(slot);
+        ImportedSpectrum old;
+        old.energy = {1, 2, 3, 4, 5, 6, 7};
+        old.intensity = {1, 1, 1, 1, 1, 1, 1};
+        StoreSpectrum(project, old, SortRule::ReverseIfRising);
+    }
+    project.CurrentRegion = 7;
+    std::vector<SynthBlock> blocks;
+    for (int k = 0; k < 4; ++k) blocks.push_back(Ramp(2, 50 + k, -1));
+    ASSERT_TRUE(ReadVamas(project, host, test::WriteScratch("w.vms", MakeVamas(blocks))).ok());
+    EXPECT_EQ(project.CurrentRegion, 7);
+    const int slots[] = {7, 8, 9, 0};
+    for (int k = 0; k < 4; ++k) {
+        const Region& r = project.Regions[static_cast<std::size_t>(slots[k])];
+        EXPECT_EQ(r.PointCount, 2) << "slot " << slots[k];
+        EXPECT_EQ(r.BindingEnergy[1], 50 + k) << "slot " << slots[k];
+    }
+    EXPECT_FALSE(IsSet(project.Regions[1].HasData));
+}
+
+TEST(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
+    const std::string full = MakeVamas({Ramp(5, 20, -1), Ramp(5, 30, -1)});
+    const std::string cut = full.substr(0, full.size() - 30);  // inside block 2's values
+    Project project;
+    RecordingHost host;
+    const Status s = ReadVamas(project, host, test::WriteScratch("cut.vms", cut));
+    EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
+    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFileImport});
+    EXPECT_EQ(project.Regions[0].BindingEnergy[1], 20);
+    EXPECT_FALSE(IsSet(project.Regions[1].HasData));
+
+    // Damaged inside the first block: nothing changes.
+    Project untouched;
+    const Project before = untouched;
+    RecordingHost host2;
+    EXPECT_FALSE(ReadVamas(untouched, host2, test::WriteScratch("cut1.vms", full.substr(0, full.find("pulse counting")))).ok());
+    EXPECT_EQ(untouched.Regions, before.Regions);
+    EXPECT_EQ(untouched.Description, before.Description);
+}
+
+TEST(Vamas, HugeDeclaredCountsDoNotRunAway) {
+    std::string t = MakeVamas({Ramp(3, 20, -1)});
+    const std::size_t at = t.find("\n3\n0\n1\n");  // the value count of the block
+    ASSERT_NE(at, std::string::npos);
+    t.replace(at, 3, "\n1000000000\n");
+    Project project;
+    RecordingHost host;
+    EXPECT_EQ(ReadVamas(project, host, test::WriteScratch("huge.vms", t)).message(), msg::kErrorReadingFileImport);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+}
+
+// ---- Real files: every block against an independent scan of the file's values.
+
+struct RealBlock {
+    double start;
+    double step;
+    int points;
+};
+
+struct RealVamas {
+    const char* file;
+    bool kinetic;
+    double hv;
+    int variables;  // corresponding variables; the intensity is the first
+    std::vector<RealBlock> blocks;
+};
+
+// Finds each block's value count (points x variables) by scanning forward for the
+// line that states it, and returns the index of the first value line of each block.
+std::vector<std::size_t> ValueStarts(const std::vector<std::string>& lines, const RealVamas& f) {
+    auto trimmed = [](const std::string& l) {
+        const std::size_t a = l.find_first_not_of(' ');
+        if (a == std::string::npos) return std::string();
+        return l.substr(a, l.find_last_not_of(' ') - a + 1);
+    };
+    std::vector<std::size_t> starts;
+    std::size_t i = 0;
+    for (const RealBlock& b : f.blocks) {
+        const std::string count = std::to_string(b.points * f.variables);
+        while (i < lines.size() && trimmed(lines[i]) != count) ++i;
+        const std::size_t first = i + 1 + 2 * static_cast<std::size_t>(f.variables);
+        starts.push_back(first);
+        i = first + static_cast<std::size_t>(b.points * f.variables);
+    }
+    return starts;
+}
+
+void CheckRealVamas(const RealVamas& f) {
+    const std::string path = test::RealFile(f.file);
+    if (path.empty()) GTEST_SKIP() << f.file << " is not available";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadVamas(project, host, path).ok()) << f.file;
+    const std::vector<std::string> lines = test::FileLines(path);
+    const std::vector<std::size_t> starts = ValueStarts(lines, f);
+    for (std::size_t k = 0; k < f.blocks.size(); ++k) {
+        const RealBlock& b = f.blocks[k];
+        const Region& r = project.Regions[k];
+        const int n = std::min(b.points, 5000);
+        ASSERT_EQ(r.PointCount, n) << f.file << " block " << k;
+        auto fileBE = [&](int j) {
+            const double x = b.start + j * b.step;
+            return f.kinetic ? f.hv - x : x;
+        };
+        const bool reversed = fileBE(0) < fileBE(n - 1);
+        for (int i : {1, 2, n / 3, n / 2, n - 1, n}) {
+            const int j = reversed ? n - i : i - 1;  // 0-based index in the file
+            EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], fileBE(j), 2e-3)
+                << f.file << " block " << k << " point " << i;
+            const std::string& value = lines.at(starts[k] + static_cast<std::size_t>(j * f.variables));
+            EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(value)))
+                << f.file << " block " << k << " point " << i;
+        }
+    }
+    EXPECT_FALSE(IsSet(project.Regions[f.blocks.size() % 10].HasData) && f.blocks.size() < 10);
+}
+
+TEST(VamasReal, Feranick2001) {
+    CheckRealVamas({"feranick-xps/2.vms", false, 1486.6, 1,
+                    {{1386.6, -0.5, 2794}, {289, -0.1, 81}, {110, -0.1, 151}, {15, -0.1, 171}, {33, -0.1, 71},
+                     {15, -0.1, 171}}});
+}
+
+TEST(VamasReal, Feranick2008) {
+    CheckRealVamas({"feranick-xps/3.vms", false, 1486.6, 1,
+                    {{92, -0.1, 121}, {405, -0.1, 101}, {295, -0.1, 151}, {175, -0.1, 201}, {410, -0.1, 201},
+                     {10, -0.1, 121}, {1000, -0.5, 2001}}});
+}
+
+TEST(VamasReal, MultiPakExport) {
+    CheckRealVamas({"lg4x/Mutlipak_vms.npl", false, 1486.6, 1,
+                    {{305, -0.05, 601}, {555, -0.05, 601}, {180, -0.05, 501}, {410, -0.05, 401}, {240, -0.05, 401}}});
+}
+
+TEST(VamasReal, KratosSupraTwoVariablesLeadingBlankLines) {
+    CheckRealVamas({"lg4x/0-150W.vms", true, 1486.69, 2,
+                    {{286.69, 1, 1206}, {586.69, 0.1, 601}, {941.69, 0.1, 251}, {1186.69, 0.1, 301},
+                     {1436.69, 0.1, 251}}});
+}
+
+TEST(VamasReal, OmicronKineticMoreThan5000Points) {
+    CheckRealVamas({"matkrin-vamas/xps_eis.vms", true, 1486.7, 1,
+                    {{1506.7, -0.1, 8201}, {1261.7, -0.05, 321}, {1097.7, -0.05, 941}, {1246.7, -0.05, 541}}});
+}
+
+TEST(VamasReal, ScientaOneBlockWithExperimentalVariable) {
+    CheckRealVamas({"minespex/vamas.vms", false, 1486.7, 1, {{539, -0.1, 111}}});
+}
+
+TEST(VamasReal, CasaRegularTwoVariables) {
+    CheckRealVamas({"pynxtools-xps/regular.vms", true, 1486.61, 2, {{136.61, 1, 1351}}});
+}
+
+TEST(VamasReal, FieldsAndMessages) {
+    const std::string multipak = test::RealFile("lg4x/Mutlipak_vms.npl");
+    const std::string eis = test::RealFile("matkrin-vamas/xps_eis.vms");
+    const std::string scienta = test::RealFile("minespex/vamas.vms");
+    const std::string aes = test::RealFile("matkrin-vamas/aes_staib.vms");
+    if (multipak.empty() || eis.empty() || scienta.empty() || aes.empty()) GTEST_SKIP() << "real VAMAS files not available";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadVamas(project, host, multipak).ok());
+    EXPECT_EQ(project.Description, "Sample ID : 1");
+    EXPECT_EQ(project.Regions[0].Caption.Str(), "1s                  ");
+    ASSERT_TRUE(ReadVamas(project, host, scienta).ok());
+    EXPECT_EQ(project.Description, "EMS04-035-11A");
+    EXPECT_TRUE(host.messages.empty());
+    ASSERT_TRUE(ReadVamas(project, host, eis).ok());
+    EXPECT_EQ(host.messages, std::vector<std::string>{"Too many points.  Only 5000 points have been read."});
+    host.messages.clear();
+    EXPECT_EQ(ReadVamas(project, host, aes).message(), msg::kNotXps);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+}
+
+TEST(VamasReal, IrregularListsEnergiesPointByPoint) {
+    const std::string path = test::RealFile("pynxtools-xps/irregular.vms");
+    const std::string regular = test::RealFile("pynxtools-xps/regular.vms");
+    if (path.empty() || regular.empty()) GTEST_SKIP() << "pynxtools-xps files not available";
+    Project a;
+    Project b;
+    RecordingHost host;
+    ASSERT_TRUE(ReadVamas(a, host, path).ok());
+    ASSERT_TRUE(ReadVamas(b, host, regular).ok());
+    const Region& r = a.Regions[0];
+    ASSERT_EQ(r.PointCount, 1351);
+    // Independent scan: triples (KE, intensity, transmission) after the count line.
+    const std::vector<std::string> lines = test::FileLines(path);
+    std::size_t at = 0;
+    while (at < lines.size() && lines[at] != "4053") ++at;
+    ASSERT_LT(at, lines.size());
+    const std::size_t first = at + 1 + 6;
+    for (int i : {1, 2, 700, 1350, 1351}) {
+        const int j = i - 1;  // kinetic energies rise in the file: binding energies fall
+        const double ke = LeadingNumber(lines.at(first + static_cast<std::size_t>(3 * j)));
+        EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], 1486.61 - ke, 1e-3);
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)],
+                  static_cast<float>(LeadingNumber(lines.at(first + static_cast<std::size_t>(3 * j + 1)))));
+    }
+    EXPECT_NEAR(r.BindingEnergy[1], b.Regions[0].BindingEnergy[1], 1e-3);
+    EXPECT_NEAR(r.BindingEnergy[1351], b.Regions[0].BindingEnergy[1351], 1e-3);
+}
+
+}  // namespace
+}  // namespace molvera
