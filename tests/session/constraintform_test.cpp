@@ -1,0 +1,179 @@
+#include "session/constraintform.h"
+
+#include <gtest/gtest.h>
+
+#include "model/messages.h"
+#include "model/project.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+class ConstraintFormTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        test::RecordingHost host;
+        ClearProject(project, host);
+        for (int s : {0, 1, 2, 3, 4}) project.Peaks[s].InUse = kTrue;
+        project.Peaks[4].Region = 2;
+        project.Regions[0].MaxBE = 300;
+        project.Regions[0].MinBE = 280;
+        project.CurrentPeak = 1;
+    }
+    /// Opens the dialog on `kind` for peak p and links it to `ref` by op/arg.
+    Status Link(int p, ConstraintKind kind, const std::string& ref, const std::string& op = "+",
+                const std::string& arg = "1") {
+        project.CurrentPeak = static_cast<Int16>(p);
+        OpenConstraint(project, form, kind);
+        form.Use = true;
+        form.RefPeak = ref;
+        form.ArgType = op;
+        form.Arg = arg;
+        form.Range = false;
+        return ConstraintOK(project, form);
+    }
+    Project project;
+    ConstraintForm form;
+};
+
+TEST_F(ConstraintFormTest, ReferenceNumberRoundsHalvesToEvenAndEmptyIsZero) {
+    ASSERT_TRUE(Link(1, ConstraintKind::Position, "2.5").ok());
+    EXPECT_EQ(project.Constraints[1].Position.RefPeak, 2);
+    ASSERT_TRUE(Link(1, ConstraintKind::Position, "3.5").ok());
+    EXPECT_EQ(project.Constraints[1].Position.RefPeak, 4);  // another region is fine
+    ASSERT_TRUE(Link(1, ConstraintKind::Position, "").ok());
+    EXPECT_EQ(project.Constraints[1].Position.RefPeak, 0);
+    EXPECT_FALSE(form.Visible);
+}
+
+TEST_F(ConstraintFormTest, WrongReferencePeaks) {
+    for (const char* ref : {"1", "7", "51", "-1", "99999", "1e9"}) {
+        const Status s = Link(1, ConstraintKind::Area, ref);
+        EXPECT_EQ(s.message(), msg::kWrongReferencePeak) << ref;
+        EXPECT_FALSE(IsSet(project.Constraints[1].Area.Linked)) << ref;
+    }
+    // Out of 0..50 is refused even with the relation switched off.
+    form.Use = false;
+    form.RefPeak = "60";
+    EXPECT_EQ(ConstraintOK(project, form).message(), msg::kWrongReferencePeak);
+    EXPECT_TRUE(form.Visible);
+}
+
+TEST_F(ConstraintFormTest, CircularReferences) {
+    ASSERT_TRUE(Link(0, ConstraintKind::FWHM, "1").ok());
+    EXPECT_EQ(Link(1, ConstraintKind::FWHM, "0").message(), msg::kCircularReference);
+    ASSERT_TRUE(Link(2, ConstraintKind::FWHM, "0").ok());  // 2 -> 0 -> 1
+    EXPECT_EQ(Link(1, ConstraintKind::FWHM, "2").message(), msg::kCircularReference);
+    EXPECT_FALSE(IsSet(project.Constraints[1].FWHM.Linked));
+    // Another group is independent.
+    EXPECT_TRUE(Link(1, ConstraintKind::GL, "0").ok());
+}
+
+TEST_F(ConstraintFormTest, LoopFromAFileNotThroughThePeakEnds) {
+    auto& c3 = project.Constraints[3].Position;
+    auto& c2 = project.Constraints[2].Position;
+    c3 = {kTrue, 2, kTrue, 2, 0, 0, kFalse, 0, 0};
+    c2 = {kTrue, 3, kTrue, 3, 0, 0, kFalse, 0, 0};
+    EXPECT_FALSE(IsCircularPosition(project, 1, 3));
+    EXPECT_TRUE(Link(1, ConstraintKind::Position, "3").ok());
+    project.Constraints[2].Area = {kTrue, 300, kFalse, 0, 0, 0, kFalse, 0, 0};
+    EXPECT_FALSE(IsCircularArea(project, 1, 2));
+}
+
+TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
+    EXPECT_EQ(Link(1, ConstraintKind::Area, "0", "*", "0").message(), msg::kZeroArgument);
+    EXPECT_EQ(Link(1, ConstraintKind::Area, "0", "/", "abc").message(), msg::kZeroArgument);
+    EXPECT_FALSE(IsSet(project.Constraints[0].Area.IsReference));
+    EXPECT_TRUE(Link(1, ConstraintKind::Area, "0", "+", "0").ok());
+    OpenConstraint(project, form, ConstraintKind::Area);
+    form.Use = false;
+    form.ArgType = "/";
+    form.Arg = "0";
+    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    EXPECT_EQ(project.Constraints[1].Area.Operation, 3);
+    EXPECT_EQ(project.Constraints[1].Area.Argument, 0.0f);
+    form.ArgType = "x";  // unknown text: "+"
+    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    EXPECT_EQ(project.Constraints[1].Area.Operation, 0);
+}
+
+TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
+    ASSERT_TRUE(Link(1, ConstraintKind::Position, "0").ok());
+    ASSERT_TRUE(Link(3, ConstraintKind::Position, "0").ok());
+    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 3);
+    project.CurrentPeak = 3;
+    OpenPositionConstraint(project, form);
+    form.Use = false;
+    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    EXPECT_TRUE(IsSet(project.Constraints[0].Position.IsReference));
+    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);
+    project.CurrentPeak = 1;
+    OpenPositionConstraint(project, form);
+    form.Use = false;
+    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    EXPECT_FALSE(IsSet(project.Constraints[0].Position.IsReference));
+    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);  // left as it was
+}
+
+TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
+    auto limits = [&](ConstraintKind kind, const char* low, const char* high) {
+        OpenConstraint(project, form, kind);
+        form.Use = true;
+        form.RefPeak = "0";
+        form.ArgType = "+";
+        form.Arg = "1";
+        form.Range = true;
+        form.Low = low;
+        form.High = high;
+        return ConstraintOK(project, form).message();
+    };
+    EXPECT_EQ(limits(ConstraintKind::Position, "301", "299"), msg::kRangeInvalid);
+    EXPECT_EQ(limits(ConstraintKind::Position, "285", "300.002"), msg::kHighBEOutOfRange);
+    EXPECT_EQ(limits(ConstraintKind::Position, "279.998", "290"), msg::kLowBEOutOfRange);
+    EXPECT_EQ(limits(ConstraintKind::Position, "279.9995", "300.0005"), "");
+    EXPECT_EQ(limits(ConstraintKind::Area, "-1", "5"), msg::kNegativeRange);
+    EXPECT_EQ(limits(ConstraintKind::FWHM, "2", "2"), "");  // Low = High accepted
+    EXPECT_EQ(limits(ConstraintKind::GL, "10", "101"), msg::kOutOfRange);
+    EXPECT_TRUE(IsSet(project.Constraints[1].GL.Linked));       // stored before the refusal
+    EXPECT_FALSE(IsSet(project.Constraints[1].GL.UseLimits));  // limits keep old values
+    EXPECT_EQ(project.Constraints[1].FWHM.LowLimit, 2.0f);
+    EXPECT_EQ(project.Constraints[1].FWHM.HighLimit, 2.0f);
+}
+
+TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
+    auto& pos = project.Constraints[1].Position;
+    pos.HighLimit = 0;
+    pos.LowLimit = 290;
+    pos.Operation = 3;
+    pos.Argument = 2.5f;
+    pos.RefPeak = 4;
+    OpenPositionConstraint(project, form);
+    EXPECT_EQ(pos.HighLimit, 300.0f);
+    EXPECT_EQ(pos.LowLimit, 290.0f);
+    EXPECT_EQ(form.High, " 300");
+    EXPECT_EQ(form.Low, " 290");
+    EXPECT_EQ(form.ArgType, "/");
+    EXPECT_EQ(form.Arg, "2.5");
+    EXPECT_EQ(form.RefPeak, "4");
+    EXPECT_EQ(form.PeakLabel, "1");
+    EXPECT_EQ(form.Caption, "Constraints for Peak Position");
+    EXPECT_TRUE(form.Visible);
+
+    auto& gl = project.Constraints[1].GL;
+    gl.HighLimit = 120;
+    gl.LowLimit = -3;
+    OpenGLConstraint(project, form);
+    EXPECT_EQ(gl.HighLimit, 100.0f);
+    EXPECT_EQ(gl.LowLimit, 0.0f);
+    EXPECT_EQ(form.Caption, "Constraint for Peak %GL");
+    auto& area = project.Constraints[1].Area;
+    area.LowLimit = -2;
+    area.HighLimit = -1;
+    OpenAreaConstraint(project, form);
+    EXPECT_EQ(area.LowLimit, 0.0f);
+    EXPECT_EQ(area.HighLimit, 0.0f);
+    EXPECT_EQ(form.Kind, ConstraintKind::Area);
+}
+
+}  // namespace
+}  // namespace molvera
