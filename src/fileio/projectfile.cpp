@@ -1,0 +1,218 @@
+#include "fileio/projectfile.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "fileio/binstream.h"
+#include "fileio/numtext.h"
+#include "fileio/records_io.h"
+#include "model/messages.h"
+#include "model/project.h"
+#include "model/regionops.h"
+#include "spectral/envelope.h"
+
+namespace molvera {
+
+namespace {
+
+constexpr std::string_view kHeader40 = "MOLVERA 4.0";
+constexpr std::string_view kHeader30 = "MOLVERA 3.0";
+constexpr std::string_view kOldHeader = "SF";
+constexpr std::string_view kTagUsed = "DP";
+constexpr std::string_view kTagEmpty = "DA";
+constexpr Int16 kTextTypeCode = 8;
+constexpr int kOldPeakSlots = 21;
+constexpr std::size_t kMaxProjectFileBytes = std::size_t{64} << 20;
+
+enum class Layout { V40, V30, Old };
+
+// Thrown when the header names no layout that this reader knows.
+struct WrongFormat {};
+
+int RangeCountOfPeakRegion(const Project& project, const Peak& peak) {
+    if (peak.Region < 0 || peak.Region >= kRegionCount) return 0;
+    return project.Regions[peak.Region].RangeCount;
+}
+
+void WriteProjectBytes(BinaryWriter& out, const Project& project) {
+    out.Bytes(kHeader40);
+    for (const Region& r : project.Regions) {
+        if (IsSet(r.HasData)) {
+            out.Bytes(kTagUsed);
+            out.I16(r.PointCount);
+            WriteRegion(out, r);
+        } else {
+            out.Bytes(kTagEmpty);
+        }
+    }
+    for (int s = 0; s < kPeakSlots; ++s) {
+        const Peak& p = project.Peaks[s];
+        if (IsSet(p.InUse)) {
+            out.Bytes(kTagUsed);
+            out.I16(static_cast<Int16>(RangeCountOfPeakRegion(project, p)));
+            WritePeak(out, p);
+            WritePeakConstraint(out, project.Constraints[s]);
+        } else {
+            out.Bytes(kTagEmpty);
+        }
+    }
+    out.I16(project.CurrentPeak);
+    WritePeak(out, project.EditPeak);
+    out.I16(project.TotalPeakCount);
+    out.F32(project.TotalChiSquare);
+    out.F32(project.AreaScale);
+    out.I16(project.CurrentRegion);
+    out.I16(kTextTypeCode);
+    out.I16(static_cast<Int16>(project.Description.size()));
+    out.Bytes(project.Description);
+}
+
+Layout ReadHeader(BinaryReader& in) {
+    const std::string first = in.Bytes(2);
+    if (first == kOldHeader) return Layout::Old;
+    const std::string header = first + in.Bytes(kHeader40.size() - 2);
+    if (header == kHeader40) return Layout::V40;
+    if (header == kHeader30) return Layout::V30;
+    throw WrongFormat{};
+}
+
+void CheckCount(int count) {
+    if (count < 0 || count > kMaxPoints) throw ReadError("count out of range");
+}
+
+void ReadRegionTable(BinaryReader& in, Project& project, Layout layout) {
+    for (Region& r : project.Regions) {
+        if (in.Bytes(2) == kTagUsed) {
+            if (layout == Layout::Old) {
+                ReadRegionOld(in, r);
+            } else {
+                const int n = in.I16();
+                CheckCount(n);
+                ResizeRegionArrays(r, n);
+                ReadRegion(in, r);
+            }
+            r.HasData = kTrue;
+        }
+        if (r.EndPointAverage == 0) r.EndPointAverage = 1;
+    }
+}
+
+void ReadPeakTable(BinaryReader& in, Project& project, Layout layout) {
+    const int slots = layout == Layout::Old ? kOldPeakSlots : kPeakSlots;
+    for (int s = 0; s < slots; ++s) {
+        if (in.Bytes(2) != kTagUsed) continue;
+        if (layout == Layout::Old) {
+            ReadPeakOld(in, project.Peaks[s], project);
+            ReadPeakConstraintOld(in, project.Constraints[s]);
+        } else {
+            const int m = in.I16();
+            CheckCount(m);
+            ResizePeakCurve(project, s, m);
+            ReadPeak(in, project.Peaks[s], layout == Layout::V30);
+            ReadPeakConstraint(in, project.Constraints[s]);
+        }
+    }
+}
+
+void ReadTail(BinaryReader& in, Project& project, Layout layout) {
+    project.CurrentPeak = in.I16();
+    if (project.CurrentPeak < 0 || project.CurrentPeak >= kPeakSlots) throw ReadError("CurrentPeak");
+    Peak& edit = project.EditPeak;
+    if (layout == Layout::Old) {
+        ReadPeakOld(in, edit, project);
+    } else {
+        edit.Curve.assign(static_cast<std::size_t>(std::max(RangeCountOfPeakRegion(project, edit), 0)) + 1,
+                          0.0f);
+        ReadPeak(in, edit, layout == Layout::V30);
+    }
+    project.TotalPeakCount = in.I16();
+    project.TotalChiSquare = in.F32();
+    project.AreaScale = in.F32();
+    project.CurrentRegion = in.I16();
+    if (project.CurrentRegion < 0 || project.CurrentRegion >= kRegionCount)
+        throw ReadError("CurrentRegion");
+}
+
+// Every peak listed by a region with data must be an in-use peak of that region whose
+// curve covers the region's range, or the recomputation would index outside it.
+void CheckPeakLists(const Project& project) {
+    for (int r = 0; r < kRegionCount; ++r) {
+        const Region& region = project.Regions[r];
+        if (!IsSet(region.HasData)) continue;
+        for (int i = 0; i < region.PeakCount; ++i) {
+            const Peak& p = project.Peaks[region.PeakIndex[i]];
+            if (!IsSet(p.InUse) || p.Region != r ||
+                p.Curve.size() < static_cast<std::size_t>(region.RangeCount) + 1) {
+                throw ReadError("inconsistent peak list");
+            }
+        }
+    }
+}
+
+// The tagged description text; false when it is missing or not a text.
+bool ReadDescription(BinaryReader& in, std::string& text) {
+    try {
+        if (in.I16() != kTextTypeCode) return false;
+        const int length = in.I16();
+        if (length < 0) return false;
+        text = in.Bytes(static_cast<std::size_t>(length));
+        if (text.size() > static_cast<std::size_t>(kDescriptionLength)) text.resize(kDescriptionLength);
+        return true;
+    } catch (const ReadError&) {
+        return false;
+    }
+}
+
+Status Fail(Host& host, const char* message) {
+    host.Message(message);
+    return Status::Error(message);
+}
+
+}  // namespace
+
+Status SaveProject(Project& project, const std::string& path) {
+    if (project.Description.size() > static_cast<std::size_t>(kDescriptionLength))
+        project.Description.resize(kDescriptionLength);
+    const bool ok = WriteFileAtomically(path, [&project](std::ostream& os) {
+        BinaryWriter out(os);
+        WriteProjectBytes(out, project);
+        return out.Good();
+    });
+    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+}
+
+Status LoadProject(Project& project, Host& host, const std::string& path) {
+    std::string bytes;
+    if (!ReadWholeFile(path, bytes, kMaxProjectFileBytes)) return Fail(host, msg::kErrorReadingFile);
+
+    for (int i = 0; i < kRegionCount * kMaxPeaksPerRegion; ++i) host.SetPeakButton(i, "", false);
+    for (int k = 0; k < kRegionCount; ++k) host.SetRegionChiText(k, "");
+    ClearProject(project, host);
+
+    BinaryReader in(bytes);
+    try {
+        const Layout layout = ReadHeader(in);
+        ReadRegionTable(in, project, layout);
+        ReadPeakTable(in, project, layout);
+        ReadTail(in, project, layout);
+        CheckPeakLists(project);
+    } catch (const ReadError&) {
+        return Fail(host, msg::kErrorReadingFile);
+    } catch (const WrongFormat&) {
+        return Fail(host, msg::kWrongFileFormat);
+    }
+
+    std::string description;
+    if (ReadDescription(in, description)) {
+        project.Description = description;
+        host.SetDescriptionText(description);
+    }
+
+    RecomputeAllRegions(project, host);
+    RefreshMainWindow(project, host);
+    host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
+    host.ShowRegionWindow();
+    return Status::Ok();
+}
+
+}  // namespace molvera
