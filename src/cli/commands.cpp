@@ -1,14 +1,101 @@
 #include "cli/commands.h"
 
 #include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "cli/command_list.h"
+#include "cli/common.h"
 
 namespace molvera::cli {
 
+namespace {
+
+const Command kCommands[] = {
+    {"dump", "molvera-cli dump FILE.xps", "print the whole project as JSON", RunDump},
+    {"import", "molvera-cli import FORMAT FILE [--into IN.xps] [--region N] -o OUT.xps",
+     "import spectra into a project", RunImport},
+    {"background",
+     "molvera-cli background IN.xps --region N --type shirley|linear|tougaard --low L --high H "
+     "[--average 1|3|5|7|9] [--param P] -o OUT.xps",
+     "set a region's background as the background dialog's Accept does", RunBackground},
+    {"add-peak",
+     "molvera-cli add-peak IN.xps --region N [--position P] [--fwhm W] [--area A | --height H] "
+     "[--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] [--fix position,area,fwhm,gl] "
+     "-o OUT.xps",
+     "add a peak to a region and print its slot number", RunAddPeak},
+    {"edit-peak",
+     "molvera-cli edit-peak IN.xps --peak S [--position P] [--fwhm W] [--area A | --height H] "
+     "[--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] [--fix LIST] [--free LIST] "
+     "-o OUT.xps",
+     "change a peak as the peak editor's Accept does", RunEditPeak},
+    {"delete-peak", "molvera-cli delete-peak IN.xps --peak S -o OUT.xps", "delete a peak",
+     RunDeletePeak},
+    {"export-spectrum", "molvera-cli export-spectrum IN.xps --region N -o OUT.dat",
+     "write a region's data and fitted curves as text", RunExportSpectrum},
+    {"export-peaks", "molvera-cli export-peaks IN.xps --region N -o OUT.par",
+     "write a region's peak parameters as text", RunExportPeaks},
+    {"save-params", "molvera-cli save-params IN.xps --region N -o OUT.rpa",
+     "save a region's background and peaks as a region parameter file", RunSaveParams},
+    {"apply-params", "molvera-cli apply-params IN.xps --region N PARAMS.rpa -o OUT.xps",
+     "apply a region parameter file to a region", RunApplyParams},
+    {"fit", "molvera-cli fit IN.xps (--region N | --all) [--options FILE.opa] -o OUT.xps",
+     "fit one region or all regions; Ctrl-C stops and keeps the best values", RunFit},
+    {"constrain",
+     "molvera-cli constrain IN.xps --peak S --param position|area|fwhm|gl "
+     "[--link REF --op +|-|*|/ --arg A | --unlink] [--limits LOW:HIGH | --no-limits] -o OUT.xps",
+     "tie a peak parameter to another peak or limit its search range", RunConstrain},
+    {"options",
+     "molvera-cli options [--from IN.opa] [--method search|newton] [--search-trials N] "
+     "[--newton-trials N] [--tolerance PERCENT] [--pos-search L:RANGE:STEP|L:off] "
+     "[--area-search ...] [--fwhm-search ...] [--pos-newton L:DELTA|L:off] [--area-newton ...] "
+     "[--fwhm-newton ...] [--gl-sum | --gl-product] -o OUT.opa",
+     "check fitting options as the options dialog's OK does and write them", RunOptions},
+    {"dump-options", "molvera-cli dump-options FILE.opa", "print an option file as JSON",
+     RunDumpOptions},
+};
+
+void PrintOverview() {
+    std::printf("molvera-cli: batch work on Molvera project files (.xps)\n\ncommands:\n");
+    for (const Command& c : kCommands) std::printf("  %-16s %s\n", c.name, c.summary);
+    std::printf(
+        "\nRegions are numbered 1..10, peaks by their slot 0..50. Every command that loads or\n"
+        "computes takes --options FILE.opa (default: default.opa in the working directory).\n"
+        "Run 'molvera-cli COMMAND --help' for the options of a command.\n");
+}
+
+}  // namespace
+
+const Command* FindCommand(const std::string& name) {
+    for (const Command& c : kCommands)
+        if (name == c.name) return &c;
+    return nullptr;
+}
+
+const char* Usage(const char* name) {
+    const Command* c = FindCommand(name);
+    return c ? c->usage : "";
+}
+
 int Main(int argc, char** argv) {
-    (void)argc;
-    (void)argv;
-    std::fprintf(stderr, "usage: molvera-cli COMMAND ...\n");
-    return 2;
+    if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "help")) {
+        PrintOverview();
+        return argc < 2 ? kExitUsage : 0;
+    }
+    const Command* c = FindCommand(argv[1]);
+    if (!c) {
+        std::fprintf(stderr, "molvera-cli: unknown command '%s'\n", argv[1]);
+        PrintOverview();
+        return kExitUsage;
+    }
+    for (int i = 2; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "--help")) {
+            std::printf("usage: %s\n\n%s\n", c->usage, c->summary);
+            return 0;
+        }
+    }
+    InstallInterruptHandler();
+    return c->run(argc, argv);
 }
 
 }  // namespace molvera::cli

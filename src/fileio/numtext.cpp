@@ -163,6 +163,13 @@ std::string FormatGeneral(float value) {
     return sign + out + expText;
 }
 
+std::string FormatRoundTrip(float value) {
+    if (!std::isfinite(value)) return FormatGeneral(value);
+    char buf[32];
+    auto res = std::to_chars(buf, buf + sizeof buf, value);
+    return std::string(buf, res.ptr);
+}
+
 std::string FormatFixed(double value, int decimals) {
     if (std::isnan(value)) return "NaN";
     if (std::isinf(value)) return value < 0 ? "-Infinity" : "Infinity";

@@ -26,6 +26,9 @@ std::optional<std::int16_t> ToInt16(double value);
 /// fixed notation while it needs at most 7 digit positions, otherwise "1.234568E+07".
 std::string FormatGeneral(float value);
 
+/// The shortest text that reads back to exactly this Single (up to 9 significant digits).
+std::string FormatRoundTrip(float value);
+
 /// Fixed form with `decimals` decimals ("0.000", "#0.000", "#######0.000" are 3,
 /// "#0.0" is 1, "#0" is 0): rounds the exact binary value, halves away from zero;
 /// a negative value that rounds to zero keeps its "-".

@@ -1,0 +1,144 @@
+// import, export-spectrum, export-peaks, save-params and apply-params.
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "cli/command_list.h"
+#include "cli/common.h"
+#include "fileio/exports.h"
+#include "fileio/formats.h"
+#include "fileio/numtext.h"
+#include "fileio/regionparams.h"
+#include "model/messages.h"
+#include "model/project.h"
+
+namespace molvera::cli {
+
+namespace {
+
+// Loads the options, then the project of --into or the positional file `index`.
+bool PrepareFrom(const Args& args, Session& s, const std::optional<std::string>& input,
+                 int& exitCode) {
+    if (Status st = LoadOptions(args, s); !st) {
+        exitCode = Refused(s, st);
+        return false;
+    }
+    if (!input) {
+        ClearProject(s.project, s.host);
+        return true;
+    }
+    if (Status st = LoadInput(s, *input); !st) {
+        exitCode = Refused(s, st);
+        return false;
+    }
+    return true;
+}
+
+std::string RegionLine(int slot, const Region& r) {
+    std::string caption = Latin1ToUtf8(r.Caption.Str());
+    while (!caption.empty() && caption.back() == ' ') caption.pop_back();
+    return "region " + std::to_string(slot + 1) + ": \"" + caption + "\", " +
+           std::to_string(r.PointCount) + " points, " + FormatGeneral(r.MaxBE) + " .. " +
+           FormatGeneral(r.MinBE) + " eV";
+}
+
+// The region of --region that must hold data (and a background when asked).
+int RegionWithData(const Args& args, Session& s, bool needBackground) {
+    auto region = RegionArg(args);
+    if (!region) return Fail("--region takes a region number 1..10");
+    s.project.CurrentRegion = static_cast<Int16>(*region);
+    const Region& r = s.project.Current();
+    const std::string name = "region " + std::to_string(*region + 1);
+    if (!IsSet(r.HasData)) return Fail(name + " holds no data");
+    if (needBackground && !IsSet(r.HasBackground)) return Fail(name + " has no background");
+    return 0;
+}
+
+int ExportCommand(int argc, char** argv, const char* name, bool needBackground,
+                  Status (*write)(const Project&, const std::string&)) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {"region", "o"}, 1, Usage(name))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o FILE)");
+    Session s;
+    int code = 0;
+    if (!PrepareFrom(args, s, args.Positional()[0], code)) return code;
+    if (int rc = RegionWithData(args, s, needBackground); rc != 0) return rc;
+    if (Status st = write(s.project, *args.Value("o")); !st) {
+        s.host.Message(msg::kErrorSavingFile);
+        return kExitRefused;
+    }
+    s.host.Message(msg::kDataFileExported);
+    return 0;
+}
+
+}  // namespace
+
+int RunImport(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {"into", "region", "o"}, 2, Usage("import"))) return kExitUsage;
+    const ImportFormat* format = FindImportFormat(args.Positional()[0]);
+    if (!format) return Fail("unknown format '" + args.Positional()[0] +
+                             "' (vamas, kratos, leybold, phi or ascii)");
+    if (!args.Has("o")) return Fail("no output file given (-o FILE)");
+    Session s;
+    int code = 0;
+    if (!PrepareFrom(args, s, args.Value("into"), code)) return code;
+    if (args.Has("region")) {
+        auto region = RegionArg(args);
+        if (!region) return Fail("--region takes a region number 1..10");
+        s.project.CurrentRegion = static_cast<Int16>(*region);
+    }
+    const std::string file = args.Positional()[1];
+    if (!std::filesystem::is_regular_file(file)) return Fail("cannot open " + file);
+    const std::array<Region, kRegionCount> before = s.project.Regions;
+    if (Status st = format->read(s.project, s.host, file); !st) return Refused(s, st);
+    for (int k = 0; k < kRegionCount; ++k) {
+        const Region& r = s.project.Regions[k];
+        if (IsSet(r.HasData) && !(r == before[k])) std::printf("%s\n", RegionLine(k, r).c_str());
+    }
+    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    return 0;
+}
+
+int RunExportSpectrum(int argc, char** argv) {
+    return ExportCommand(argc, argv, "export-spectrum", false, ExportSpectrum);
+}
+
+int RunExportPeaks(int argc, char** argv) {
+    return ExportCommand(argc, argv, "export-peaks", true, ExportPeakParameters);
+}
+
+int RunSaveParams(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {"region", "o"}, 1, Usage("save-params"))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o FILE.rpa)");
+    Session s;
+    int code = 0;
+    if (!PrepareFrom(args, s, args.Positional()[0], code)) return code;
+    if (int rc = RegionWithData(args, s, true); rc != 0) return rc;
+    if (Status st = SaveRegionParameters(s.project, *args.Value("o")); !st) {
+        s.host.Message(msg::kErrorSavingFile);
+        return kExitRefused;
+    }
+    s.host.Message(msg::kParameterFileSaved);
+    return 0;
+}
+
+int RunApplyParams(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {"region", "o"}, 2, Usage("apply-params"))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o FILE)");
+    Session s;
+    int code = 0;
+    if (!PrepareFrom(args, s, args.Positional()[0], code)) return code;
+    if (int rc = RegionWithData(args, s, false); rc != 0) return rc;
+    const std::string params = args.Positional()[1];
+    if (!std::filesystem::is_regular_file(params)) return Fail("cannot open " + params);
+    if (Status st = LoadRegionParameters(s.project, s.host, params); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    return 0;
+}
+
+}  // namespace molvera::cli

@@ -1,0 +1,142 @@
+// dump, dump-options and options.
+
+#include <array>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "cli/command_list.h"
+#include "cli/common.h"
+#include "cli/jsondump.h"
+#include "fitting/optionfile.h"
+#include "session/optionsform.h"
+
+namespace molvera::cli {
+
+int RunDump(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {}, 1, Usage("dump"))) return kExitUsage;
+    Session s;
+    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    std::printf("%s\n", ProjectToJson(s.project).dump(1).c_str());
+    return 0;
+}
+
+int RunDumpOptions(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {}, 1, Usage("dump-options"))) return kExitUsage;
+    Session s;
+    if (Status st = ReadOptionFile(s.project.Options, args.Positional()[0]); !st)
+        return Refused(s, st);
+    std::printf("%s\n", OptionsToJson(s.project.Options).dump(1).c_str());
+    return 0;
+}
+
+}  // namespace molvera::cli
+
+// options: the options dialog's OK logic on values given as options.
+namespace molvera::cli {
+
+namespace {
+
+std::vector<std::string> SplitColons(const std::string& s) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    while (true) {
+        auto pos = s.find(':', start);
+        parts.push_back(s.substr(start, pos - start));
+        if (pos == std::string::npos) break;
+        start = pos + 1;
+    }
+    return parts;
+}
+
+// "L:RANGE:STEP" / "L:DELTA" ticks level L and types the numbers into its boxes;
+// "L:off" unticks it. Returns false for a malformed specification.
+bool ApplyLevelSpec(const std::string& spec, std::size_t numbers,
+                    std::array<bool, kLevels>& check, std::array<std::string, kLevels>* box1,
+                    std::array<std::string, kLevels>* box2) {
+    auto parts = SplitColons(spec);
+    if (parts.size() < 2 || parts[0].size() != 1 || parts[0][0] < '1' || parts[0][0] > '4')
+        return false;
+    const int level = parts[0][0] - '1';
+    if (parts.size() == 2 && parts[1] == "off") {
+        check[level] = false;
+        return true;
+    }
+    if (parts.size() != numbers + 1) return false;
+    check[level] = true;
+    (*box1)[level] = parts[1];
+    if (box2) (*box2)[level] = parts[2];
+    return true;
+}
+
+}  // namespace
+
+int RunOptions(int argc, char** argv) {
+    Args args(argc, argv, 2, {"gl-sum", "gl-product"});
+    const std::set<std::string> known = {"from",        "method",      "search-trials",
+                                         "newton-trials", "tolerance", "pos-search",
+                                         "area-search", "fwhm-search", "pos-newton",
+                                         "area-newton", "fwhm-newton", "gl-sum",
+                                         "gl-product",  "o"};
+    if (!CheckArgs(args, known, 0, Usage("options"))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o FILE.opa)");
+    if (args.Has("gl-sum") && args.Has("gl-product"))
+        return Fail("--gl-sum and --gl-product exclude each other");
+    Session s;
+    FitOptions& options = s.project.Options;
+    if (auto from = args.Value("from")) {
+        if (Status st = ReadOptionFile(options, *from); !st) return Refused(s, st);
+    }
+    OptionsForm form;
+    FillOptionsDialog(options, form);
+
+    if (auto m = args.Value("method")) {
+        if (*m != "search" && *m != "newton") return Fail("--method is search or newton");
+        form.UseSearch = *m == "search";
+        form.UseNewton = !form.UseSearch;
+    }
+    if (auto v = args.Value("search-trials")) form.SearchTrial = *v;
+    if (auto v = args.Value("newton-trials")) form.NewtonTrial = *v;
+    if (auto v = args.Value("tolerance")) form.TolVal = *v;
+    struct LevelOption {
+        const char* name;
+        std::size_t numbers;
+        std::array<bool, kLevels>* check;
+        std::array<std::string, kLevels>* box1;
+        std::array<std::string, kLevels>* box2;
+    };
+    const LevelOption levels[] = {
+        {"pos-search", 2, &form.PosSearchCheck, &form.PosRange, &form.PosStep},
+        {"area-search", 2, &form.AreaSearchCheck, &form.AreaRange, &form.AreaStep},
+        {"fwhm-search", 2, &form.FWHMSearchCheck, &form.FWHMRange, &form.FWHMStep},
+        {"pos-newton", 1, &form.PosNewtonCheck, &form.PosDelta, nullptr},
+        {"area-newton", 1, &form.AreaNewtonCheck, &form.AreaDelta, nullptr},
+        {"fwhm-newton", 1, &form.FWHMNewtonCheck, &form.FWHMDelta, nullptr},
+    };
+    for (const LevelOption& l : levels) {
+        for (const std::string& spec : args.Values(l.name)) {
+            if (!ApplyLevelSpec(spec, l.numbers, *l.check, l.box1, l.box2)) {
+                return Fail(std::string("--") + l.name + " takes " +
+                            (l.numbers == 2 ? "LEVEL:RANGE:STEP" : "LEVEL:DELTA") +
+                            " or LEVEL:off, with LEVEL 1..4");
+            }
+        }
+    }
+    if (args.Has("gl-sum")) {
+        form.GLSum = true;
+        form.GLProduct = false;
+        GLSumClick(form, options);
+    } else if (args.Has("gl-product")) {
+        form.GLProduct = true;
+        form.GLSum = false;
+        GLProductClick(form, options);
+    }
+    if (Status st = ApplyOptionsDialog(form, options); !st) return Refused(s, st);
+    if (Status st = WriteOptionFile(options, *args.Value("o")); !st) return Refused(s, st);
+    return 0;
+}
+
+}  // namespace molvera::cli

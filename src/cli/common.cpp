@@ -1,0 +1,99 @@
+#include "cli/common.h"
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <unistd.h>
+
+#include "fileio/numtext.h"
+#include "fileio/projectfile.h"
+#include "fitting/optionfile.h"
+
+namespace molvera::cli {
+
+std::atomic<bool> gInterrupted{false};
+
+namespace {
+void OnInterrupt(int) {
+    if (gInterrupted.exchange(true)) _exit(130);
+}
+}  // namespace
+
+void InstallInterruptHandler() { std::signal(SIGINT, OnInterrupt); }
+
+void CliHost::Message(const std::string& text) {
+    lastMessage = text;
+    std::fprintf(stderr, "%s\n", Latin1ToUtf8(text).c_str());
+}
+
+void CliHost::Yield() {
+    if (gInterrupted.load()) project_.StopRequested = true;
+}
+
+Status LoadOptions(const Args& args, Session& s) {
+    auto path = args.Value("options");
+    if (!path) {
+        if (!std::filesystem::exists("default.opa")) return Status::Ok();
+        return ReadOptionFile(s.project.Options, "default.opa");
+    }
+    if (!std::filesystem::exists(*path)) return Status::Error("cannot open " + *path);
+    return ReadOptionFile(s.project.Options, *path);
+}
+
+Status LoadInput(Session& s, const std::string& path) {
+    if (!std::filesystem::is_regular_file(path)) return Status::Error("cannot open " + path);
+    return LoadProject(s.project, s.host, path);
+}
+
+Status SaveOutput(Session& s, const Args& args) {
+    auto out = args.Value("o");
+    if (!out) return Status::Error("no output file given (-o FILE)");
+    return SaveProject(s.project, *out);
+}
+
+std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi) {
+    auto v = args.Value(name);
+    if (!v) return std::nullopt;
+    const std::size_t len = LeadingNumberLength(*v);
+    if (len == 0 || len != v->size()) return std::nullopt;
+    const double d = LeadingNumber(*v);
+    if (d != RoundHalfEven(d) || d < lo || d > hi) return std::nullopt;
+    return static_cast<int>(d);
+}
+
+std::optional<int> RegionArg(const Args& args, const std::string& name) {
+    auto n = IntArg(args, name, 1, 10);
+    if (!n) return std::nullopt;
+    return *n - 1;
+}
+
+int Fail(const std::string& text) {
+    std::fprintf(stderr, "molvera-cli: %s\n", text.c_str());
+    return kExitRefused;
+}
+
+int Refused(Session& s, const Status& status) {
+    if (s.host.lastMessage != status.message())
+        std::fprintf(stderr, "%s\n", Latin1ToUtf8(status.message()).c_str());
+    return kExitRefused;
+}
+
+bool CheckArgs(const Args& args, const std::set<std::string>& known, std::size_t positional,
+               const char* usage) {
+    std::set<std::string> all = known;
+    all.insert("help");
+    all.insert("options");
+    std::string problem;
+    if (!args.MissingValue().empty()) {
+        problem = "option --" + args.MissingValue() + " needs a value";
+    } else if (auto unknown = args.Unknown(all); !unknown.empty()) {
+        problem = "unknown option " + unknown.front();
+    } else if (args.Positional().size() != positional) {
+        problem = "expected " + std::to_string(positional) + " file argument(s)";
+    }
+    if (problem.empty()) return true;
+    std::fprintf(stderr, "molvera-cli: %s\nusage: %s\n", problem.c_str(), usage);
+    return false;
+}
+
+}  // namespace molvera::cli

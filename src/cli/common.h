@@ -1,0 +1,72 @@
+#pragma once
+// What every molvera-cli command shares: the host, loading and saving, argument checks.
+
+#include <atomic>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "cli/args.h"
+#include "model/host.h"
+#include "model/records.h"
+#include "model/status.h"
+
+namespace molvera::cli {
+
+/// Messages go to stderr with their exact text; Ctrl-C asks a running fit to stop.
+class CliHost : public Host {
+public:
+    explicit CliHost(Project& project) : project_(project) {}
+    void Message(const std::string& text) override;
+    void Beep() override { ++beeps; }
+    void Yield() override;
+    int beeps = 0;
+    std::string lastMessage;  ///< the last text shown, so a refusal is not printed twice
+
+private:
+    Project& project_;
+};
+
+/// Set by the Ctrl-C handler while a command runs.
+extern std::atomic<bool> gInterrupted;
+/// Installs the Ctrl-C handler (a second Ctrl-C ends the program at once).
+void InstallInterruptHandler();
+
+/// A project with its host, prepared as the program prepares itself at start-up.
+struct Session {
+    Project project;
+    CliHost host{project};
+};
+
+/// Reads --options FILE (default: default.opa in the working directory; a missing
+/// default gives no message) into the session's fitting options.
+Status LoadOptions(const Args& args, Session& s);
+
+/// Loads a project file into the session.
+Status LoadInput(Session& s, const std::string& path);
+
+/// Writes the project to the path of -o.
+Status SaveOutput(Session& s, const Args& args);
+
+/// The region of --region N (1..10) as a slot 0..9.
+std::optional<int> RegionArg(const Args& args, const std::string& name = "region");
+
+/// A whole number option in [lo, hi].
+std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi);
+
+/// Prints "molvera-cli: text" to stderr and returns the exit code for a refusal.
+int Fail(const std::string& text);
+
+/// A refusal by the core: its message text as the program shows it (unless the host
+/// has just shown it), and the exit code for a refusal.
+int Refused(Session& s, const Status& status);
+
+/// Checks the options given against the known ones and the positional count; prints
+/// the problem and the usage and returns false when they do not fit.
+bool CheckArgs(const Args& args, const std::set<std::string>& known, std::size_t positional,
+               const char* usage);
+
+constexpr int kExitRefused = 1;
+constexpr int kExitUsage = 2;
+
+}  // namespace molvera::cli
