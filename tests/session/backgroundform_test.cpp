@@ -1,0 +1,268 @@
+#include "session/backgroundform.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "fileio/numtext.h"
+#include "model/project.h"
+#include "model/regionops.h"
+#include "spectral/background.h"
+#include "spectral/lineshape.h"
+#include "support/recording_host.h"
+#include "support/sample_region.h"
+
+namespace molvera {
+namespace {
+
+// Region 2 holds 11 points 290..280 eV, 1 eV apart, without a background.
+class BackgroundFormTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ClearProject(project, QuietHost());
+        test::FillSampleRegion(project, 2);
+        project.CurrentRegion = 2;
+        project.Regions[2].BackgroundLowBE = 123;  // sentinels: a refusal stores nothing
+        project.Regions[2].BackgroundParameter = 7.5f;
+        project.Regions[2].EndPointAverage = 3;
+        ShowBackgroundDialog(project, form);
+    }
+
+    // Accepts once and checks that it was refused with one beep and nothing stored.
+    void ExpectRefused() {
+        const Region before = project.Regions[2];
+        test::RecordingHost host;
+        EXPECT_FALSE(AcceptBackground(project, host, form));
+        EXPECT_EQ(host.beeps, 1);
+        EXPECT_EQ(host.regionWindowShows, 0);
+        EXPECT_EQ(project.Regions[2], before);
+        EXPECT_FALSE(IsSet(project.KeepAreas));
+    }
+
+    Project project;
+    BackgroundForm form;
+};
+
+TEST_F(BackgroundFormTest, RegionWithoutBackgroundOpensWithDataExtent) {
+    EXPECT_TRUE(form.visible);
+    EXPECT_EQ(form.caption, "Region 2");
+    EXPECT_EQ(form.LBE, "280");
+    EXPECT_EQ(form.HBE, "290");
+    EXPECT_EQ(form.AverPt, "None");
+    EXPECT_EQ(form.BG, "Shirley");
+    EXPECT_EQ(form.TouB1, "3000");
+    EXPECT_EQ(form.Area, "-----");
+}
+
+TEST_F(BackgroundFormTest, RegionWithBackgroundOpensWithItsSettings) {
+    Region& r = project.Regions[2];
+    r.HasBackground = kTrue;
+    r.BackgroundLowBE = 281.5f;
+    r.BackgroundHighBE = 288;
+    r.EndPointAverage = 5;
+    r.BackgroundType = 2;
+    r.BackgroundParameter = 2500;
+    form.ShirleySlope = "1.5";
+    ShowBackgroundDialog(project, form);
+    EXPECT_EQ(form.LBE, "281.5");
+    EXPECT_EQ(form.HBE, "288");
+    EXPECT_EQ(form.AverPt, "5");
+    EXPECT_EQ(form.BG, "Tougaard");
+    EXPECT_EQ(form.TouB1, "2500");
+    EXPECT_EQ(form.ShirleySlope, "1.5");
+
+    r.BackgroundType = 0;
+    r.BackgroundParameter = -0.25f;
+    r.EndPointAverage = 4;  // no such item: the box keeps its text
+    ShowBackgroundDialog(project, form);
+    EXPECT_EQ(form.BG, "Shirley");
+    EXPECT_EQ(form.ShirleySlope, "-0.25");
+    EXPECT_EQ(form.AverPt, "5");
+    EXPECT_EQ(form.TouB1, "2500");
+}
+
+TEST_F(BackgroundFormTest, RegionWithoutDataIsNotShown) {
+    BackgroundForm other;
+    project.CurrentRegion = 4;
+    ShowBackgroundDialog(project, other);
+    EXPECT_FALSE(other.visible);
+    EXPECT_EQ(other.LBE, "");
+}
+
+TEST_F(BackgroundFormTest, BoundariesAreCheckedOneAtATimeThenAccepted) {
+    form.LBE = "279.5";
+    form.HBE = "291";
+    ExpectRefused();
+    EXPECT_EQ(form.LBE, "280");
+    EXPECT_EQ(form.HBE, "291");  // step 2 not reached yet
+    ExpectRefused();
+    EXPECT_EQ(form.HBE, "290");
+
+    test::RecordingHost host;
+    EXPECT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(host.beeps, 0);
+    EXPECT_EQ(host.regionWindowShows, 1);
+    const Region& r = project.Regions[2];
+    EXPECT_TRUE(IsSet(r.HasBackground));
+    EXPECT_EQ(r.BackgroundLowBE, 280.0f);
+    EXPECT_EQ(r.BackgroundHighBE, 290.0f);
+    EXPECT_EQ(r.EndPointAverage, 1);
+    EXPECT_EQ(r.BackgroundType, 0);
+    EXPECT_EQ(r.RangeCount, 11);
+    EXPECT_FALSE(IsSet(project.KeepAreas));
+}
+
+TEST_F(BackgroundFormTest, EqualCrossedOrTooCloseBoundariesResetBothBoxes) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"285", "285"},      // Low = High
+        {"288", "282"},      // Low above High
+        {"284.9", "285.2"},  // one range point: m = round(0.3 + 1) = 1
+    };
+    for (const auto& [low, high] : cases) {
+        form.LBE = low;
+        form.HBE = high;
+        ExpectRefused();
+        EXPECT_EQ(form.LBE, "280") << low;
+        EXPECT_EQ(form.HBE, "290") << high;
+    }
+    // Two points are enough: m = round(0.6 + 1) = 2.
+    form.LBE = "284.8";
+    form.HBE = "285.4";
+    test::RecordingHost host;
+    EXPECT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(project.Regions[2].RangeCount, 2);
+}
+
+TEST_F(BackgroundFormTest, DataWithEqualFirstAndLastEnergiesAreRefused) {
+    Region& r = project.Regions[2];
+    ResizeRegionArrays(r, 3);
+    r.PointCount = 3;
+    r.BindingEnergy = {0, 290, 280, 290};
+    r.RawIntensity = {0, 5, 6, 7};
+    UpdateDataExtents(r);
+    form.LBE = "280";
+    form.HBE = "290";
+    ExpectRefused();
+}
+
+TEST_F(BackgroundFormTest, UnknownAveragingIsRefusedBeforeTheSlopeIsCorrected) {
+    form.AverPt = "4";
+    form.BG = "Foo";
+    form.ShirleySlope = "";
+    ExpectRefused();
+    EXPECT_EQ(form.AverPt, "None");
+    EXPECT_EQ(form.BG, "Foo");
+    EXPECT_EQ(form.ShirleySlope, "");
+}
+
+TEST_F(BackgroundFormTest, UnknownTypeIsRefusedAfterTheBoxCorrections) {
+    form.BG = "Foo";
+    form.ShirleySlope = "";
+    form.TouB1 = "abc";
+    ExpectRefused();
+    EXPECT_EQ(form.BG, "Shirley");
+    EXPECT_EQ(form.ShirleySlope, "0");
+    EXPECT_EQ(form.TouB1, "3000");
+}
+
+TEST_F(BackgroundFormTest, ZeroB1BecomesThreeThousand) {
+    form.BG = "Tougaard";
+    form.TouB1 = "0";
+    form.AverPt = "3";
+    test::RecordingHost host;
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(form.TouB1, "3000");
+    EXPECT_EQ(project.Regions[2].BackgroundType, 2);
+    EXPECT_EQ(project.Regions[2].BackgroundParameter, 3000.0f);
+    EXPECT_EQ(project.Regions[2].EndPointAverage, 3);
+}
+
+TEST_F(BackgroundFormTest, EmptySlopeGivesPureShirleyAndNegativeSlopeIsKept) {
+    form.ShirleySlope = "";
+    test::RecordingHost host;
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(form.ShirleySlope, "0");
+    const Region& r = project.Regions[2];
+    EXPECT_EQ(r.BackgroundParameter, 0.0f);
+    // A pure Shirley ends at the low-energy end average.
+    EXPECT_FLOAT_EQ(r.BackgroundCurve[r.RangeCount], r.EndAverage);
+
+    form.ShirleySlope = "-2.5";
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(r.BackgroundParameter, -2.5f);
+    EXPECT_EQ(form.ShirleySlope, "-2.5");
+}
+
+TEST_F(BackgroundFormTest, LinearKeepsTheStoredParameter) {
+    form.BG = "Linear";
+    form.ShirleySlope = "4";
+    form.TouB1 = "100";
+    test::RecordingHost host;
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(project.Regions[2].BackgroundType, 1);
+    EXPECT_EQ(project.Regions[2].BackgroundParameter, 7.5f);
+}
+
+TEST_F(BackgroundFormTest, AreaBoxShowsNetArea) {
+    form.LBE = "281";
+    form.HBE = "289";
+    test::RecordingHost host;
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    const Region& r = project.Regions[2];
+    double sum = 0;
+    for (int j = 1; j <= r.RangeCount; ++j) sum += r.RangeIntensity[j] - r.BackgroundCurve[j];
+    const double area = (r.RangeBE[1] - r.RangeBE[2]) * sum;
+    EXPECT_NEAR(LeadingNumber(form.Area), area, 1e-5 * std::abs(area));
+    EXPECT_GT(area, 1000.0);
+}
+
+TEST_F(BackgroundFormTest, PeaksKeepTheirAreasWhenTheBackgroundChanges) {
+    test::GiveSampleBackground(project, 2);
+    ASSERT_EQ(AddPeak(project, QuietHost()), 0);
+    Peak& p = project.Peaks[0];
+    p.Area = 500;
+    p.HeightPercent = AreaToHeightPercent(project, p);
+    const float heightBefore = p.HeightPercent;
+    const float scaleBefore = project.Regions[2].NetScale;
+
+    ShowBackgroundDialog(project, form);
+    form.LBE = "283";
+    form.HBE = "287";
+    test::RecordingHost host;
+    ASSERT_TRUE(AcceptBackground(project, host, form));
+    const float scaleAfter = project.Regions[2].NetScale;
+    ASSERT_NE(scaleAfter, scaleBefore);
+    EXPECT_EQ(p.Area, 500.0f);
+    // Height per cent is inversely proportional to NetScale at a fixed area.
+    EXPECT_NEAR(p.HeightPercent, heightBefore * scaleBefore / scaleAfter, 1e-3 * heightBefore);
+    EXPECT_EQ(p.Curve.size(), static_cast<std::size_t>(project.Regions[2].RangeCount) + 1);
+}
+
+TEST_F(BackgroundFormTest, CorrectedBoxIsAcceptedForAnyDataMinimum) {
+    // Data limits that seven digits do not represent: the boxes show "280" and "290",
+    // which lie just outside the data.
+    Region& r = project.Regions[2];
+    r.BindingEnergy[1] = 289.99997f;
+    r.BindingEnergy[11] = 280.00003f;
+    UpdateDataExtents(r);
+    ASSERT_LT(280.0f, r.MinBE);
+    ASSERT_GT(290.0f, r.MaxBE);
+    form.LBE = "200";
+    ExpectRefused();
+    form.HBE = "400";
+    ExpectRefused();
+    EXPECT_EQ(form.LBE, "280");
+    EXPECT_EQ(form.HBE, "290");
+    test::RecordingHost host;
+    EXPECT_TRUE(AcceptBackground(project, host, form));
+}
+
+TEST(BackgroundFormClose, HidesWithoutStoring) {
+    BackgroundForm form;
+    form.visible = true;
+    CloseBackgroundDialog(form);
+    EXPECT_FALSE(form.visible);
+}
+
+}  // namespace
+}  // namespace molvera

@@ -1,0 +1,266 @@
+#include "session/peakform.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "model/project.h"
+#include "model/regionops.h"
+#include "spectral/envelope.h"
+#include "spectral/lineshape.h"
+#include "support/recording_host.h"
+#include "support/sample_region.h"
+
+namespace molvera {
+namespace {
+
+struct EditorHost : test::RecordingHost {
+    int hides = 0;
+    void HidePeakEditor() override { ++hides; }
+};
+
+// Region 1: 11 points 290..280 eV with a Shirley background over all of them;
+// peak 0 at 284.567 eV, FWHM 0.3, area 250 (button 10).
+class PeakFormTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ClearProject(project, QuietHost());
+        test::FillSampleRegion(project, 1);
+        test::GiveSampleBackground(project, 1);
+        ASSERT_EQ(AddPeak(project, QuietHost()), 0);
+        Peak& p = project.Peaks[0];
+        p.Position = 284.567f;
+        p.FWHM = 0.3f;
+        p.Area = 250;
+        p.PercentGL = 30;
+        p.TailScale = 0.2f;
+        p.TailLength = 2;
+        p.HeightPercent = AreaToHeightPercent(project, p);
+        ComputeRegionEnvelope(project, QuietHost());
+    }
+
+    Project project;
+    PeakForm form;
+    EditorHost host;
+};
+
+TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
+    const Peak original = project.Peaks[0];
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_EQ(project.CurrentPeak, 0);
+    EXPECT_EQ(project.SavedPeaks[0], original);
+    EXPECT_TRUE(form.visible);
+    EXPECT_GE(host.redraws, 1);
+    EXPECT_EQ(form.caption, "Peak 0");
+    EXPECT_EQ(form.PosVal, "284.57");
+    EXPECT_EQ(form.ScPos.min, 0);
+    EXPECT_EQ(form.ScPos.max, 1000);
+    EXPECT_EQ(form.ScPos.value, 457);
+    EXPECT_EQ(form.FWHMVal, "0.5");
+    EXPECT_EQ(form.ScFWHM.value, 50);
+    EXPECT_EQ(form.AreaVal, "250");
+    EXPECT_EQ(form.ScArea.value, 500);
+    EXPECT_EQ(project.AreaScale, 0.5f);
+    EXPECT_EQ(form.GLVal, "30");
+    EXPECT_EQ(form.ScGL.value, 30);
+    EXPECT_EQ(form.TSVal, "0.2");
+    EXPECT_EQ(form.TLVal, "2");
+    EXPECT_EQ(form.PeakType, "s");
+    EXPECT_FALSE(form.ChkPos);
+    EXPECT_TRUE(form.ChkGL);
+    EXPECT_EQ(form.ActFWHM.substr(form.ActFWHM.size() - 5), "eV   ");
+}
+
+TEST_F(PeakFormTest, AcceptStoresTheRoundedValuesUnlessRetyped) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    PeakAccept(project, host, form);
+    EXPECT_EQ(project.Peaks[0].Position, 284.57f);
+    EXPECT_EQ(project.Peaks[0].FWHM, 0.5f);
+    EXPECT_FALSE(form.visible);
+    EXPECT_EQ(host.hides, 1);
+
+    project.Peaks[0].FWHM = 0.3f;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    form.FWHMVal = "0.3";
+    PeakAccept(project, host, form);
+    EXPECT_EQ(project.Peaks[0].FWHM, 0.3f);
+    EXPECT_EQ(form.FWHMVal, "0.5");  // refilled after Accept
+}
+
+TEST_F(PeakFormTest, AcceptRecomputesHeightAndEnvelope) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    form.AreaVal = "400";
+    form.FWHMVal = "1.5";
+    PeakAccept(project, host, form);
+    const Peak& p = project.Peaks[0];
+    EXPECT_EQ(p.Area, 400.0f);
+    EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
+    // The envelope follows: at range point j the peak curve is background plus the peak.
+    const Region& r = project.Regions[1];
+    const int j = 6;  // 285 eV
+    EXPECT_FLOAT_EQ(p.Curve[j] - r.BackgroundCurve[j], PeakValue(project.Options.GLSum, p, r.RangeBE[j], 0));
+}
+
+TEST_F(PeakFormTest, TailValuesAreLimitedAndWrittenBack) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    form.TSVal = "1.7";
+    form.TLVal = "0";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].TailScale, 1.0f);
+    EXPECT_EQ(form.TSVal, "1");
+    EXPECT_EQ(project.Peaks[0].TailLength, 0.01f);
+    EXPECT_EQ(form.TLVal, "0.01");
+
+    form.TSVal = "-0.5";
+    form.TLVal = "500";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].TailScale, 0.0f);
+    EXPECT_EQ(project.Peaks[0].TailLength, 200.0f);
+    EXPECT_EQ(form.TLVal, "200");
+}
+
+TEST_F(PeakFormTest, TypeTextAndPercentGL) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    form.PeakType = "x";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].PeakType, 1);
+    form.PeakType = "d";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].PeakType, 3);
+
+    form.GLVal = "42.5";  // halves to even
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].PercentGL, 42);
+    form.GLVal = "150";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(project.Peaks[0].PercentGL, 100);
+    EXPECT_EQ(form.GLVal, "100");
+}
+
+TEST_F(PeakFormTest, CancelRestoresThePeakEvenAfterReDraw) {
+    const Peak original = project.Peaks[0];
+    const SingleArray envelope = project.Regions[1].PeakSumCurve;
+    const float chi = project.Regions[1].ChiSquare;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 600));
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::FWHM, 120));
+    form.AreaVal = "999";
+    SetFixCheck(project, form, PeakParameter::Area, true);
+    PeakReDraw(project, host, form);
+    EXPECT_TRUE(form.visible);
+    EXPECT_EQ(project.Peaks[0].Position, 286.0f);
+    EXPECT_EQ(project.Peaks[0].Area, 999.0f);
+    EXPECT_NE(project.Regions[1].ChiSquare, chi);
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::GL, 90));
+    form.TSVal = "0.9";
+
+    PeakCancel(project, host, form);
+    EXPECT_EQ(project.Peaks[0], original);
+    EXPECT_EQ(project.Regions[1].PeakSumCurve, envelope);
+    EXPECT_EQ(project.Regions[1].ChiSquare, chi);
+    EXPECT_FALSE(form.visible);
+    EXPECT_EQ(host.hides, 1);
+}
+
+TEST_F(PeakFormTest, ClosingRestoresThePeakAndLeavesTheTotal) {
+    const Peak original = project.Peaks[0];
+    const float chi = project.Regions[1].ChiSquare;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    MoveScrollBar(form, PeakParameter::Position, 300);
+    PeakReDraw(project, host, form);
+    const float totalAfterReDraw = project.TotalChiSquare;
+    ASSERT_NE(project.Regions[1].ChiSquare, chi);
+
+    ClosePeakEditor(project, host, form);
+    EXPECT_EQ(project.Peaks[0], original);
+    EXPECT_EQ(project.Regions[1].ChiSquare, chi);
+    EXPECT_EQ(project.TotalChiSquare, totalAfterReDraw);
+    EXPECT_FALSE(form.visible);
+}
+
+TEST_F(PeakFormTest, ValuesOutsideABarLeaveBarAndText) {
+    project.Peaks[0].Position = 300;  // 2000 steps above 280: beyond the bar
+    project.Peaks[0].FWHM = 6;        // 600 > 500
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_EQ(form.ScPos.value, 0);
+    EXPECT_EQ(form.PosVal, "300");
+    EXPECT_EQ(form.ScFWHM.value, 30);
+    EXPECT_EQ(form.FWHMVal, "6");
+}
+
+TEST_F(PeakFormTest, AreaBarUnit) {
+    project.Peaks[0].Area = 0;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_EQ(project.AreaScale, 1.0f);
+    EXPECT_EQ(form.ScArea.value, 1);
+    EXPECT_EQ(form.AreaVal, "1");
+
+    project.Peaks[0].Area = 123.4f;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_EQ(form.ScArea.value, 500);
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Area, 1000));
+    EXPECT_EQ(form.AreaVal, "246.8");  // twice the area at the right end
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Area, 250));
+    EXPECT_EQ(form.AreaVal, "61.7");
+}
+
+TEST_F(PeakFormTest, ScrollBarMovesRewriteTheirBoxes) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 0));
+    EXPECT_EQ(form.PosVal, "280");
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 1));
+    EXPECT_EQ(form.PosVal, "280.01");
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::FWHM, 30));
+    EXPECT_EQ(form.FWHMVal, "0.3");
+    EXPECT_TRUE(MoveScrollBar(form, PeakParameter::GL, 55));
+    EXPECT_EQ(form.GLVal, "55");
+    EXPECT_FALSE(MoveScrollBar(form, PeakParameter::FWHM, 29));
+    EXPECT_FALSE(MoveScrollBar(form, PeakParameter::Position, 1001));
+    EXPECT_EQ(form.FWHMVal, "0.3");
+    EXPECT_EQ(form.ScPos.value, 1);
+}
+
+TEST_F(PeakFormTest, FixChecksWriteAtOnce) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    SetFixCheck(project, form, PeakParameter::Position, true);
+    SetFixCheck(project, form, PeakParameter::GL, false);
+    EXPECT_EQ(project.Peaks[0].FixPosition, 1);
+    EXPECT_EQ(project.Peaks[0].FixGL, 0);
+    EXPECT_TRUE(form.ChkPos);
+    EXPECT_FALSE(form.ChkGL);
+}
+
+TEST_F(PeakFormTest, ButtonsWithoutAPeakDoNothing) {
+    project.CurrentPeak = 7;
+    EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));
+    EXPECT_FALSE(OpenPeakEditor(project, host, form, 100));
+    EXPECT_FALSE(OpenPeakEditor(project, host, form, -1));
+    EXPECT_EQ(project.CurrentPeak, 7);
+    EXPECT_FALSE(form.visible);
+}
+
+TEST_F(PeakFormTest, AcceptAppliesRelations) {
+    ASSERT_EQ(AddPeak(project, QuietHost()), 1);
+    ParameterConstraint& tie = project.Constraints[1].Position;
+    tie.Linked = kTrue;
+    tie.RefPeak = 0;
+    tie.Operation = 0;
+    tie.Argument = 2;
+    project.Constraints[0].Position.IsReference = kTrue;
+    project.Constraints[0].Position.DependentPeak = 1;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    form.PosVal = "284";
+    PeakAccept(project, host, form);
+    EXPECT_EQ(project.Peaks[1].Position, 286.0f);
+}
+
+TEST_F(PeakFormTest, DeleteRemovesThePeakAndHides) {
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    PeakDelete(project, host, form);
+    EXPECT_FALSE(IsSet(project.Peaks[0].InUse));
+    EXPECT_EQ(project.Regions[1].PeakCount, 0);
+    EXPECT_FALSE(form.visible);
+}
+
+}  // namespace
+}  // namespace molvera
