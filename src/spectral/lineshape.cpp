@@ -1,0 +1,236 @@
+#include "spectral/lineshape.h"
+
+#include <cmath>
+#include <limits>
+
+#include "fileio/numtext.h"
+
+namespace molvera {
+
+namespace {
+
+constexpr double kFourLn2 = 2.77258872;
+constexpr double kSqrtPi = 1.77245385;
+constexpr double kGaussAreaFactor = 1.06446702;  // sqrt(pi / (4 ln2))
+constexpr double kGLSumAreaPerGL = 0.0050632931;  // g = 100 gives pi/2
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+/// The unit GL product curve exp(-(1-m) ln2 z^2) / (1 + m z^2).
+double UnitGLProduct(double m, double z) {
+    return std::exp(-(1 - m) * kLn2 * z * z) / (1 + m * z * z);
+}
+
+/// The half width at half maximum of the unit curve, by bisection on [0, 2]
+/// (the curve falls monotonically from 1 and is below 1/2 at z = 2 for every m).
+double HalfWidth(double m) {
+    double lo = 0, hi = 2;
+    for (int i = 0; i < 200 && hi - lo > 1e-15; ++i) {
+        const double mid = 0.5 * (lo + hi);
+        if (UnitGLProduct(m, mid) > 0.5) lo = mid;
+        else hi = mid;
+    }
+    return 0.5 * (lo + hi);
+}
+
+/// The integral of the unit curve over -25..25 (composite Simpson on 0..25, doubled).
+double UnitArea(double m) {
+    constexpr int kIntervals = 10000;
+    constexpr double kH = 25.0 / kIntervals;
+    double sum = UnitGLProduct(m, 0) + UnitGLProduct(m, 25);
+    for (int i = 1; i < kIntervals; ++i) sum += (i % 2 ? 4 : 2) * UnitGLProduct(m, i * kH);
+    return 2 * sum * kH / 3;
+}
+
+LineShapeTables BuildTables() {
+    LineShapeTables t{};
+    for (int g = 0; g <= 100; ++g) {
+        t.GLProductWidthFactor[g] = HalfWidth(g / 100.0);
+        t.GLProductAreaFactor[g] = static_cast<float>(UnitArea(g / 100.0));
+    }
+    return t;
+}
+
+bool InTable(int g) { return g >= 0 && g <= 100; }
+
+/// Area of the doublet over the area of its main line; 0 for an unknown type.
+double DoubletAreaFactor(int t) {
+    switch (t) {
+        case 1: return 1;
+        case 2: return 1.5;
+        case 3: return 5.0 / 3.0;
+        case 4: return 1.75;
+        default: return 0;
+    }
+}
+
+/// Share of the peak's area in its main line; 0 for an unknown type.
+double MainShare(int t) {
+    switch (t) {
+        case 1: return 1;
+        case 2: return 2.0 / 3.0;
+        case 3: return 0.6;
+        case 4: return 4.0 / 7.0;
+        default: return 0;
+    }
+}
+
+/// NetScale of the current region, 0 when CurrentRegion names no slot.
+float CurrentNetScale(const Project& project) {
+    const int r = project.CurrentRegion;
+    return (r >= 0 && r < kRegionCount) ? project.Regions[r].NetScale : 0.0f;
+}
+
+}  // namespace
+
+const LineShapeTables& GLTables() {
+    static const LineShapeTables tables = BuildTables();
+    return tables;
+}
+
+float GLSumAreaFactor(int g, double TS, double TL) {
+    double K = kGLSumAreaPerGL * g + kGaussAreaFactor;
+    if (TS != 0) {
+        const double a = 27.6 / TL;
+        K += TS * (kSqrtPi / std::sqrt(a) - kSqrtPi / std::sqrt(a + kFourLn2));
+    }
+    return static_cast<float>(K);
+}
+
+PeakShape::Component PeakShape::MakeComponent(bool glSum, double p, double A, double w, int g,
+                                              double TS, double TL) {
+    Component c;
+    c.glSum = glSum;
+    c.p = p;
+    c.m = g / 100.0;
+    if (glSum) {
+        c.w = w;
+        c.h = (A / w) / GLSumAreaFactor(g, TS, TL);
+        c.tail = TS > 0;
+        c.TS = TS;
+        c.TL = TL;
+        return c;
+    }
+    if (!InTable(g)) {
+        c.w = c.h = kNaN;
+        return c;
+    }
+    const LineShapeTables& t = GLTables();
+    c.w = (w / 2) / t.GLProductWidthFactor[g];
+    c.h = (A / c.w) / t.GLProductAreaFactor[g];
+    c.gaussCoef = -(1 - c.m) * kLn2;
+    return c;
+}
+
+PeakShape::PeakShape(bool glSum, double p, double A, double w, int g, double S, int t, double TS,
+                     double TL) {
+    double share2 = 0;
+    switch (t) {
+        case 1: break;
+        case 2: share2 = 1.0 / 3.0; break;
+        case 3: share2 = 0.4; break;
+        case 4: share2 = 3.0 / 7.0; break;
+        default: return;
+    }
+    lines_[0] = MakeComponent(glSum, p, A * MainShare(t), w, g, TS, TL);
+    lineCount_ = 1;
+    if (share2 != 0) {
+        lines_[1] = MakeComponent(glSum, p + S, A * share2, w, g, TS, TL);
+        lineCount_ = 2;
+    }
+}
+
+PeakShape::PeakShape(bool glSum, const Peak& peak, double shift)
+    : PeakShape(glSum, static_cast<double>(peak.Position) + shift, peak.Area, peak.FWHM,
+                peak.PercentGL, peak.Splitting, peak.PeakType, peak.TailScale, peak.TailLength) {}
+
+float ComponentValue(bool glSum, double x, double p, double A, double w, int g, double TS,
+                     double TL) {
+    return PeakShape::Line(PeakShape::MakeComponent(glSum, p, A, w, g, TS, TL), x);
+}
+
+float PeakValue(bool glSum, double x, double p, double A, double w, int g, double S, int t,
+                double TS, double TL) {
+    return PeakShape(glSum, p, A, w, g, S, t, TS, TL)(x);
+}
+
+float PeakValue(bool glSum, const Peak& peak, double x, double shift) {
+    return PeakShape(glSum, peak, shift)(x);
+}
+
+float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g, int t, double TS,
+                          double TL) {
+    double A1;
+    if (glSum) {
+        A1 = H * netScale * w * GLSumAreaFactor(g, TS, TL);
+    } else {
+        if (!InTable(g)) return static_cast<float>(kNaN);
+        const LineShapeTables& tab = GLTables();
+        A1 = tab.GLProductAreaFactor[g] * (H * netScale * w / 2) / tab.GLProductWidthFactor[g];
+    }
+    return static_cast<float>(A1 * DoubletAreaFactor(t));
+}
+
+float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g, int t, double TS,
+                          double TL) {
+    const double A1 = A * MainShare(t);
+    if (glSum) return static_cast<float>(A1 / (GLSumAreaFactor(g, TS, TL) * w * netScale));
+    if (!InTable(g)) return static_cast<float>(kNaN);
+    const LineShapeTables& tab = GLTables();
+    const double c = (w / 2) / tab.GLProductWidthFactor[g];
+    return static_cast<float>(A1 / (c * tab.GLProductAreaFactor[g] * netScale));
+}
+
+float HeightPercentToArea(const Project& project, const Peak& peak) {
+    return HeightPercentToArea(IsSet(project.Options.GLSum), CurrentNetScale(project),
+                               peak.HeightPercent, peak.FWHM, peak.PercentGL, peak.PeakType,
+                               peak.TailScale, peak.TailLength);
+}
+
+float AreaToHeightPercent(const Project& project, const Peak& peak) {
+    return AreaToHeightPercent(IsSet(project.Options.GLSum), CurrentNetScale(project), peak.Area,
+                               peak.FWHM, peak.PercentGL, peak.PeakType, peak.TailScale,
+                               peak.TailLength);
+}
+
+MeasuredWidth ActualFWHM(const Project& project, int slot) {
+    if (slot < 0 || slot >= kPeakSlots) return {};
+    const Peak& peak = project.Peaks[slot];
+    // The region shift is not added: the width does not depend on it.
+    const PeakShape shape(IsSet(project.Options.GLSum), peak, 0.0);
+    const float p = peak.Position;
+    const float w = peak.FWHM;
+    const float S = peak.Splitting;
+    const double half = 0.5 * shape(p);
+
+    // Bisection for the right half-maximum point, in Single arithmetic.
+    float lower = p + S;
+    float upper = p + S + 3 * w;
+    float mid = (lower + upper) / 2;
+    float prev = lower;
+    int steps = 0;
+    bool converged = false;
+    while (steps < 1000) {
+        if (std::fabs(mid - prev) <= 0.0002) {
+            converged = true;
+            break;
+        }
+        const float f = shape(mid);
+        if (f > half) lower = mid;
+        else upper = mid;
+        prev = mid;
+        mid = (lower + upper) / 2;
+        ++steps;
+    }
+    MeasuredWidth result;
+    result.converged = converged;
+    if (converged)
+        result.width = static_cast<float>(static_cast<double>(prev) - p + 0.5 * w + S);
+    return result;
+}
+
+std::string ActualFWHMText(const MeasuredWidth& w) {
+    if (!w.converged) return "---           ";
+    return FormatFixed(w.width, 3) + "eV   ";
+}
+
+}  // namespace molvera
