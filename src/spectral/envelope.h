@@ -6,6 +6,9 @@
 
 namespace molvera {
 
+/// RangeCount bounded by the lengths of the region's six range arrays; never negative.
+int UsableRangeCount(const Region& region);
+
 /// All curves, envelope, residual and ChiSquare of the current region; updates its
 /// share of TotalChiSquare and the chi boxes.
 void ComputeRegionEnvelope(Project& project, Host& host);

@@ -1,0 +1,206 @@
+#include "spectral/envelope.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "fileio/numtext.h"
+#include "spectral/lineshape.h"
+#include "support/recording_host.h"
+#include "spectral/region_builder.h"
+
+namespace molvera {
+namespace {
+
+using test::AddTestPeak;
+using test::MakeRegion;
+using test::RecordingHost;
+
+/// A region whose range is its whole spectrum, with a given background.
+Region& RangeRegion(Project& project, int r, const std::vector<float>& be, const std::vector<float>& y,
+                    const std::vector<float>& bg) {
+    Region& reg = MakeRegion(project, r, be, y);
+    const int m = static_cast<int>(be.size());
+    reg.RangeCount = static_cast<Int16>(m);
+    for (int j = 1; j <= m; ++j) {
+        reg.RangeBE[j] = be[j - 1];
+        reg.RangeIntensity[j] = y[j - 1];
+        reg.BackgroundCurve[j] = bg[j - 1];
+    }
+    reg.HasBackground = kTrue;
+    return reg;
+}
+
+class EnvelopeTest : public ::testing::Test {
+protected:
+    Project project;
+    RecordingHost host;
+};
+
+TEST_F(EnvelopeTest, NoPeaksLeavesBackgroundAsEnvelopeAndWeightsZeroCountsByOne) {
+    Region& reg = RangeRegion(project, 2, {5, 4, 3, 2}, {10, 0, -4, 6}, {8, 2, 1, 6});
+    ComputeRegionEnvelope(project, host);
+    // Residuals 2, -2, -5, 0; weights 10, 1 (zero count), 4, 6.
+    const float res[] = {2, -2, -5, 0};
+    for (int j = 1; j <= 4; ++j) {
+        EXPECT_EQ(reg.PeakSumCurve[j], reg.BackgroundCurve[j]);
+        EXPECT_EQ(reg.Residual[j], res[j - 1]);
+    }
+    const double chi = (4.0 / 10 + 4.0 / 1 + 25.0 / 4 + 0) / 4;
+    EXPECT_FLOAT_EQ(reg.ChiSquare, chi);
+    EXPECT_EQ(host.chiTexts[2], FormatGeneral(reg.ChiSquare));
+    EXPECT_EQ(reg.PeakSumCurve[0], 0.0f);  // element 0 untouched
+}
+
+TEST_F(EnvelopeTest, PeaksSitOnTheBackgroundAndAdd) {
+    Region& reg = RangeRegion(project, 0, {3, 2, 1, 0, -1}, {20, 40, 90, 40, 20}, {10, 10, 10, 10, 10});
+    reg.Shift = 0.5f;
+    const int a = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
+    const int b = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
+    ComputeRegionEnvelope(project, host);
+    for (int j = 1; j <= 5; ++j) {
+        // Position 0.5 plus the shift 0.5 puts both peaks at 1.0 eV.
+        const float one = PeakValue(false, reg.RangeBE[j], 1.0, 60, 1.2, 40, 0, 1, 0, 1);
+        EXPECT_FLOAT_EQ(project.Peaks[a].Curve[j], one + 10) << j;
+        EXPECT_EQ(project.Peaks[b].Curve[j], project.Peaks[a].Curve[j]);
+        EXPECT_FLOAT_EQ(reg.PeakSumCurve[j], 10 + 2 * one) << j;
+        EXPECT_FLOAT_EQ(reg.Residual[j], reg.RangeIntensity[j] - reg.PeakSumCurve[j]);
+    }
+    // The top of the envelope carries both peaks: no saturation.
+    EXPECT_GT(reg.PeakSumCurve[3] - 10, 1.9f * (project.Peaks[a].Curve[3] - 10));
+}
+
+TEST_F(EnvelopeTest, TrialAfterResidualWithoutPeakEqualsEnvelopeChiSquare) {
+    std::vector<float> be, y, bg;
+    for (int i = 0; i < 60; ++i) {
+        be.push_back(290 - 0.1f * i);
+        y.push_back(100 + 80 * std::exp(-std::pow((be.back() - 286.5f) / 0.8f, 2.0f)) + (i % 7));
+        bg.push_back(100 + 0.05f * i);
+    }
+    Region& reg = RangeRegion(project, 1, be, y, bg);
+    const int p1 = AddTestPeak(project, 1, 286.4f, 120, 1.4f, 30);
+    const int p2 = AddTestPeak(project, 1, 287.9f, 20, 1.0f, 60);
+    project.Peaks[p2].PeakType = 2;
+    project.Peaks[p2].Splitting = 0.9f;
+    for (Flag glSum : {kFalse, kTrue}) {
+        project.Options.GLSum = glSum;
+        ComputeRegionEnvelope(project, host);
+        const float chi = reg.ChiSquare;
+        const SingleArray envelope = reg.PeakSumCurve;
+        for (int q : {p1, p2}) {
+            ResidualWithoutPeak(project, q);
+            EXPECT_NEAR(TrialChiSquare(project, q), chi, 1e-5 * chi) << q;
+            EXPECT_EQ(reg.ChiSquare, chi);  // neither call changes it
+        }
+        // A worse trial value scores worse; the residual stays as ResidualWithoutPeak left it.
+        ResidualWithoutPeak(project, p1);
+        const SingleArray residual = reg.Residual;
+        project.Peaks[p1].Position += 1.0f;
+        EXPECT_GT(TrialChiSquare(project, p1), chi);
+        EXPECT_EQ(reg.Residual, residual);
+        project.Peaks[p1].Position -= 1.0f;
+        EXPECT_NE(reg.PeakSumCurve, envelope);  // without p1
+    }
+}
+
+TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
+    RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    AddTestPeak(project, 0, 1, 5, 1, 50);
+    RangeRegion(project, 4, {2, 1, 0}, {3, 7, 3}, {1, 1, 1});
+    AddTestPeak(project, 4, 1, 4, 1, 50);
+    RangeRegion(project, 6, {2, 1, 0}, {3, 3, 3}, {2, 2, 2});  // background, no peaks
+
+    project.CurrentRegion = 0;
+    ComputeRegionEnvelope(project, host);
+    const float chi0 = project.Regions[0].ChiSquare;
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, chi0);
+    ComputeRegionEnvelope(project, host);  // replaces its own share
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, chi0);
+    EXPECT_EQ(host.totalChiText, FormatGeneral(project.TotalChiSquare));
+
+    // A region without data only adds.
+    project.Regions[0].HasData = kFalse;
+    ComputeRegionEnvelope(project, host);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, 2 * chi0);
+    project.Regions[0].HasData = kTrue;
+
+    // All regions with a background and peaks; region 6 has no peaks.
+    project.CurrentRegion = 6;
+    project.TotalChiSquare = 123;
+    project.Regions[6].ChiSquare = 55;
+    RecomputeAllRegions(project, host);
+    EXPECT_EQ(project.CurrentRegion, 6);
+    EXPECT_EQ(project.Regions[6].ChiSquare, 55);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, project.Regions[0].ChiSquare + project.Regions[4].ChiSquare);
+    EXPECT_EQ(host.chiTexts[4], FormatGeneral(project.Regions[4].ChiSquare));
+    EXPECT_EQ(host.totalChiText, FormatGeneral(project.TotalChiSquare));
+
+    // Shown and Silent take every region with a background, peaks or not.
+    RecordingHost shown;
+    RecomputeAllRegionsShown(project, shown);
+    const float chi6 = (1.0f / 3 + 1.0f / 3 + 1.0f / 3) / 3;
+    EXPECT_FLOAT_EQ(project.Regions[6].ChiSquare, chi6);
+    const float sum = project.Regions[0].ChiSquare + project.Regions[4].ChiSquare + chi6;
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, sum);
+    EXPECT_EQ(shown.chiTexts.size(), 3u);
+    EXPECT_EQ(shown.totalChiText, FormatGeneral(project.TotalChiSquare));
+
+    project.TotalChiSquare = 0;
+    project.Regions[6].ChiSquare = 0;
+    RecomputeAllRegionsSilent(project);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, sum);
+    EXPECT_FLOAT_EQ(project.Regions[6].ChiSquare, chi6);
+
+    // Quiet: the region's chi-square and box, the total left alone.
+    project.CurrentRegion = 4;
+    project.Peaks[project.Regions[4].PeakIndex[0]].Area = 8;
+    RecordingHost quiet;
+    RecomputeRegionQuiet(project, quiet);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare, sum);
+    EXPECT_NE(project.Regions[4].ChiSquare, 0.0f);
+    EXPECT_EQ(quiet.chiTexts[4], FormatGeneral(project.Regions[4].ChiSquare));
+    EXPECT_TRUE(quiet.totalChiText.empty());
+}
+
+TEST_F(EnvelopeTest, ArithmeticFailuresAreSkipped) {
+    Region& reg = RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    const int q = AddTestPeak(project, 0, 1, 5, 0, 50);  // FWHM 0
+    project.Peaks[q].Curve.assign(4, 7.0f);
+    ComputeRegionEnvelope(project, host);
+    // Every curve value is undefined with a width of 0: the old values stay.
+    for (int j = 1; j <= 3; ++j) EXPECT_EQ(project.Peaks[q].Curve[j], 7.0f);
+    EXPECT_TRUE(std::isfinite(reg.ChiSquare));
+    EXPECT_TRUE(std::isfinite(project.TotalChiSquare));
+
+    // m = 0 gives a chi-square of 0.
+    reg.RangeCount = 0;
+    reg.ChiSquare = 3;
+    ComputeRegionEnvelope(project, host);
+    EXPECT_EQ(reg.ChiSquare, 0.0f);
+    EXPECT_EQ(host.chiTexts[0], "0");
+}
+
+TEST_F(EnvelopeTest, InconsistentStoredFieldsStayInBounds) {
+    Region& reg = RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    const int q = AddTestPeak(project, 0, 1, 5, 1, 50);
+    project.Peaks[q].Curve.clear();  // damaged: no curve at all
+    reg.RangeCount = 500;           // more than the arrays hold
+    reg.PeakCount = 3;
+    reg.PeakIndex[1] = 77;  // no such slot
+    reg.PeakIndex[2] = -1;
+    ComputeRegionEnvelope(project, host);
+    EXPECT_EQ(reg.PeakSumCurve.size(), 4u);
+    EXPECT_GE(project.Peaks[q].Curve.size(), 4u);
+    EXPECT_EQ(UsableRangeCount(reg), 3);
+    ResidualWithoutPeak(project, q);
+    project.Peaks[q].Curve.resize(2);
+    EXPECT_TRUE(std::isfinite(TrialChiSquare(project, q)));
+    EXPECT_EQ(project.Peaks[q].Curve.size(), 2u);
+    project.CurrentRegion = 12;
+    ComputeRegionEnvelope(project, host);
+    EXPECT_EQ(TrialChiSquare(project, q), 0.0f);
+}
+
+}  // namespace
+}  // namespace molvera
