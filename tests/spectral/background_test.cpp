@@ -1,0 +1,366 @@
+#include "spectral/background.h"
+
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/numtext.h"
+#include "spectral/envelope.h"
+#include "spectral/lineshape.h"
+#include "spectral/region_builder.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+using test::AddTestPeak;
+using test::FallingEnergies;
+using test::MakeRegion;
+using test::RecordingHost;
+
+class BackgroundTest : public ::testing::Test {
+protected:
+    /// Points 10, 9, ..., 1 eV with intensities 100, 101, ...
+    Region& TenPoints() {
+        std::vector<float> y;
+        for (int i = 0; i < 10; ++i) y.push_back(100.0f + i);
+        return MakeRegion(project, 0, FallingEnergies(10, 10, 1), y);
+    }
+    /// A region set up for the background computations alone: range = spectrum,
+    /// end averages of one point, BackgroundWork the linear background.
+    Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type, float param) {
+        Region& reg = MakeRegion(project, 0, be, y);
+        const int m = static_cast<int>(be.size());
+        reg.RangeStart = 1;
+        reg.RangeEnd = static_cast<Int16>(m);
+        reg.RangeCount = static_cast<Int16>(m);
+        reg.EndPointAverage = 1;
+        reg.BackgroundType = static_cast<Int16>(type);
+        reg.BackgroundParameter = param;
+        for (int j = 1; j <= m; ++j) {
+            reg.RangeBE[j] = be[j - 1];
+            reg.RangeIntensity[j] = y[j - 1];
+        }
+        AverageEndPoints(reg);
+        const double step = (double(reg.EndAverage) - reg.StartAverage) / (m - 1);
+        for (int j = 1; j <= m; ++j) reg.BackgroundWork[j] = static_cast<float>(reg.StartAverage + (j - 1) * step);
+        return reg;
+    }
+    /// A step-and-peak spectrum from 300 to 280 eV: higher on the high-energy side.
+    static std::vector<float> StepAndPeak(const std::vector<float>& be) {
+        std::vector<float> y;
+        for (float e : be)
+            y.push_back(static_cast<float>(100 + 60 / (1 + std::exp(-(e - 290) / 0.5)) +
+                                           400 * std::exp(-std::pow((e - 290) / 0.8, 2))));
+        return y;
+    }
+    Project project;
+    RecordingHost host;
+};
+
+TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
+    Region& reg = TenPoints();
+    reg.BackgroundLowBE = 3.2f;
+    reg.BackgroundHighBE = 7.9f;
+    reg.BackgroundType = 1;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.RangeStart, 3);
+    EXPECT_EQ(reg.RangeEnd, 8);
+    EXPECT_EQ(reg.RangeCount, 6);  // 4.7 eV at 1 eV per point, plus one, rounded
+    for (int j = 2; j < 6; ++j) {
+        EXPECT_EQ(reg.RangeBE[j], 9.0f - j);
+        EXPECT_EQ(reg.RangeIntensity[j], 101.0f + j);
+    }
+    EXPECT_EQ(reg.RangeBE.size(), 11u);  // region arrays keep their bounds
+
+    // Halves of m round to even: 5.5 eV gives 6.5 -> 6 points.
+    reg.BackgroundLowBE = 2.25f;
+    reg.BackgroundHighBE = 7.75f;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.RangeCount, 6);
+    EXPECT_EQ(reg.RangeStart, 3);
+    EXPECT_EQ(reg.RangeEnd, 9);  // 2 eV is nearest to 2.25 eV, but m stops the range at 3 eV
+    EXPECT_EQ(reg.RangeBE[6], 3.0f);
+}
+
+TEST_F(BackgroundTest, HalfwayBoundaryTakesTheHigherEnergyAndSwappedEndsAgree) {
+    Region& reg = TenPoints();
+    reg.BackgroundLowBE = 2.5f;
+    reg.BackgroundHighBE = 8.5f;
+    reg.BackgroundType = 0;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.RangeStart, 2);  // 9 eV, not 8 eV
+    EXPECT_EQ(reg.RangeEnd, 8);    // 3 eV, not 2 eV
+    EXPECT_EQ(reg.RangeCount, 7);
+    const Region ordered = reg;
+
+    reg.BackgroundLowBE = 8.5f;
+    reg.BackgroundHighBE = 2.5f;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.BackgroundLowBE, 2.5f);
+    EXPECT_EQ(reg.BackgroundHighBE, 8.5f);
+    EXPECT_EQ(reg, ordered);
+}
+
+TEST_F(BackgroundTest, UnevenSpacingReadsStayInsideTheSpectrum) {
+    Region& reg = MakeRegion(project, 0, {10, 9.5f, 9, 7, 5, 3, 1}, {7, 6, 5, 4, 3, 2, 1});
+    reg.BackgroundLowBE = 1;
+    reg.BackgroundHighBE = 9.5f;
+    reg.BackgroundType = 1;
+    RecomputeRegion(project, host);
+    // Mean step 1.5 eV: 8.5 * 6 / 9 + 1 = 6.67 -> 7 points from point 2, past point 7.
+    EXPECT_EQ(reg.RangeStart, 2);
+    EXPECT_EQ(reg.RangeEnd, 7);
+    ASSERT_EQ(reg.RangeCount, 7);
+    EXPECT_EQ(reg.RangeBE[5], 3.0f);
+    EXPECT_EQ(reg.RangeBE[6], 1.0f);  // data point 7
+    EXPECT_EQ(reg.RangeBE[7], 1.0f);  // data point 8 does not exist: point 7 again
+    EXPECT_EQ(reg.RangeIntensity[7], 1.0f);
+}
+
+TEST_F(BackgroundTest, EndAveragesClampAtTheSpectrumEnds) {
+    Region& reg = MakeRegion(project, 0, FallingEnergies(6, 6, 1), {10, 20, 40, 80, 160, 320});
+    reg.RangeStart = 1;
+    reg.RangeEnd = 6;
+    reg.RangeCount = 6;
+    reg.EndPointAverage = 5;
+    AverageEndPoints(reg);
+    EXPECT_FLOAT_EQ(reg.StartAverage, (3 * 10 + 20 + 40) / 5.0f);
+    EXPECT_FLOAT_EQ(reg.EndAverage, (80 + 160 + 3 * 320) / 5.0f);
+    EXPECT_EQ(reg.RangeIntensity[1], reg.StartAverage);
+    EXPECT_EQ(reg.RangeIntensity[6], reg.EndAverage);
+
+    // Inside the spectrum: a plain mean of three.
+    reg.RangeStart = 2;
+    reg.RangeEnd = 5;
+    reg.RangeCount = 4;
+    reg.EndPointAverage = 3;
+    AverageEndPoints(reg);
+    EXPECT_FLOAT_EQ(reg.StartAverage, 70 / 3.0f);
+    EXPECT_FLOAT_EQ(reg.EndAverage, 560 / 3.0f);
+    EXPECT_EQ(reg.RangeIntensity[4], reg.EndAverage);
+
+    // A stored 0 means no averaging, and is stored as 1.
+    reg.EndPointAverage = 0;
+    AverageEndPoints(reg);
+    EXPECT_EQ(reg.EndPointAverage, 1);
+    EXPECT_EQ(reg.StartAverage, 20.0f);
+    EXPECT_EQ(reg.EndAverage, 160.0f);
+
+    // Indices outside 1..n on either side are clamped.
+    reg.RangeStart = 20;
+    reg.RangeEnd = -4;
+    reg.EndPointAverage = 9;
+    AverageEndPoints(reg);
+    EXPECT_FLOAT_EQ(reg.StartAverage, 320.0f);
+    EXPECT_FLOAT_EQ(reg.EndAverage, 10.0f);
+}
+
+TEST_F(BackgroundTest, LinearRunsBetweenTheEndAverages) {
+    Region& reg = TenPoints();
+    reg.RawIntensity[2] = 200;
+    reg.BackgroundLowBE = 2;
+    reg.BackgroundHighBE = 9;
+    reg.BackgroundType = 1;
+    reg.EndPointAverage = 3;
+    RecomputeRegion(project, host);
+    // Start average over points 1..3 (100, 200, 102), end average over 8..10.
+    EXPECT_FLOAT_EQ(reg.StartAverage, 134);
+    EXPECT_FLOAT_EQ(reg.EndAverage, 108);
+    EXPECT_FLOAT_EQ(reg.LinearStep, (108 - 134) / 7.0f);
+    EXPECT_EQ(reg.BackgroundCurve[1], 134.0f);
+    EXPECT_FLOAT_EQ(reg.BackgroundCurve[8], 108);
+    EXPECT_FLOAT_EQ(reg.BackgroundCurve[4], 134 + 3 * (108 - 134) / 7.0f);
+    EXPECT_EQ(reg.BackgroundWork[5], reg.BackgroundCurve[5]);
+}
+
+TEST_F(BackgroundTest, ShirleyWorkedByHand) {
+    // N = 8, 4, 0: the passes settle at k = -2 and a remainder of 0, -4, 0.
+    Region& reg = DirectRange({3, 2, 1}, {10, 6, 2}, 0, 0);
+    ComputeShirley(reg);
+    EXPECT_NEAR(reg.BackgroundCurve[1], 10, 1e-4);
+    EXPECT_NEAR(reg.BackgroundCurve[2], 10, 1e-4);
+    EXPECT_EQ(reg.BackgroundCurve[3], 2.0f);
+}
+
+TEST_F(BackgroundTest, ShirleyIsSelfConsistentAndMeetsBothEnds) {
+    const std::vector<float> be = FallingEnergies(81, 300, 0.25f);
+    Region& reg = DirectRange(be, StepAndPeak(be), 0, 0);
+    ComputeShirley(reg);
+    const SingleArray& B = reg.BackgroundCurve;
+    const SingleArray& y = reg.RangeIntensity;
+    const int m = 81;
+    EXPECT_EQ(B[m], reg.EndAverage);
+    EXPECT_NEAR(B[1], reg.StartAverage, 1e-4 * reg.StartAverage);
+    // Shirley's condition: the rise above the low end at each point is proportional
+    // to the net area from that point to the low end.
+    double total = 0;
+    for (int i = 1; i < m; ++i) total += y[i] - B[i];
+    for (int j = 1; j < m; j += 8) {
+        double tail = 0;
+        for (int i = j; i < m; ++i) tail += y[i] - B[i];
+        EXPECT_NEAR((B[j] - B[m]) / (B[1] - B[m]), tail / total, 2e-3) << j;
+    }
+
+    // With a slope s the high end sits s below the start average.
+    reg.BackgroundParameter = 0.5f;
+    ComputeShirley(reg);
+    EXPECT_NEAR(B[1], reg.StartAverage - 0.5, 1e-3);
+    EXPECT_EQ(B[m], reg.EndAverage);
+}
+
+TEST_F(BackgroundTest, LowerHighEnergyEndGetsTheLinearBackground) {
+    for (int type : {0, 2}) {
+        Region& reg = DirectRange({4, 3, 2, 1}, {5, 50, 9, 8}, type, 3000);
+        ComputeShirley(reg);
+        if (type == 2) ComputeTougaard(reg);
+        for (int j = 1; j <= 4; ++j) EXPECT_EQ(reg.BackgroundCurve[j], reg.BackgroundWork[j]);
+    }
+}
+
+TEST_F(BackgroundTest, TougaardWorkedByHand) {
+    // Three points 1 eV apart: only the middle point lies above the low end.
+    Region& reg = DirectRange({3, 2, 1}, {10, 8, 2}, 2, 3000);
+    ComputeTougaard(reg);
+    EXPECT_FLOAT_EQ(reg.BackgroundCurve[1], 2 + 3000 * 6.0 / (1644.0 * 1644.0));
+    EXPECT_EQ(reg.BackgroundCurve[2], 2.0f);
+    EXPECT_EQ(reg.BackgroundCurve[3], 2.0f);
+
+    // Four points 0.5 eV apart, each loss T = d/2 weighted T dE / (T^2 + 1643)^2.
+    const std::vector<float> y = {30, 20, 12, 4};
+    Region& reg4 = DirectRange({2, 1.5f, 1, 0.5f}, y, 2, 2500);
+    ComputeTougaard(reg4);
+    for (int i = 1; i <= 4; ++i) {
+        double k = 0;
+        for (int j = i + 1; j <= 4; ++j) {
+            const double T = 0.5 * (j - i);
+            k += (y[j - 1] - 4.0) * T * 0.5 / std::pow(T * T + 1643, 2);
+        }
+        EXPECT_NEAR(reg4.BackgroundCurve[i], 4 + 2500 * k, 2e-6) << i;
+    }
+
+    // B1 = 0: flat at the end average.
+    reg4.BackgroundParameter = 0;
+    ComputeTougaard(reg4);
+    for (int i = 1; i <= 4; ++i) EXPECT_EQ(reg4.BackgroundCurve[i], reg4.EndAverage);
+}
+
+TEST_F(BackgroundTest, NetRangeNeverAboveOrBelowItsStartValues) {
+    Region& reg = MakeRegion(project, 0, FallingEnergies(4, 4, 1), {10, 0, 0, 10});
+    reg.BackgroundLowBE = 1;
+    reg.BackgroundHighBE = 4;
+    reg.BackgroundType = 1;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.NetMax, 0.0f);  // every point at or below the background
+    EXPECT_EQ(reg.NetMin, -10.0f);
+    EXPECT_FLOAT_EQ(reg.NetScale, 0.1f);
+
+    // An unknown type keeps the old background.
+    reg.BackgroundType = 7;
+    for (int j = 1; j <= 4; ++j) reg.BackgroundCurve[j] = -1.0e8f;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.BackgroundCurve[2], -1.0e8f);
+    EXPECT_EQ(reg.NetMin, 10000000.0f);
+    EXPECT_FLOAT_EQ(reg.NetMax, 1.0e8f + 10);
+}
+
+TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
+    const std::vector<float> be = FallingEnergies(41, 295, 0.25f);
+    Region& reg = MakeRegion(project, 0, be, StepAndPeak(be));
+    reg.BackgroundLowBE = 285;
+    reg.BackgroundHighBE = 295;
+    reg.BackgroundType = 0;
+    reg.HasBackground = kTrue;
+    const int q = AddTestPeak(project, 0, 290, 1, 1.6f, 30);
+    project.Peaks[q].HeightPercent = 60;
+
+    project.KeepAreas = kFalse;
+    RecomputeRegion(project, host);
+    Peak& peak = project.Peaks[q];
+    EXPECT_EQ(peak.HeightPercent, 60.0f);
+    EXPECT_NEAR(PeakValue(false, peak, 290, 0), 60 * reg.NetScale, 1e-4 * 60 * reg.NetScale);
+    EXPECT_EQ(peak.Curve.size(), static_cast<std::size_t>(reg.RangeCount) + 1);
+    EXPECT_EQ(project.SavedPeaks[q].Curve.size(), peak.Curve.size());
+    EXPECT_EQ(host.chiTexts[0], FormatGeneral(reg.ChiSquare));
+    EXPECT_GT(reg.ChiSquare, 0.0f);
+
+    // A new background with KeepAreas: the area stays, the height follows.
+    project.KeepAreas = kTrue;
+    reg.BackgroundType = 1;
+    const float area = peak.Area;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(peak.Area, area);
+    EXPECT_NEAR(PeakValue(false, peak, 290, 0), peak.HeightPercent * reg.NetScale, 1e-3);
+    EXPECT_NE(peak.HeightPercent, 60.0f);
+}
+
+TEST_F(BackgroundTest, DegenerateRangesDoNotWriteOutOfBounds) {
+    Region& reg = TenPoints();
+    const int q = AddTestPeak(project, 0, 5, 10, 1, 30);
+    project.Peaks[q].Curve.clear();
+    reg.BackgroundType = 0;
+
+    // No point within 100 eV: the old (invalid) indices stay; m is bounded by the arrays.
+    reg.RangeStart = 0;
+    reg.RangeEnd = 0;
+    reg.BackgroundLowBE = 500;
+    reg.BackgroundHighBE = 600;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(reg.RangeStart, 0);
+    EXPECT_EQ(reg.RangeCount, 10);
+    EXPECT_EQ(reg.RangeBE[1], 10.0f);
+
+    // Both ends at the same point: one range point, a flat background.
+    for (int type : {0, 1, 2}) {
+        reg.BackgroundType = static_cast<Int16>(type);
+        reg.BackgroundLowBE = reg.BackgroundHighBE = 5;
+        RecomputeRegion(project, host);
+        EXPECT_EQ(reg.RangeCount, 1);
+        EXPECT_EQ(reg.LinearStep, 0.0f);
+        EXPECT_EQ(reg.BackgroundCurve[1], reg.StartAverage);
+        EXPECT_TRUE(std::isfinite(reg.NetScale));
+    }
+
+    // A one-point spectrum, and a PointCount larger than the arrays.
+    Region& one = MakeRegion(project, 1, {5}, {3});
+    one.BackgroundLowBE = 4;
+    one.BackgroundHighBE = 6;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(one.RangeCount, 1);
+    one.PointCount = 4000;
+    RecomputeRegion(project, host);
+    EXPECT_EQ(one.RangeBE.size(), 2u);
+
+    // A range count larger than the arrays reaching the computations directly.
+    reg.RangeCount = 3000;
+    ComputeShirley(reg);
+    ComputeTougaard(reg);
+    AverageEndPoints(reg);
+    EXPECT_TRUE(std::isfinite(NetArea(reg)));
+    EXPECT_EQ(reg.BackgroundCurve.size(), 11u);
+}
+
+TEST_F(BackgroundTest, NetAreaUsesTheFirstStep) {
+    Region& reg = DirectRange({5, 4.5f, 4, 3.5f}, {9, 7, 7, 1}, 1, 0);
+    for (int j = 1; j <= 4; ++j) reg.BackgroundCurve[j] = 1;
+    reg.RangeIntensity = {0, 2, 3, 4, 5};  // net 1, 2, 3, 4
+    EXPECT_DOUBLE_EQ(NetArea(reg), 0.5 * 10);
+}
+
+TEST(DataExtents, StrictComparisonsFromFixedStarts) {
+    Project project;
+    Region& reg = MakeRegion(project, 0, {5, 3, 4}, {-2, -7, -1});
+    UpdateDataExtents(reg);
+    EXPECT_EQ(reg.MaxBE, 5.0f);
+    EXPECT_EQ(reg.MinBE, 3.0f);
+    EXPECT_EQ(reg.MaxIntensity, 0.0f);  // the maxima start at 0
+    EXPECT_EQ(reg.MinIntensity, -7.0f);
+    Region& empty = MakeRegion(project, 1, {}, {});
+    UpdateDataExtents(empty);
+    EXPECT_EQ(empty.MinBE, 1.0e7f);
+    EXPECT_EQ(empty.MinIntensity, 1.0e7f);
+}
+
+}  // namespace
+}  // namespace molvera
