@@ -257,12 +257,5 @@ TEST_F(BackgroundFormTest, CorrectedBoxIsAcceptedForAnyDataMinimum) {
     EXPECT_TRUE(AcceptBackground(project, host, form));
 }
 
-TEST(BackgroundFormClose, HidesWithoutStoring) {
-    BackgroundForm form;
-    form.visible = true;
-    CloseBackgroundDialog(form);
-    EXPECT_FALSE(form.visible);
-}
-
 }  // namespace
 }  // namespace molvera

@@ -27,16 +27,6 @@ TEST(RegionShiftDialog, TakesTheLeadingNumber) {
     EXPECT_EQ(project.Regions[2].Shift, 0.0f);
 }
 
-TEST(RegionShiftDialog, DoesNotRedrawOrRecompute) {
-    Project project;
-    project.Regions[0].HasData = kTrue;
-    project.Regions[0].ChiSquare = 4;
-    RegionShiftForm form{"2", true};
-    AcceptRegionShift(project, form);
-    EXPECT_EQ(project.Regions[0].Shift, 2.0f);
-    EXPECT_EQ(project.Regions[0].ChiSquare, 4.0f);
-}
-
 TEST(RegionCaptionDialog, CutsAndPadsToTwentyCharacters) {
     Project project;
     project.CurrentRegion = 1;
