@@ -1,4 +1,4 @@
-// dump, dump-options and options.
+// dump, save, dump-options and options.
 
 #include <array>
 #include <cstdio>
@@ -20,6 +20,17 @@ int RunDump(int argc, char** argv) {
     if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
     if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
     std::printf("%s\n", ProjectToJson(s.project).dump(1).c_str());
+    return 0;
+}
+
+int RunSave(int argc, char** argv) {
+    Args args(argc, argv, 2, {});
+    if (!CheckArgs(args, {"o"}, 1, Usage("save"))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o FILE)");
+    Session s;
+    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
     return 0;
 }
 

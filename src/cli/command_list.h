@@ -21,6 +21,7 @@ const char* Usage(const char* name);
 
 int RunDump(int argc, char** argv);
 int RunDumpOptions(int argc, char** argv);
+int RunSave(int argc, char** argv);
 int RunOptions(int argc, char** argv);
 int RunImport(int argc, char** argv);
 int RunBackground(int argc, char** argv);

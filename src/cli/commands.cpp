@@ -13,6 +13,8 @@ namespace {
 
 const Command kCommands[] = {
     {"dump", "molvera-cli dump FILE.xps", "print the whole project as JSON", RunDump},
+    {"save", "molvera-cli save IN.xps -o OUT.xps",
+     "open a project and save it again (older layouts become the current one)", RunSave},
     {"import", "molvera-cli import FORMAT FILE [--into IN.xps] [--region N] -o OUT.xps",
      "import spectra into a project", RunImport},
     {"background",
