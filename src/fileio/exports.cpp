@@ -82,8 +82,11 @@ std::string PeakParameterExportText(const Project& project) {
     std::string out;
 
     ColumnLine header;
-    header.NextZone("Peak").NextZone("Position (eV)").NextZone("Area").NextZone("FWHM (eV)").NextZone(
-        "%GL (%)");
+    header.NextZone("Peak")
+        .NextZone("Position (eV)")
+        .NextZone("Area")
+        .NextZone("FWHM (eV)")
+        .NextZone("%GL (%)");
     EndLine(out, header);
 
     const int peakCount = ValidPeakCount(region);

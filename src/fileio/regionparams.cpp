@@ -41,11 +41,16 @@ struct LoadedPeak {
 // A tagged number of the older layout: Int16 type code, then the value.
 double TaggedNumber(BinaryReader& in) {
     switch (in.I16()) {
-        case 2: return in.I16();
-        case 3: return in.I32();
-        case 4: return in.F32();
-        case 5: return in.F64();
-        default: throw ReadError("unknown number type");
+        case 2:
+            return in.I16();
+        case 3:
+            return in.I32();
+        case 4:
+            return in.F32();
+        case 5:
+            return in.F64();
+        default:
+            throw ReadError("unknown number type");
     }
 }
 
@@ -156,7 +161,8 @@ Status LoadRegionParameters(Project& project, Host& host, const std::string& pat
         const Region& region = project.Current();
         if (!IsSet(region.HasData) || settings.RangeCount > region.PointCount)
             return Status::Error(msg::kIncompatibleRegion);
-        if (!(settings.BackgroundHighBE <= region.MaxBE) || !(settings.BackgroundLowBE >= region.MinBE))
+        if (!(settings.BackgroundHighBE <= region.MaxBE) ||
+            !(settings.BackgroundLowBE >= region.MinBE))
             return Status::Error(msg::kBindingEnergyOutOfRange);
         const int toRead = settings.PeakCount < available ? settings.PeakCount : available;
         peaks.resize(static_cast<std::size_t>(toRead));
@@ -177,7 +183,8 @@ Status LoadRegionParameters(Project& project, Host& host, const std::string& pat
     region.BackgroundHighBE = settings.BackgroundHighBE;
     region.BackgroundLowBE = settings.BackgroundLowBE;
     region.PeakCount = 0;
-    for (std::size_t k = 0; k < peaks.size(); ++k) PlacePeak(project, host, static_cast<int>(k), peaks[k]);
+    for (std::size_t k = 0; k < peaks.size(); ++k)
+        PlacePeak(project, host, static_cast<int>(k), peaks[k]);
 
     Status status = Status::Ok();
     if (static_cast<int>(peaks.size()) < settings.PeakCount) {

@@ -24,12 +24,18 @@ std::optional<Int16> AveragePointsFromText(const std::string& text) {
 
 const char* AveragePointsText(Int16 count) {
     switch (count) {
-        case 1: return "None";
-        case 3: return "3";
-        case 5: return "5";
-        case 7: return "7";
-        case 9: return "9";
-        default: return nullptr;
+        case 1:
+            return "None";
+        case 3:
+            return "3";
+        case 5:
+            return "5";
+        case 7:
+            return "7";
+        case 9:
+            return "9";
+        default:
+            return nullptr;
     }
 }
 
@@ -150,6 +156,8 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     return true;
 }
 
-void CloseBackgroundDialog(BackgroundForm& form) { form.visible = false; }
+void CloseBackgroundDialog(BackgroundForm& form) {
+    form.visible = false;
+}
 
 }  // namespace molvera

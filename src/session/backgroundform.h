@@ -10,13 +10,13 @@ namespace molvera {
 
 /// Texts of the background dialog's controls.
 struct BackgroundForm {
-    std::string LBE;                ///< "Low BE"
-    std::string HBE;                ///< "High BE"
-    std::string AverPt;             ///< "None", "3", "5", "7", "9"
-    std::string BG;                 ///< "Shirley", "Linear", "Tougaard"
-    std::string ShirleySlope;       ///< slope of the Shirley+linear background
-    std::string TouB1 = "3000";     ///< Tougaard B1
-    std::string Area = "-----";     ///< "Area (I*eV)" after an Accept
+    std::string LBE;             ///< "Low BE"
+    std::string HBE;             ///< "High BE"
+    std::string AverPt;          ///< "None", "3", "5", "7", "9"
+    std::string BG;              ///< "Shirley", "Linear", "Tougaard"
+    std::string ShirleySlope;    ///< slope of the Shirley+linear background
+    std::string TouB1 = "3000";  ///< Tougaard B1
+    std::string Area = "-----";  ///< "Area (I*eV)" after an Accept
     std::string caption;
     bool visible = false;
 };

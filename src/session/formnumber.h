@@ -14,7 +14,8 @@ namespace molvera {
 inline float BoxSingle(std::string_view text) {
     const double v = LeadingNumber(text);
     if (std::fabs(v) > std::numeric_limits<float>::max())
-        return v < 0 ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity();
+        return v < 0 ? -std::numeric_limits<float>::infinity()
+                     : std::numeric_limits<float>::infinity();
     return static_cast<float>(v);
 }
 

@@ -15,15 +15,22 @@ namespace molvera {
 
 namespace {
 
-bool ValidSlot(int slot) { return slot >= 0 && slot < kPeakSlots; }
+bool ValidSlot(int slot) {
+    return slot >= 0 && slot < kPeakSlots;
+}
 
 const char* PeakTypeText(Int16 type) {
     switch (type) {
-        case 1: return "s";
-        case 2: return "p";
-        case 3: return "d";
-        case 4: return "f";
-        default: return nullptr;
+        case 1:
+            return "s";
+        case 2:
+            return "p";
+        case 3:
+            return "d";
+        case 4:
+            return "f";
+        default:
+            return nullptr;
     }
 }
 
@@ -45,10 +52,14 @@ bool BarPosition(double value, int& position) {
 
 ScrollBar& Bar(PeakForm& form, PeakParameter which) {
     switch (which) {
-        case PeakParameter::Position: return form.ScPos;
-        case PeakParameter::FWHM: return form.ScFWHM;
-        case PeakParameter::Area: return form.ScArea;
-        case PeakParameter::GL: break;
+        case PeakParameter::Position:
+            return form.ScPos;
+        case PeakParameter::FWHM:
+            return form.ScFWHM;
+        case PeakParameter::Area:
+            return form.ScArea;
+        case PeakParameter::GL:
+            break;
     }
     return form.ScGL;
 }
@@ -66,7 +77,9 @@ void WriteBarText(PeakForm& form, PeakParameter which) {
         case PeakParameter::Area:
             form.AreaVal = FormatGeneral(static_cast<float>(position) * form.AreaScale);
             break;
-        case PeakParameter::GL: form.GLVal = std::to_string(position); break;
+        case PeakParameter::GL:
+            form.GLVal = std::to_string(position);
+            break;
     }
 }
 
@@ -82,7 +95,9 @@ void SetBarFromPeak(PeakForm& form, PeakParameter which, bool usable, int positi
     if (usable) MoveScrollBar(form, which, position);
 }
 
-Int16 CheckValue(bool checked) { return checked ? 1 : 0; }
+Int16 CheckValue(bool checked) {
+    return checked ? 1 : 0;
+}
 
 void HideEditor(Host& host, PeakForm& form) {
     form.visible = false;
@@ -133,7 +148,8 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
 void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     if (!ValidSlot(slot)) return;
     const Peak& peak = project.Peaks[slot];
-    const int r = peak.Region >= 0 && peak.Region < kRegionCount ? peak.Region : project.CurrentRegion;
+    const int r =
+        peak.Region >= 0 && peak.Region < kRegionCount ? peak.Region : project.CurrentRegion;
     const Region& region = project.Regions[r];
 
     form.caption = "Peak " + std::to_string(slot);
@@ -208,7 +224,8 @@ void ApplyPeakEditor(Project& project, PeakForm& form) {
 
 bool MoveScrollBar(PeakForm& form, PeakParameter which, int position) {
     ScrollBar& bar = Bar(form, which);
-    if (position < std::min(bar.min, bar.max) || position > std::max(bar.min, bar.max)) return false;
+    if (position < std::min(bar.min, bar.max) || position > std::max(bar.min, bar.max))
+        return false;
     bar.value = position;
     WriteBarText(form, which);
     return true;
@@ -219,10 +236,22 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
     if (!ValidSlot(slot)) return;
     Peak& peak = project.Peaks[slot];
     switch (which) {
-        case PeakParameter::Position: form.ChkPos = checked; peak.FixPosition = CheckValue(checked); break;
-        case PeakParameter::FWHM: form.ChkFWHM = checked; peak.FixFWHM = CheckValue(checked); break;
-        case PeakParameter::Area: form.ChkArea = checked; peak.FixArea = CheckValue(checked); break;
-        case PeakParameter::GL: form.ChkGL = checked; peak.FixGL = CheckValue(checked); break;
+        case PeakParameter::Position:
+            form.ChkPos = checked;
+            peak.FixPosition = CheckValue(checked);
+            break;
+        case PeakParameter::FWHM:
+            form.ChkFWHM = checked;
+            peak.FixFWHM = CheckValue(checked);
+            break;
+        case PeakParameter::Area:
+            form.ChkArea = checked;
+            peak.FixArea = CheckValue(checked);
+            break;
+        case PeakParameter::GL:
+            form.ChkGL = checked;
+            peak.FixGL = CheckValue(checked);
+            break;
     }
 }
 
@@ -231,7 +260,9 @@ void PeakAccept(Project& project, Host& host, PeakForm& form) {
     HideEditor(host, form);
 }
 
-void PeakReDraw(Project& project, Host& host, PeakForm& form) { ApplyAndRecompute(project, host, form); }
+void PeakReDraw(Project& project, Host& host, PeakForm& form) {
+    ApplyAndRecompute(project, host, form);
+}
 
 void PeakCancel(Project& project, Host& host, PeakForm& form) {
     if (RestoreSavedPeak(project, host, form)) ComputeRegionEnvelope(project, host);

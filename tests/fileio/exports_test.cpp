@@ -1,12 +1,12 @@
 #include "fileio/exports.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "model/messages.h"
 #include "model/project.h"
@@ -15,7 +15,9 @@
 namespace molvera {
 namespace {
 
-std::string Spaces(int n) { return std::string(static_cast<std::size_t>(n), ' '); }
+std::string Spaces(int n) {
+    return std::string(static_cast<std::size_t>(n), ' ');
+}
 
 std::string ReadFile(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);
@@ -76,12 +78,12 @@ TEST_F(ExportsTest, SpectrumColumnsCountedByHand) {
     // Point 1 lies before the range: two columns only.
     expected += " 5 " + Spaces(16) + " 10 \r\n";
     // Points 2..4 are range points 1..3; the first peak column is slot 7 (PeakIndex order).
-    expected += " 4 " + Spaces(16) + " 20 " + Spaces(16) + " 30 " + Spaces(16) + " 1.5 " + Spaces(15) +
-                " 21 " + Spaces(16) + " 11 " + Spaces(16) + "-0.25 \r\n";
-    expected += " 3 " + Spaces(16) + " 30 " + Spaces(16) + " 31 " + Spaces(16) + " 2.5 " + Spaces(15) +
-                " 22 " + Spaces(16) + " 12 " + Spaces(16) + " 1 \r\n";
-    expected += " 2 " + Spaces(16) + " 40 " + Spaces(16) + " 32 " + Spaces(16) + " 3.5 " + Spaces(15) +
-                " 23 " + Spaces(16) + " 13 " + Spaces(16) + " 2 \r\n";
+    expected += " 4 " + Spaces(16) + " 20 " + Spaces(16) + " 30 " + Spaces(16) + " 1.5 " +
+                Spaces(15) + " 21 " + Spaces(16) + " 11 " + Spaces(16) + "-0.25 \r\n";
+    expected += " 3 " + Spaces(16) + " 30 " + Spaces(16) + " 31 " + Spaces(16) + " 2.5 " +
+                Spaces(15) + " 22 " + Spaces(16) + " 12 " + Spaces(16) + " 1 \r\n";
+    expected += " 2 " + Spaces(16) + " 40 " + Spaces(16) + " 32 " + Spaces(16) + " 3.5 " +
+                Spaces(15) + " 23 " + Spaces(16) + " 13 " + Spaces(16) + " 2 \r\n";
     expected += " 1 " + Spaces(16) + " 50 \r\n";
 
     const auto dir = test::ScratchDir();
@@ -125,13 +127,13 @@ TEST_F(ExportsTest, RegionWithoutPeaksHasTwoColumnsEvenWithBackground) {
 }
 
 TEST_F(ExportsTest, PeakParameterZonesAndPatterns) {
-    std::string expected = Spaces(14) + "Peak" + Spaces(10) + "Position (eV)" + " " + "Area" + Spaces(10) +
-                           "FWHM (eV)" + Spaces(5) + "%GL (%)\r\n";
+    std::string expected = Spaces(14) + "Peak" + Spaces(10) + "Position (eV)" + " " + "Area" +
+                           Spaces(10) + "FWHM (eV)" + Spaces(5) + "%GL (%)\r\n";
     // Zones start at 15, 29, 43, 57, 71; the slot is a column value " 7 ".
     expected += Spaces(14) + " 7 " + Spaces(11) + "1234.568" + Spaces(6) + "1500.250" + Spaces(6) +
                 "1.200" + Spaces(9) + "80\r\n";
-    expected += Spaces(14) + " 3 " + Spaces(11) + "-3.250" + Spaces(8) + "0.063" + Spaces(9) + "0.300" +
-                Spaces(9) + "30\r\n";
+    expected += Spaces(14) + " 3 " + Spaces(11) + "-3.250" + Spaces(8) + "0.063" + Spaces(9) +
+                "0.300" + Spaces(9) + "30\r\n";
     const auto path = (test::ScratchDir() / "peaks.par").string();
     ASSERT_TRUE(ExportPeakParameters(project, path).ok());
     EXPECT_EQ(ReadFile(path), expected);
@@ -155,9 +157,9 @@ TEST_F(ExportsTest, UnwritablePathFailsWithMessage) {
 
 TEST_F(ExportsTest, DamagedArraysDoNotCrash) {
     Region& r = project.Current();
-    r.PointCount = 9;             // more points than the arrays hold
-    r.Residual.resize(2);         // shorter than the range
-    r.PeakIndex[1] = 77;          // not a slot
+    r.PointCount = 9;      // more points than the arrays hold
+    r.Residual.resize(2);  // shorter than the range
+    r.PeakIndex[1] = 77;   // not a slot
     const std::string text = SpectrumExportText(project);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 10);
 }

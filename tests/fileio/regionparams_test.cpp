@@ -1,12 +1,12 @@
 #include "fileio/regionparams.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "fileio/binstream.h"
 #include "fileio/records_io.h"
@@ -41,7 +41,8 @@ std::int16_t I16At(const std::string& b, std::size_t off) {
 
 float F32At(const std::string& b, std::size_t off) {
     std::uint32_t u = 0;
-    for (int i = 3; i >= 0; --i) u = (u << 8) | static_cast<unsigned char>(b[off + static_cast<std::size_t>(i)]);
+    for (int i = 3; i >= 0; --i)
+        u = (u << 8) | static_cast<unsigned char>(b[off + static_cast<std::size_t>(i)]);
     float f;
     std::memcpy(&f, &u, 4);
     return f;
@@ -151,8 +152,8 @@ TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
     EXPECT_EQ(F32At(b, c1 + 48 + 16), 0.7f);
     const std::size_t p2 = 45 + peakBytes;
     EXPECT_EQ(F32At(b, p2 + 28), 285.0f);
-    EXPECT_EQ(I16At(b, p2 + 64 + curve), -1);      // position Linked
-    EXPECT_EQ(I16At(b, p2 + 64 + curve + 2), 3);   // RefPeak
+    EXPECT_EQ(I16At(b, p2 + 64 + curve), -1);     // position Linked
+    EXPECT_EQ(I16At(b, p2 + 64 + curve + 2), 3);  // RefPeak
 }
 
 TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {

@@ -1,8 +1,8 @@
 #include "session/backgroundform.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "fileio/numtext.h"
 #include "model/project.h"

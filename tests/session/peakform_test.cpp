@@ -1,8 +1,8 @@
 #include "session/peakform.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "model/project.h"
 #include "model/regionops.h"
@@ -98,7 +98,8 @@ TEST_F(PeakFormTest, AcceptRecomputesHeightAndEnvelope) {
     // The envelope follows: at range point j the peak curve is background plus the peak.
     const Region& r = project.Regions[1];
     const int j = 6;  // 285 eV
-    EXPECT_FLOAT_EQ(p.Curve[j] - r.BackgroundCurve[j], PeakValue(project.Options.GLSum, p, r.RangeBE[j], 0));
+    EXPECT_FLOAT_EQ(p.Curve[j] - r.BackgroundCurve[j],
+                    PeakValue(project.Options.GLSum, p, r.RangeBE[j], 0));
 }
 
 TEST_F(PeakFormTest, TailValuesAreLimitedAndWrittenBack) {
