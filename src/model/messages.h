@@ -38,6 +38,15 @@ inline constexpr const char* kNewtonTrialsRange =
     "No. of trials for Newton's method must be in the range 1-200";
 inline constexpr const char* kToleranceRange = "% Tolerence must be in the range 0-100";
 inline constexpr const char* kMustBePositiveSuffix = " must be >0";
+inline constexpr const char* kPosRangePrefix = "Range value for Position of level";
+inline constexpr const char* kPosStepPrefix = "Step value for Position of level";
+inline constexpr const char* kAreaRangePrefix = "Range value for Area of level";
+inline constexpr const char* kAreaStepPrefix = "Step value for Area of level";
+inline constexpr const char* kFWHMRangePrefix = "Range value for FWHM of level";
+inline constexpr const char* kFWHMStepPrefix = "Step value for FWHM of level";
+inline constexpr const char* kPosDeltaPrefix = "Delta value for Position of level";
+inline constexpr const char* kAreaDeltaPrefix = "Delta value for Area of level";
+inline constexpr const char* kFWHMDeltaPrefix = "Delta value for FWHM of level";
 
 // Region window.
 inline constexpr const char* kDeleteRegionTitle = "!! WARNING !!";

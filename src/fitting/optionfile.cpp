@@ -1,0 +1,97 @@
+#include "fitting/optionfile.h"
+
+#include <fstream>
+
+#include "fileio/binstream.h"
+#include "model/messages.h"
+
+namespace molvera {
+
+namespace {
+
+std::size_t FieldSize(const std::variant<float*, std::int16_t*>& v) {
+    return std::holds_alternative<float*>(v) ? 4 : 2;
+}
+
+}  // namespace
+
+std::vector<OptionField> OptionFileFields(FitOptions& o) {
+    std::vector<OptionField> fields;
+    std::size_t offset = 0;
+    auto add = [&](std::string name, std::variant<float*, std::int16_t*> value) {
+        const std::size_t size = FieldSize(value);
+        fields.push_back({std::move(name), offset, value});
+        offset += size;
+    };
+    add("Method", &o.Method);
+    add("SearchTrials", &o.SearchTrials);
+    add("NewtonTrials", &o.NewtonTrials);
+    add("Tolerance", &o.Tolerance);
+    // The levels are interleaved by level number: all six rows of level 1, then level 2...
+    for (int i = 0; i < kLevels; ++i) {
+        const std::string level = "[" + std::to_string(i + 1) + "].";
+        for (auto [name, rows] : {std::pair{"PositionSearch", &o.PositionSearch},
+                                  std::pair{"AreaSearch", &o.AreaSearch},
+                                  std::pair{"FWHMSearch", &o.FWHMSearch}}) {
+            SearchLevel& l = (*rows)[i];
+            add(name + level + "Use", &l.Use);
+            add(name + level + "Range", &l.Range);
+            add(name + level + "Step", &l.Step);
+        }
+        for (auto [name, rows] : {std::pair{"PositionNewton", &o.PositionNewton},
+                                  std::pair{"AreaNewton", &o.AreaNewton},
+                                  std::pair{"FWHMNewton", &o.FWHMNewton}}) {
+            NewtonLevel& l = (*rows)[i];
+            add(name + level + "Use", &l.Use);
+            add(name + level + "Delta", &l.Delta);
+        }
+    }
+    add("GLSum", &o.GLSum);
+    return fields;
+}
+
+Status ReadOptionFile(FitOptions& options, const std::string& path) {
+    std::string bytes;
+    {
+        std::ifstream file(path, std::ios::binary);
+        if (!file) return Status::Error(msg::kErrorReadingFile);
+        bytes.resize(kOptionFileSize);
+        file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        bytes.resize(static_cast<std::size_t>(file.gcount()));
+    }
+    BinaryReader in(bytes);
+    const std::vector<OptionField> fields = OptionFileFields(options);
+    for (std::size_t k = 0; k < fields.size(); ++k) {
+        const OptionField& f = fields[k];
+        if (in.Remaining() < FieldSize(f.value)) {
+            // A file that ends after the level blocks keeps the previous GLSum.
+            if (k + 1 == fields.size()) break;
+            return Status::Error(msg::kErrorReadingFile);
+        }
+        if (auto* p = std::get_if<float*>(&f.value)) {
+            **p = in.F32();
+        } else {
+            *std::get<std::int16_t*>(f.value) = in.I16();
+        }
+    }
+    return Status::Ok();
+}
+
+Status WriteOptionFile(const FitOptions& options, const std::string& path) {
+    FitOptions copy = options;
+    const std::vector<OptionField> fields = OptionFileFields(copy);
+    const bool ok = WriteFileAtomically(path, [&fields](std::ostream& os) {
+        BinaryWriter out(os);
+        for (const OptionField& f : fields) {
+            if (auto* p = std::get_if<float*>(&f.value)) {
+                out.F32(**p);
+            } else {
+                out.I16(*std::get<std::int16_t*>(f.value));
+            }
+        }
+        return out.Good();
+    });
+    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+}
+
+}  // namespace molvera

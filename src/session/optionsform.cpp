@@ -1,0 +1,178 @@
+#include "session/optionsform.h"
+
+#include <cmath>
+
+#include "fileio/numtext.h"
+#include "fitting/optionfile.h"
+#include "model/messages.h"
+#include "model/records.h"
+
+namespace molvera {
+
+namespace {
+
+// One row kind of the dialog: its controls and the levels they edit.
+struct SearchRows {
+    std::array<bool, kLevels>& check;
+    std::array<std::string, kLevels>& range;
+    std::array<std::string, kLevels>& step;
+    std::array<SearchLevel, kLevels>& levels;
+    const char* rangePrefix;
+    const char* stepPrefix;
+};
+
+struct NewtonRows {
+    std::array<bool, kLevels>& check;
+    std::array<std::string, kLevels>& delta;
+    std::array<NewtonLevel, kLevels>& levels;
+    const char* deltaPrefix;
+};
+
+std::array<SearchRows, 3> SearchRowsOf(OptionsForm& f, FitOptions& o) {
+    return {{{f.PosSearchCheck, f.PosRange, f.PosStep, o.PositionSearch, msg::kPosRangePrefix,
+              msg::kPosStepPrefix},
+             {f.AreaSearchCheck, f.AreaRange, f.AreaStep, o.AreaSearch, msg::kAreaRangePrefix,
+              msg::kAreaStepPrefix},
+             {f.FWHMSearchCheck, f.FWHMRange, f.FWHMStep, o.FWHMSearch, msg::kFWHMRangePrefix,
+              msg::kFWHMStepPrefix}}};
+}
+
+std::array<NewtonRows, 3> NewtonRowsOf(OptionsForm& f, FitOptions& o) {
+    return {{{f.PosNewtonCheck, f.PosDelta, o.PositionNewton, msg::kPosDeltaPrefix},
+             {f.AreaNewtonCheck, f.AreaDelta, o.AreaNewton, msg::kAreaDeltaPrefix},
+             {f.FWHMNewtonCheck, f.FWHMDelta, o.FWHMNewton, msg::kFWHMDeltaPrefix}}};
+}
+
+// A trial count typed into a box: 1..200 after rounding halves to even.
+bool ReadTrials(const std::string& text, std::int16_t& target) {
+    const double n = RoundHalfEven(LeadingNumber(text));
+    if (!(n >= 1 && n <= 200)) return false;
+    target = static_cast<std::int16_t>(n);
+    return true;
+}
+
+// A range, step or delta: stored at once when it is a positive Single.
+bool ReadPositive(const std::string& text, float& target) {
+    const auto v = static_cast<float>(LeadingNumber(text));
+    if (!(v > 0) || !std::isfinite(v)) return false;
+    target = v;
+    return true;
+}
+
+Status MustBePositive(const char* prefix, int level) {
+    return Status::Error(std::string(prefix) + " " + std::to_string(level) + msg::kMustBePositiveSuffix);
+}
+
+}  // namespace
+
+void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
+    form.UseSearch = options.Method == 0;
+    form.UseNewton = !form.UseSearch;
+    form.SearchTrial = std::to_string(options.SearchTrials);
+    form.NewtonTrial = std::to_string(options.NewtonTrials);
+    form.TolVal = FormatTrimmed(static_cast<float>(static_cast<double>(options.Tolerance) * 100));
+    form.GLSum = options.GLSum != 0;
+    form.GLProduct = !form.GLSum;
+    form.AsymmetryFrameEnabled = form.GLSum;
+    FitOptions copy = options;
+    for (int i = 0; i < kLevels; ++i) {
+        for (SearchRows rows : SearchRowsOf(form, copy)) {
+            rows.check[i] = rows.levels[i].Use != 0;
+            rows.range[i] = FormatGeneral(rows.levels[i].Range);
+            rows.step[i] = FormatGeneral(rows.levels[i].Step);
+        }
+        for (NewtonRows rows : NewtonRowsOf(form, copy)) {
+            rows.check[i] = rows.levels[i].Use != 0;
+            rows.delta[i] = FormatGeneral(rows.levels[i].Delta);
+        }
+    }
+    form.Visible = true;
+}
+
+Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
+    options.Method = form.UseSearch ? 0.0f : 1.0f;
+    if (!ReadTrials(form.SearchTrial, options.SearchTrials)) return Status::Error(msg::kSearchTrialsRange);
+    if (!ReadTrials(form.NewtonTrial, options.NewtonTrials)) return Status::Error(msg::kNewtonTrialsRange);
+    const double t = LeadingNumber(form.TolVal);
+    if (!(t >= 0 && t <= 100)) return Status::Error(msg::kToleranceRange);
+    options.Tolerance = static_cast<float>(t / 100);
+
+    for (int i = 0; i < kLevels; ++i) {
+        const int level = i + 1;
+        for (SearchRows rows : SearchRowsOf(form, options)) {
+            SearchLevel& l = rows.levels[i];
+            if (!rows.check[i]) {
+                l.Use = kFalse;
+                continue;
+            }
+            l.Use = kTrue;
+            if (!ReadPositive(rows.range[i], l.Range)) return MustBePositive(rows.rangePrefix, level);
+            if (!ReadPositive(rows.step[i], l.Step)) return MustBePositive(rows.stepPrefix, level);
+        }
+        for (NewtonRows rows : NewtonRowsOf(form, options)) {
+            NewtonLevel& l = rows.levels[i];
+            if (!rows.check[i]) {
+                l.Use = kFalse;
+                continue;
+            }
+            l.Use = kTrue;
+            if (!ReadPositive(rows.delta[i], l.Delta)) return MustBePositive(rows.deltaPrefix, level);
+        }
+    }
+    form.Visible = false;
+    return Status::Ok();
+}
+
+void UseNewtonClick(OptionsForm& form, FitOptions& options) {
+    options.Method = form.UseNewton ? 1.0f : 0.0f;
+    form.UseSearch = !form.UseNewton;
+}
+
+void UseSearchClick(OptionsForm& form, FitOptions& options) {
+    options.Method = form.UseSearch ? 0.0f : 1.0f;
+    form.UseNewton = !form.UseSearch;
+}
+
+void GLSumClick(OptionsForm& form, FitOptions& options) {
+    options.GLSum = ToFlag(form.GLSum);
+    form.GLProduct = !form.GLSum;
+    form.AsymmetryFrameEnabled = form.GLSum;
+}
+
+void GLProductClick(OptionsForm& form, FitOptions& options) {
+    options.GLSum = ToFlag(!form.GLProduct);
+    form.GLSum = !form.GLProduct;
+    form.AsymmetryFrameEnabled = form.GLSum;
+}
+
+std::string ProposeOptionFileName(const std::string& lastFileName) {
+    const std::size_t dot = lastFileName.find('.');
+    if (dot == std::string::npos) return lastFileName;
+    return lastFileName.substr(0, dot + 1) + "opa";
+}
+
+Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
+                          Host& host) {
+    Status st = ReadOptionFile(options, path);
+    if (!st) {
+        host.Message(st.message());
+        return st;
+    }
+    FillOptionsDialog(options, form);
+    return st;
+}
+
+Status SaveOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
+                          Host& host) {
+    if (Status applied = ApplyOptionsDialog(form, options); !applied) host.Message(applied.message());
+    Status st = WriteOptionFile(options, path);
+    if (!st) host.Message(st.message());
+    return st;
+}
+
+void LoadDefaultOptions(const std::string& path, OptionsForm& form, FitOptions& options) {
+    if (ReadOptionFile(options, path)) FillOptionsDialog(options, form);
+    form.Visible = false;
+}
+
+}  // namespace molvera
