@@ -82,7 +82,9 @@ private:
     std::size_t cursor_ = 0;
 };
 
-std::string WithoutCR(std::string_view s) {
+// A text value without the blanks after "=" and without the CR of a CR LF line end.
+std::string TextValue(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
     if (!s.empty() && s.back() == '\r') s.remove_suffix(1);
     return std::string(s);
 }
@@ -126,7 +128,7 @@ Fit ReadFit(Scanner& s) {
     std::string values[kRegionValues + 1];
     for (int v = 1; v <= kRegionValues; ++v) values[v] = std::string(s.ValueAfterEquals());
     fit.regionNumber = ToInt16(LeadingNumber(values[1])).value_or(0);
-    fit.caption = WithoutCR(values[2]);
+    fit.caption = TextValue(values[2]);
     fit.low = static_cast<float>(Scanner::Number(values[4]));
     fit.high = static_cast<float>(Scanner::Number(values[5]));
     fit.type = values[8].find("SHI") != std::string::npos ? 0 : 1;
@@ -138,7 +140,7 @@ Fit ReadFit(Scanner& s) {
         std::string c[kComponentValues + 1];
         for (int v = 1; v <= kComponentValues; ++v) c[v] = std::string(s.ValueAfterEquals());
         Peak p;
-        p.Label = Text20::From(WithoutCR(c[1]));
+        p.Label = Text20::From(TextValue(c[1]));
         p.PercentGL = ShapeGL(c[2]);
         p.Position = static_cast<float>(Scanner::Number(c[13]));
         p.HeightPercent = static_cast<float>(Scanner::Number(c[19]));
@@ -161,7 +163,7 @@ KratosData Parse(std::string_view text) {
     s.Require("=");
     const auto n = ToInt16(Scanner::Number(s.ReadToLineEnd()));
     if (!n || *n < 1 || *n > kMaxPoints) throw ReadError("bad point count");
-    if (s.Find("Comment")) d.comment = WithoutCR(s.ValueAfterEquals());
+    if (s.Find("Comment")) d.comment = TextValue(s.ValueAfterEquals());
     s.Require("energy");
     s.Require("=");
     d.hv = static_cast<float>(Scanner::Number(s.ReadToLineEnd()));

@@ -1,0 +1,130 @@
+#include "fileio/asciiimport.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/import_test_util.h"
+#include "fileio/numtext.h"
+#include "model/messages.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+using test::RecordingHost;
+
+TEST(AsciiImport, RisingIsStoredFallingFallingAsRead) {
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("r.txt", "280 5\n281 6\n282 7\n")).ok());
+    EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 282, 281, 280}));
+    EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 7, 6, 5}));
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("f.txt", "282,7\r\n281,6\r\n280,5")).ok());
+    EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 282, 281, 280}));
+    EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 7, 6, 5}));
+    EXPECT_EQ(project.Regions[0].Caption.Str(), std::string(20, ' '));
+    EXPECT_TRUE(host.messages.empty());
+}
+
+TEST(AsciiImport, HeaderCommentsTabsSemicolonsAndBlankLinesAreTolerated) {
+    Project project;
+    RecordingHost host;
+    const std::string text =
+        "BE/eV,Intensity\n# measured 2 May, 1 scan\n// note 3\n\n290\t10\n289;11\n288 ;\t12\n"
+        "  287 , 13  \n# a comment between data lines\n286  14\n";
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("h.csv", text)).ok());
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.PointCount, 5);
+    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289, 288, 287, 286}));
+    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 10, 11, 12, 13, 14}));
+    EXPECT_EQ(r.MaxIntensity, 14);
+    EXPECT_EQ(r.MinBE, 286);
+}
+
+TEST(AsciiImport, SixThousandLinesKeep5000) {
+    std::string text;
+    for (int i = 0; i < 6000; ++i) text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("6000.txt", text)).ok());
+    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kOnly5000Points});
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.PointCount, 5000);
+    EXPECT_EQ(r.BindingEnergy[1], 5999);  // the first 5000 pairs, reversed
+    EXPECT_EQ(r.RawIntensity[5000], 0);
+}
+
+TEST(AsciiImport, RefusalsLeaveTheRegionAlone) {
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("ok.txt", "2 1\n1 1\n")).ok());
+    const Region before = project.Regions[0];
+    for (const char* text : {"", "only text\n", "1 2\n3\n"}) {
+        host.messages.clear();
+        const Status s = ReadAscii(project, host, test::WriteScratch("bad.txt", text));
+        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << text;
+        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFileImport});
+        EXPECT_EQ(project.Regions[0], before);
+    }
+    EXPECT_FALSE(ReadAscii(project, host, (test::ScratchDir() / "missing.txt").string()).ok());
+}
+
+TEST(AsciiImport, ReplacesTheCurrentRegionOnly) {
+    Project project;
+    RecordingHost host;
+    project.CurrentRegion = 4;
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("a.txt", "3 1\n2 1\n1 1\n")).ok());
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("b.txt", "9 1\n8 2\n")).ok());
+    EXPECT_EQ(project.Regions[4].PointCount, 2);
+    EXPECT_EQ(project.Regions[4].BindingEnergy.size(), 3u);
+    EXPECT_FALSE(IsSet(project.Regions[5].HasData));
+    EXPECT_EQ(project.CurrentRegion, 4);
+}
+
+// Real two-column files, checked against the file's own lines.
+void CheckRealCsv(const std::string& rel, int rows, double firstBE) {
+    const std::string path = test::RealFile(rel);
+    if (path.empty()) GTEST_SKIP() << rel << " is not available";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, path).ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.PointCount, rows);
+    EXPECT_FLOAT_EQ(r.BindingEnergy[1], static_cast<float>(firstBE));
+    const std::vector<std::string> lines = test::FileLines(path);  // line 0 is the header
+    for (int i : {1, 2, rows / 2, rows}) {
+        const std::string& line = lines.at(static_cast<std::size_t>(i));
+        const std::size_t comma = line.find(',');
+        EXPECT_EQ(r.BindingEnergy[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(0, comma))));
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(comma + 1))));
+    }
+}
+
+TEST(AsciiImportReal, VersaProbeCsvWithHeader) { CheckRealCsv("lg4x/C1s_sample.csv", 351, 301.5); }
+
+TEST(AsciiImportReal, SynchrotronCsvWithLF) { CheckRealCsv("lg4x/111216_0459_O1s.csv", 126, 546); }
+
+TEST(AsciiImportReal, SpecsXyTakesTheFirstSpectrum) {
+    const std::string path = test::RealFile("pynxtools-xps/MgFe2O4_small.xy");
+    if (path.empty()) GTEST_SKIP() << "MgFe2O4_small.xy is not available";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, path).ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.PointCount, 1351);  // the survey; the Fe 2p spectrum after it is not mixed in
+    const std::vector<std::string> lines = test::FileLines(path);
+    std::size_t first = 0;
+    while (lines.at(first).empty() || lines[first][0] == '#') ++first;
+    for (int i : {1, 2, 676, 1351}) {
+        const std::string& line = lines.at(first + static_cast<std::size_t>(i - 1));
+        const std::size_t gap = line.find("  ");
+        EXPECT_EQ(r.BindingEnergy[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(0, gap))));
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(gap))));
+    }
+    EXPECT_EQ(r.BindingEnergy[1351], 0);
+}
+
+}  // namespace
+}  // namespace molvera

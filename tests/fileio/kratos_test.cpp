@@ -1,0 +1,232 @@
+#include "fileio/kratos.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/import_test_util.h"
+#include "model/messages.h"
+#include "spectral/lineshape.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+using test::RecordingHost;
+
+// Binding energies 290 .. 280 in steps of 1 (hv 1486.6 minus rising kinetic energies).
+const std::vector<double> kCounts = {50, 52, 60, 80, 120, 100, 70, 55, 45, 42, 40};
+
+struct FitBlock {
+    std::string background = "Linear";
+    std::string low = "281";
+    std::string high = "289";
+    std::vector<std::string> shapes;
+    int declared = -1;  // component count written; -1: the number of shapes
+};
+
+std::string KratosFile(const FitBlock* fit, const std::string& comment = "Test sample",
+                       bool risingKinetic = true) {
+    std::string t = "Dataset:\tsample.des\r\nObject name:\tC 1s\r\n# ord = 11\r\n";
+    if (!comment.empty()) t += "Comment = " + comment + "\r\n";
+    t += "Excitation energy = 1486.6\r\n";
+    if (fit) {
+        t += "Regions\r\nRegion number = 3\r\nName = C 1s fit\r\nx = 0\r\nLow = " + fit->low + "\r\nHigh = " +
+             fit->high + "\r\nx = 0\r\nx = 0\r\nBackground = " + fit->background + "\r\nx = 0\r\nx = 0\r\nx = 0\r\n";
+        const int n = fit->declared >= 0 ? fit->declared : static_cast<int>(fit->shapes.size());
+        t += "Components = " + std::to_string(n) + "\r\nList =\r\n";
+        for (std::size_t c = 0; c < fit->shapes.size(); ++c) {
+            for (int v = 1; v <= 27; ++v) {
+                std::string value = "0";
+                if (v == 1) value = "C" + std::to_string(c);
+                if (v == 2) value = fit->shapes[c];
+                if (v == 13) value = std::to_string(283 + 2 * static_cast<int>(c));
+                if (v == 19) value = "50";
+                if (v == 25) value = "1.5";
+                t += "f" + std::to_string(v) + " = " + value + "\r\n";
+            }
+        }
+    }
+    t += "Energy (Counts)\r\n";
+    for (std::size_t i = 0; i < kCounts.size(); ++i) {
+        const int ke = risingKinetic ? 1196 + static_cast<int>(i) : 1206 - static_cast<int>(i);
+        t += "  " + std::to_string(ke) + ".6 " + std::to_string(static_cast<int>(kCounts[i])) + "\r\n";
+    }
+    return t;
+}
+
+TEST(Kratos, DataOnlyWithoutRegions) {
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("a.des", KratosFile(nullptr))).ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.PointCount, 11);
+    for (int i = 1; i <= 11; ++i) {
+        EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], 291 - i, 1e-3);
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], kCounts[static_cast<std::size_t>(i - 1)]);
+    }
+    EXPECT_TRUE(IsSet(r.HasData));
+    EXPECT_FALSE(IsSet(r.HasBackground));
+    EXPECT_EQ(r.PeakCount, 0);
+    EXPECT_EQ(project.Description, "Test sample");  // the description box was empty
+    EXPECT_NEAR(r.MaxBE, 290, 1e-3);
+    EXPECT_EQ(r.MaxIntensity, 120);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(host.regionWindowShows, 2);  // by the region deletion and at the end
+
+    // Falling kinetic energies keep the file's order (rising binding energies);
+    // a description already typed stays.
+    project.Description = "mine";
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("b.des", KratosFile(nullptr, "other", false))).ok());
+    EXPECT_NEAR(project.Regions[0].BindingEnergy[1], 280, 1e-3);
+    EXPECT_NEAR(project.Regions[0].BindingEnergy[11], 290, 1e-3);
+    EXPECT_EQ(project.Description, "mine");
+}
+
+TEST(Kratos, FitWithLinearBackgroundAndThreeShapes) {
+    Project project;
+    RecordingHost host;
+    project.CurrentRegion = 2;
+    project.Peaks[1].InUse = kTrue;  // a peak of another region: skipped
+    project.Peaks[1].Region = 5;
+    FitBlock fit;
+    fit.background = "Linear";
+    fit.low = "289";  // given the wrong way round: swapped
+    fit.high = "281";
+    fit.shapes = {"Gau/Lor mix", "Lorentzian", "GL(30)"};
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("f.des", KratosFile(&fit))).ok());
+    const Region& r = project.Regions[2];
+    EXPECT_TRUE(IsSet(r.HasBackground));
+    EXPECT_EQ(r.ImportRegionNumber, 3);
+    EXPECT_EQ(r.Caption.Str(), "C 1s fit            ");
+    EXPECT_EQ(r.BackgroundType, 1);
+    EXPECT_EQ(r.BackgroundLowBE, 281);
+    EXPECT_EQ(r.BackgroundHighBE, 289);
+    EXPECT_EQ(r.PeakCount, 3);
+    EXPECT_EQ(project.TotalPeakCount, 3);
+    const Int16 expectedSlots[] = {0, 2, 3};
+    const Int16 expectedGL[] = {0, 100, 30};
+    for (int k = 0; k < 3; ++k) {
+        const Int16 slot = r.PeakIndex[static_cast<std::size_t>(k)];
+        EXPECT_EQ(slot, expectedSlots[k]);
+        const Peak& p = project.Peaks[static_cast<std::size_t>(slot)];
+        EXPECT_TRUE(IsSet(p.InUse));
+        EXPECT_EQ(p.Region, 2);
+        EXPECT_EQ(p.Label.Str().substr(0, 3), "C" + std::to_string(k) + " ");
+        EXPECT_EQ(p.PercentGL, expectedGL[k]);
+        EXPECT_EQ(p.Position, 283 + 2 * k);
+        EXPECT_EQ(p.HeightPercent, 50);
+        EXPECT_EQ(p.FWHM, 1.5f);
+        EXPECT_EQ(p.PeakType, 1);
+        EXPECT_EQ(p.FixGL, 1);
+        EXPECT_EQ(p.FixPosition, 0);
+        EXPECT_EQ(p.TailLength, 1.0f);
+        EXPECT_EQ(p.Curve.size(), 10u);
+        EXPECT_EQ(host.peakButtons[20 + k].caption, std::to_string(slot));
+        EXPECT_TRUE(host.peakButtons[20 + k].enabled);
+    }
+    // Range: BE 289 is point 2, BE 281 point 10, nine points.
+    EXPECT_EQ(r.RangeStart, 2);
+    EXPECT_EQ(r.RangeEnd, 10);
+    EXPECT_EQ(r.RangeCount, 9);
+    // Linear background from 52 down to 42, net maximum 120 - 48.25 at point 4 of the range.
+    for (int k = 1; k <= 9; ++k)
+        EXPECT_NEAR(r.BackgroundCurve[static_cast<std::size_t>(k)], 52 - 1.25 * (k - 1), 1e-4) << k;
+    EXPECT_NEAR(r.NetMax, 71.75, 1e-4);
+    EXPECT_NEAR(r.NetMin, 0, 1e-4);
+    EXPECT_NEAR(r.NetScale, 0.7175, 1e-6);
+    // A peak of 50 % is 35.875 counts high: its area follows from that height.
+    const Peak& p0 = project.Peaks[0];
+    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, 1, 0, 1.0));
+    EXPECT_GT(p0.Area, 35.875f * 1.5f);  // a Gaussian of height h and width w: 1.0645 h w
+    EXPECT_LT(p0.Area, 35.875f * 1.5f * 1.1f);
+    EXPECT_TRUE(std::isfinite(r.ChiSquare));
+    EXPECT_GT(r.ChiSquare, 0);
+}
+
+TEST(Kratos, ShirleyBackgroundMeetsBothEnds) {
+    Project project;
+    RecordingHost host;
+    FitBlock fit;
+    fit.background = "SHIRLEY";
+    fit.shapes = {"Gaussian"};
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("s.des", KratosFile(&fit))).ok());
+    const Region& r = project.Regions[0];
+    EXPECT_EQ(r.BackgroundType, 0);
+    EXPECT_NEAR(r.BackgroundCurve[1], 52, 1e-3);
+    EXPECT_NEAR(r.BackgroundCurve[9], 42, 1e-3);
+    // Falls from the high to the low binding-energy end, and is not the straight line.
+    for (int k = 2; k <= 9; ++k)
+        EXPECT_LE(r.BackgroundCurve[static_cast<std::size_t>(k)], r.BackgroundCurve[static_cast<std::size_t>(k - 1)]);
+    EXPECT_GT(std::fabs(r.BackgroundCurve[5] - 47), 0.1);
+}
+
+TEST(Kratos, FitWithoutComponentsHasNoBackground) {
+    Project project;
+    RecordingHost host;
+    FitBlock fit;
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("z.des", KratosFile(&fit))).ok());
+    EXPECT_FALSE(IsSet(project.Regions[0].HasBackground));
+    EXPECT_EQ(project.Regions[0].Caption.Str(), "C 1s fit            ");
+    EXPECT_EQ(project.Regions[0].PointCount, 11);
+}
+
+TEST(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
+    Project project;
+    RecordingHost host;
+    FitBlock good;
+    good.shapes = {"Gau", "Lo"};
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("g.des", KratosFile(&good))).ok());
+
+    std::vector<std::string> bad;
+    FitBlock eleven;
+    eleven.shapes.assign(11, "Gau");
+    bad.push_back(KratosFile(&eleven));
+    FitBlock shortFit;
+    shortFit.shapes = {"Gau"};
+    shortFit.declared = 2;  // the second component block is missing
+    bad.push_back(KratosFile(&shortFit));
+    const std::string full = KratosFile(nullptr);
+    for (const char* keyword : {"Dataset:", "Object name:", "# ord", "energy", "(Counts)"}) {
+        std::string t = full;
+        const std::size_t at = t.find(keyword);
+        t.replace(at, std::string(keyword).size(), "xx");
+        bad.push_back(t);
+    }
+    bad.push_back(full.substr(0, full.size() - 20));  // ends inside the data
+    std::string ord = full;
+    ord.replace(ord.find("= 11"), 4, "= 6000");
+    bad.push_back(ord);
+    bad.push_back(full + std::string(513024, ' '));  // longer than the buffer
+
+    for (std::size_t i = 0; i < bad.size(); ++i) {
+        const Project before = project;
+        host.messages.clear();
+        const Status s = ReadKratos(project, host, test::WriteScratch("bad.des", bad[i]));
+        EXPECT_EQ(s.message(), msg::kErrorReadingFile) << "case " << i;
+        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFile});
+        EXPECT_EQ(project.Regions, before.Regions) << "case " << i;
+        EXPECT_EQ(project.Peaks, before.Peaks) << "case " << i;
+    }
+}
+
+TEST(Kratos, NoFreePeakSlotRefuses) {
+    Project project;
+    RecordingHost host;
+    for (int s = 0; s < kPeakSlots - 1; ++s) {
+        project.Peaks[static_cast<std::size_t>(s)].InUse = kTrue;
+        project.Peaks[static_cast<std::size_t>(s)].Region = 9;
+    }
+    FitBlock fit;
+    fit.shapes = {"Gau", "Gau"};
+    EXPECT_EQ(ReadKratos(project, host, test::WriteScratch("n.des", KratosFile(&fit))).message(), msg::kErrorReadingFile);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    fit.shapes = {"Gau"};
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("o.des", KratosFile(&fit))).ok());
+    EXPECT_EQ(project.Regions[0].PeakIndex[0], 50);
+}
+
+}  // namespace
+}  // namespace molvera

@@ -1,0 +1,185 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fileio/import_test_util.h"
+#include "fileio/leybold.h"
+#include "fileio/phi.h"
+#include "fileio/kratos.h"
+#include "model/messages.h"
+#include "support/recording_host.h"
+
+namespace molvera {
+namespace {
+
+using test::RecordingHost;
+
+const std::string kTooManyPoints = "Too many points.  Only 5000 points have been read.";
+
+// One Leybold region: a skipped item, the caption, "Points = n", then the pairs.
+std::string LeyboldRegion(const std::string& caption, int n, double first, double step, int skipped = 1) {
+    std::string t = std::to_string(skipped) + "\n" + caption + "\nPoints = " + std::to_string(n) + "\n";
+    for (int i = 0; i < n; ++i) t += std::to_string(first + i * step) + ", " + std::to_string(10 + i) + "\n";
+    return t;
+}
+
+std::string LeyboldFile(int regions, int points = 3) {
+    std::string t = "\"Sample, annealed\"\nRegions = " + std::to_string(regions) + "\n";
+    for (int k = 0; k < regions; ++k) t += LeyboldRegion("Region " + std::to_string(k), points, 100 + k, -1);
+    return t;
+}
+
+TEST(Leybold, ReadsRegionsDescriptionAndCaptions) {
+    Project project;
+    RecordingHost host;
+    std::string t = "\"Sample, annealed\"\nRegions = 2\n" + LeyboldRegion("C 1s", 3, 280, 1) +
+                    LeyboldRegion("O 1s", 2, 531, -1);
+    ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("a.dat", t)).ok());
+    EXPECT_EQ(project.Description, "Sample, annealed");
+    EXPECT_EQ(host.description, "Sample, annealed");
+    const Region& a = project.Regions[0];
+    EXPECT_EQ(a.Caption.Str(), "C 1s                ");
+    EXPECT_EQ(a.BindingEnergy, (SingleArray{0, 282, 281, 280}));  // rising file, stored falling
+    EXPECT_EQ(a.RawIntensity, (SingleArray{0, 12, 11, 10}));
+    const Region& b = project.Regions[1];
+    EXPECT_EQ(b.BindingEnergy, (SingleArray{0, 531, 530}));
+    EXPECT_EQ(b.RawIntensity, (SingleArray{0, 10, 11}));
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_EQ(project.CurrentRegion, 0);
+}
+
+TEST(Leybold, SixThousandPointsThenTheNextRegion) {
+    Project project;
+    RecordingHost host;
+    std::string t = "d\nRegions = 2\n" + LeyboldRegion("big", 6000, 6000, -1) + LeyboldRegion("next", 2, 9, -1);
+    ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("big.dat", t)).ok());
+    EXPECT_EQ(host.messages, std::vector<std::string>{kTooManyPoints});
+    EXPECT_EQ(project.Regions[0].PointCount, 5000);
+    EXPECT_EQ(project.Regions[0].BindingEnergy[5000], 1001);
+    EXPECT_EQ(project.Regions[1].Caption.Str().substr(0, 4), "next");
+    EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 9, 8}));
+}
+
+TEST(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
+    for (int regions : {10, 11}) {
+        Project project;
+        RecordingHost host;
+        ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("n.dat", LeyboldFile(regions))).ok());
+        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kTooManyRegions}) << regions;
+        for (int k = 0; k < 10; ++k) EXPECT_EQ(project.Regions[static_cast<std::size_t>(k)].BindingEnergy[1], 100 + k);
+        EXPECT_EQ(project.CurrentRegion, 0);
+    }
+}
+
+TEST(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
+    Project project;
+    RecordingHost host;
+    // A fitted Kratos spectrum with two peaks in slot 8.
+    std::string k = "Dataset:\tx\nObject name:\ty\n# ord = 5\nSource energy = 100\nRegions\n";
+    const char* region[] = {"1", "C", "0", "92", "98", "0", "0", "Shirley", "0", "0", "0", "2"};
+    for (const char* v : region) k += std::string("v = ") + v + "\n";
+    k += "components =\n";
+    for (int c = 0; c < 2; ++c)
+        for (int v = 1; v <= 27; ++v) k += "v = " + std::string(v == 2 ? "Gau" : v == 13 ? "95" : v == 25 ? "1" : "50") + "\n";
+    k += "(Counts)\n1 1\n3 4\n5 9\n7 4\n9 1\n";
+    project.CurrentRegion = 8;
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("k.des", k)).ok());
+    ASSERT_TRUE(IsSet(project.Peaks[0].InUse));
+    ASSERT_TRUE(IsSet(project.Peaks[1].InUse));
+
+    project.CurrentRegion = 7;
+    ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("w.dat", LeyboldFile(5))).ok());
+    const int slots[] = {7, 8, 9, 0, 1};
+    for (int i = 0; i < 5; ++i) {
+        const Region& r = project.Regions[static_cast<std::size_t>(slots[i])];
+        EXPECT_EQ(r.BindingEnergy[1], 100 + i);
+        EXPECT_EQ(r.PointCount, 3);
+        EXPECT_FALSE(IsSet(r.HasBackground));
+        EXPECT_EQ(r.PeakCount, 0);
+    }
+    EXPECT_FALSE(IsSet(project.Peaks[0].InUse));
+    EXPECT_FALSE(IsSet(project.Peaks[1].InUse));
+    EXPECT_EQ(project.CurrentRegion, 7);
+    EXPECT_EQ(project.Regions[8].Caption.Str().substr(0, 8), "Region 1");
+}
+
+TEST(Leybold, DamagedFiles) {
+    const std::string good = LeyboldFile(2);
+    struct Case {
+        std::string text;
+        bool keepsFirst;
+    };
+    const Case cases[] = {
+        {"", false},
+        {"desc\nRegions = many\n", false},
+        {"desc\nRegions = 1\n1\nC\nPoints = 1000000000\n1, 2\n", false},
+        {"desc\nRegions = 1\n1\nC\nPoints = 3\n1, 2\n2, x\n3, 4\n", false},
+        {good.substr(0, good.size() - 8), true},  // ends inside the second region
+    };
+    for (const Case& c : cases) {
+        Project project;
+        RecordingHost host;
+        const Status s = ReadLeybold(project, host, test::WriteScratch("bad.dat", c.text));
+        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << c.text;
+        EXPECT_EQ(host.messages.back(), msg::kErrorReadingFileImport);
+        EXPECT_EQ(IsSet(project.Regions[0].HasData), c.keepsFirst) << c.text;
+        EXPECT_FALSE(IsSet(project.Regions[1].HasData));
+        EXPECT_EQ(project.Description.empty(), !c.keepsFirst);
+    }
+}
+
+// One Phi region: description items, caption, unused, start, step, count, values, unused.
+std::string PhiRegion(const std::string& caption, int n, double start, double step) {
+    std::string t = "Phi 5600, \"Sample 7\"\n" + caption + "\n1 " + std::to_string(start) + " " +
+                    std::to_string(step) + " " + std::to_string(n) + "\n";
+    for (int i = 0; i < n; ++i) t += std::to_string(20 + i) + (i % 4 == 3 ? "\n" : " ");
+    return t + "\n0\n";
+}
+
+TEST(Phi, RegionsWithRisingAndFallingEnergies) {
+    Project project;
+    RecordingHost host;
+    const std::string t = PhiRegion("C 1s", 3, 280, 0.5) + PhiRegion("O 1s", 3, 535, -1);
+    ASSERT_TRUE(ReadPhi(project, host, test::WriteScratch("a.asc", t)).ok());
+    EXPECT_EQ(project.Description, "Phi 5600 Sample 7");
+    EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 281, 280.5, 280}));
+    EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 22, 21, 20}));
+    EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 535, 534, 533}));
+    EXPECT_EQ(project.Regions[1].RawIntensity, (SingleArray{0, 20, 21, 22}));
+    EXPECT_EQ(project.Regions[1].Caption.Str().substr(0, 5), "O 1s ");
+    EXPECT_FALSE(IsSet(project.Regions[2].HasData));
+    EXPECT_TRUE(host.messages.empty());
+}
+
+TEST(Phi, OverflowAndTooManyRegions) {
+    Project project;
+    RecordingHost host;
+    std::string t = PhiRegion("big", 6000, 0, 1);
+    for (int k = 0; k < 10; ++k) t += PhiRegion("r" + std::to_string(k), 2, 10 + k, -1);
+    project.CurrentRegion = 3;
+    ASSERT_TRUE(ReadPhi(project, host, test::WriteScratch("b.asc", t)).ok());
+    EXPECT_EQ(host.messages, (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
+    EXPECT_EQ(project.Regions[3].PointCount, 5000);
+    EXPECT_EQ(project.Regions[3].BindingEnergy[1], 4999);
+    EXPECT_EQ(project.Regions[4].BindingEnergy[1], 10);  // read correctly after the overflow
+    EXPECT_EQ(project.Regions[2].BindingEnergy[1], 18);  // wrapped: the ninth small region
+    EXPECT_EQ(project.CurrentRegion, 3);
+}
+
+TEST(Phi, DamagedFilesAndTheMultiPakTextExport) {
+    Project project;
+    RecordingHost host;
+    const std::string full = PhiRegion("C", 8, 1, 1);
+    EXPECT_EQ(ReadPhi(project, host, test::WriteScratch("c.asc", full.substr(0, full.size() - 12))).message(),
+              msg::kErrorReadingFileImport);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    const std::string multipak = test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
+    if (multipak.empty()) GTEST_SKIP() << "the MultiPak text export is not available";
+    const Status s = ReadPhi(project, host, multipak);
+    EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+}
+
+}  // namespace
+}  // namespace molvera
