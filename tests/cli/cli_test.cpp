@@ -1,0 +1,169 @@
+// molvera-cli run as a process, as scripts use it.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/jsondump.h"
+#include "support/paths.h"
+
+namespace molvera::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CliRun {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+std::string Slurp(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    std::stringstream ss;
+    ss << in.rdbuf();
+    return ss.str();
+}
+
+class Cli : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = ScratchDir();
+        fs::copy_file(fs::path(MOLVERA_SOURCE_DIR) / "default.opa", dir / "default.opa");
+        spectrum = DataFile("real/lg4x/C1s_sample.csv");
+    }
+    // Runs molvera-cli in the scratch folder with `args` (already shell-quoted).
+    CliRun Cmd(const std::string& args) {
+        const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args +
+                                " > out.txt 2> err.txt";
+        int status = std::system(cmd.c_str());
+        return {WEXITSTATUS(status), Slurp(dir / "out.txt"), Slurp(dir / "err.txt")};
+    }
+    // A region 1 with a Shirley background and three peaks.
+    void BuildFit() {
+        ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o p.xps").code, 0);
+        ASSERT_EQ(Cmd("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps").code, 0);
+        for (const char* pos : {"284.5", "286", "288.5"})
+            ASSERT_EQ(Cmd(std::string("add-peak p.xps --region 1 --position ") + pos + " --fwhm 1.2 -o p.xps").code, 0);
+    }
+    fs::path dir;
+    std::string spectrum;
+};
+
+TEST_F(Cli, ImportPrintsTheFilledRegion) {
+    CliRun r = Cmd("import ascii '" + spectrum + "' --region 3 -o a.xps");
+    ASSERT_EQ(r.code, 0) << r.err;
+    // The file runs from 301.5 down to 266.5 eV in 351 rows after its header line.
+    EXPECT_EQ(r.out, "region 3: \"\", 351 points, 301.5 .. 266.5 eV\n");
+    auto j = nlohmann::json::parse(Cmd("dump a.xps").out);
+    const auto& region = j["Regions"][2];
+    EXPECT_EQ(region["HasData"], -1);
+    EXPECT_EQ(region["PointCount"], 351);
+    EXPECT_EQ(region["BindingEnergy"].size(), 352u);  // element 0 is allocated, unused
+    EXPECT_FLOAT_EQ(region["BindingEnergy"][1].get<float>(), 301.5f);
+    EXPECT_FLOAT_EQ(region["BindingEnergy"][351].get<float>(), 266.5f);
+    EXPECT_EQ(j["CurrentRegion"], 2);
+}
+
+TEST_F(Cli, AddPeakPrintsSlotsAndEditKeepsUntouchedValuesExactly) {
+    BuildFit();
+    CliRun r = Cmd("add-peak p.xps --region 1 --position 290.123 --fwhm 0.3 --gl 30 --fix position -o q.xps");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(r.out, "3\n");
+    auto j = nlohmann::json::parse(Cmd("dump q.xps").out);
+    const auto& peak = j["Peaks"][3];
+    EXPECT_FLOAT_EQ(peak["Position"].get<float>(), 290.123f);  // not rounded to the scroll bar
+    EXPECT_FLOAT_EQ(peak["FWHM"].get<float>(), 0.3f);          // not raised to 0.5
+    EXPECT_EQ(peak["PercentGL"], 30);
+    EXPECT_EQ(peak["FixPosition"], 1);
+    ASSERT_EQ(Cmd("edit-peak q.xps --peak 3 --free position --area 500 -o r.xps").code, 0);
+    auto k = nlohmann::json::parse(Cmd("dump r.xps").out);
+    EXPECT_FLOAT_EQ(k["Peaks"][3]["Position"].get<float>(), 290.123f);
+    EXPECT_FLOAT_EQ(k["Peaks"][3]["Area"].get<float>(), 500.0f);
+    EXPECT_EQ(k["Peaks"][3]["FixPosition"], 0);
+}
+
+TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
+    ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o a.xps").code, 0);
+    // Low BE below the data: the background dialog refuses.
+    CliRun r = Cmd("background a.xps --region 1 --type shirley --low 100 --high 295 -o b.xps");
+    EXPECT_NE(r.code, 0);
+    EXPECT_FALSE(fs::exists(dir / "b.xps"));
+    // Add Peak without a background.
+    r = Cmd("add-peak a.xps --region 1 -o b.xps");
+    EXPECT_NE(r.code, 0);
+    EXPECT_FALSE(fs::exists(dir / "b.xps"));
+    // An option file check with its exact message.
+    r = Cmd("options --search-trials 201 --newton-trials 5 -o x.opa");
+    EXPECT_NE(r.code, 0);
+    EXPECT_EQ(r.err, "No. of trials for Search method must be in the range 1-200\n");
+    EXPECT_FALSE(fs::exists(dir / "x.opa"));
+    // A file that is not a project.
+    std::ofstream(dir / "junk.xps") << "not a project";
+    r = Cmd("dump junk.xps");
+    EXPECT_NE(r.code, 0);
+    EXPECT_EQ(r.err, "Wrong file format\n");
+    // Usage errors.
+    EXPECT_EQ(Cmd("frobnicate").code, 2);
+    EXPECT_EQ(Cmd("dump a.xps --bogus 1").code, 2);
+}
+
+TEST_F(Cli, ConstrainRefusesSelfReference) {
+    BuildFit();
+    CliRun r = Cmd("constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o q.xps");
+    EXPECT_NE(r.code, 0);
+    EXPECT_EQ(r.err, "Wrong Reference Peak\n");
+    r = Cmd("constrain p.xps --peak 1 --param position --link 0 --op + --arg 1.5 -o q.xps");
+    ASSERT_EQ(r.code, 0) << r.err;
+    auto j = nlohmann::json::parse(Cmd("dump q.xps").out);
+    EXPECT_EQ(j["Constraints"][1]["Position"]["Linked"], -1);
+    EXPECT_EQ(j["Constraints"][0]["Position"]["IsReference"], -1);
+}
+
+TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
+    BuildFit();
+    CliRun fit = Cmd("fit p.xps --region 1 -o f.xps");
+    ASSERT_EQ(fit.code, 0) << fit.err;
+    float before = 0, after = 0;
+    ASSERT_EQ(std::sscanf(fit.out.c_str(), "chi-square before %f\nchi-square after %f", &before, &after), 2)
+        << fit.out;
+    EXPECT_LT(after, before / 10);
+    ASSERT_EQ(Cmd("save f.xps -o g.xps").code, 0);
+    EXPECT_EQ(Slurp(dir / "f.xps"), Slurp(dir / "g.xps"));
+    EXPECT_EQ(Cmd("dump f.xps").out, Cmd("dump g.xps").out);
+    ASSERT_EQ(Cmd("export-spectrum f.xps --region 1 -o f.dat").code, 0);
+    ASSERT_EQ(Cmd("export-spectrum g.xps --region 1 -o g.dat").code, 0);
+    EXPECT_EQ(Slurp(dir / "f.dat"), Slurp(dir / "g.dat"));
+}
+
+TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
+    CliRun r = Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
+                "--pos-newton 2:0.05 --gl-sum -o o.opa");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_EQ(fs::file_size(dir / "o.opa"), 206u);
+    auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);
+    EXPECT_EQ(j["Method"], 1.0);
+    EXPECT_EQ(j["SearchTrials"], 2);  // 2.5 rounds half to even
+    EXPECT_EQ(j["NewtonTrials"], 7);
+    EXPECT_FLOAT_EQ(j["Tolerance"].get<float>(), 0.0001f);
+    EXPECT_EQ(j["PositionNewton"][1]["Use"], -1);
+    EXPECT_FLOAT_EQ(j["PositionNewton"][1]["Delta"].get<float>(), 0.05f);
+    EXPECT_EQ(j["GLSum"], -1);
+}
+
+TEST(JsonFloat, ReadsBackToTheSameSingle) {
+    for (float f : {0.1f, 284.57f, 1.0f / 3.0f, 3.4028235e38f, 1.0e-45f, -2.5f}) {
+        nlohmann::json j = cli::FloatJson(f);
+        float back = static_cast<float>(nlohmann::json::parse(j.dump()).get<double>());
+        EXPECT_EQ(back, f);
+    }
+    EXPECT_EQ(cli::FloatJson(std::numeric_limits<float>::quiet_NaN()), "NaN");
+}
+
+}  // namespace
+}  // namespace molvera::test
