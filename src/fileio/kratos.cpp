@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fileio/binstream.h"
-#include "fileio/itemreader.h"
+#include "fileio/importstore.h"
 #include "fileio/numtext.h"
 #include "model/messages.h"
 #include "model/project.h"
@@ -56,7 +56,7 @@ public:
         return line;
     }
 
-    std::string_view ValueAfterEquals() {
+    std::string_view TextAfterEquals() {
         Require("=");
         return ReadToLineEnd();
     }
@@ -126,7 +126,7 @@ struct KratosData {
 Fit ReadFit(Scanner& s) {
     Fit fit;
     std::string values[kRegionValues + 1];
-    for (int v = 1; v <= kRegionValues; ++v) values[v] = std::string(s.ValueAfterEquals());
+    for (int v = 1; v <= kRegionValues; ++v) values[v] = std::string(s.TextAfterEquals());
     fit.regionNumber = ToInt16(LeadingNumber(values[1])).value_or(0);
     fit.caption = TextValue(values[2]);
     fit.low = static_cast<float>(Scanner::Number(values[4]));
@@ -138,7 +138,7 @@ Fit ReadFit(Scanner& s) {
     s.Require("=");
     for (int k = 0; k < *count; ++k) {
         std::string c[kComponentValues + 1];
-        for (int v = 1; v <= kComponentValues; ++v) c[v] = std::string(s.ValueAfterEquals());
+        for (int v = 1; v <= kComponentValues; ++v) c[v] = std::string(s.TextAfterEquals());
         Peak p;
         p.Label = Text20::From(TextValue(c[1]));
         p.PercentGL = ShapeGL(c[2]);
@@ -163,7 +163,7 @@ KratosData Parse(std::string_view text) {
     s.Require("=");
     const auto n = ToInt16(Scanner::Number(s.ReadToLineEnd()));
     if (!n || *n < 1 || *n > kMaxPoints) throw ReadError("bad point count");
-    if (s.Find("Comment")) d.comment = TextValue(s.ValueAfterEquals());
+    if (s.Find("Comment")) d.comment = TextValue(s.TextAfterEquals());
     s.Require("energy");
     s.Require("=");
     d.hv = static_cast<float>(Scanner::Number(s.ReadToLineEnd()));

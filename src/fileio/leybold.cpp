@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "fileio/binstream.h"
+#include "fileio/importstore.h"
 #include "fileio/itemreader.h"
 #include "model/messages.h"
 #include "model/regionops.h"

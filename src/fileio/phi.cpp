@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "fileio/binstream.h"
+#include "fileio/importstore.h"
 #include "fileio/itemreader.h"
 #include "fileio/numtext.h"
 #include "model/messages.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fileio/binstream.h"
-#include "fileio/itemreader.h"
+#include "fileio/importstore.h"
 #include "fileio/numtext.h"
 #include "model/messages.h"
 #include "model/regionops.h"

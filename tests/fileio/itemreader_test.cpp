@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "model/project.h"
-#include "support/recording_host.h"
 
 namespace molvera {
 namespace {
@@ -45,32 +43,6 @@ TEST(ItemReader, ValueAfterEquals) {
     EXPECT_EQ(ValueAfterEquals("a=2.5=9"), Int16{2});  // halves to even, first "=" only
     EXPECT_EQ(ValueAfterEquals("42"), Int16{42});
     EXPECT_FALSE(ValueAfterEquals("n=1e9").has_value());
-}
-
-TEST(ItemReader, StoreSpectrumOrdersAndSetsExtents) {
-    Project project;
-    ImportedSpectrum s;
-    s.caption = "a caption longer than twenty";
-    s.energy = {1, 2, 3};
-    s.intensity = {10, 30, 20};
-    StoreSpectrum(project, s, SortRule::ReverseIfRising);
-    const Region& r = project.Regions[0];
-    EXPECT_EQ(r.PointCount, 3);
-    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 3, 2, 1}));
-    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 20, 30, 10}));
-    EXPECT_EQ(r.Caption.Str(), "a caption longer tha");
-    EXPECT_EQ(r.MaxBE, 3);
-    EXPECT_EQ(r.MinBE, 1);
-    EXPECT_EQ(r.MaxIntensity, 30);
-    EXPECT_EQ(r.MinIntensity, 10);
-    EXPECT_TRUE(IsSet(r.HasData));
-
-    // Equal end energies: the two rules differ.
-    s.energy = {5, 4, 5};
-    StoreSpectrum(project, s, SortRule::ReverseIfRising);
-    EXPECT_EQ(project.Regions[0].RawIntensity[1], 10);
-    StoreSpectrum(project, s, SortRule::ReverseUnlessFalling);
-    EXPECT_EQ(project.Regions[0].RawIntensity[1], 20);
 }
 
 }  // namespace
