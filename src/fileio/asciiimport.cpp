@@ -1,5 +1,7 @@
 #include "fileio/asciiimport.h"
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "fileio/binstream.h"
@@ -18,19 +20,19 @@ bool IsCommentLine(std::string_view line) {
     return line[i] == '#' || line.substr(i, 2) == "//";
 }
 
-// The items of one line, or nothing when the line holds no number.
-std::vector<std::string> DataItems(std::string_view line) {
-    std::vector<std::string> items;
-    if (IsCommentLine(line)) return items;
+// The pair of a data line: its first two items, the first starting with a number.
+// Other lines (headers, comments, "Key: value" lines, lone numbers) give nothing.
+std::optional<std::pair<float, float>> DataPair(std::string_view line) {
+    if (IsCommentLine(line)) return std::nullopt;
     ItemReader reader(line, true);
-    bool anyNumber = false;
-    while (auto item = reader.NumberItem()) {
-        if (item->empty()) continue;  // doubled separators
-        if (LeadingNumberLength(*item) > 0) anyNumber = true;
-        items.push_back(std::move(*item));
+    std::vector<std::string> items;
+    while (items.size() < 2) {
+        const auto item = reader.NumberItem();
+        if (!item) break;
+        if (!item->empty()) items.push_back(*item);  // doubled separators give empty items
     }
-    if (!anyNumber) items.clear();
-    return items;
+    if (items.size() < 2 || LeadingNumberLength(items[0]) == 0) return std::nullopt;
+    return std::make_pair(static_cast<float>(LeadingNumber(items[0])), static_cast<float>(LeadingNumber(items[1])));
 }
 
 // True when `energy` runs against the direction of the energies read so far: after
@@ -49,44 +51,30 @@ Status ReadAscii(Project& project, Host& host, const std::string& path) {
 
     ImportedSpectrum s;
     bool more = false;         // pairs beyond the 5000th
-    bool nextBlock = false;    // a second spectrum begins
     bool interrupted = false;  // a skipped text line since the last pair
-    bool havePending = false;
-    float pending = 0;
     std::size_t pos = 0;
-    while (pos < text.size() && !more && !nextBlock) {
+    while (pos < text.size()) {
         std::size_t end = text.find_first_of("\r\n", pos);
         if (end == std::string::npos) end = text.size();
         const std::string_view line(text.data() + pos, end - pos);
         pos = end;
         if (pos < text.size() && text[pos] == '\r') ++pos;
         if (pos < text.size() && text[pos] == '\n') ++pos;
-        const std::vector<std::string> items = DataItems(line);
-        if (items.empty() && !s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos)
-            interrupted = true;
-        for (const std::string& item : items) {
-            const auto value = static_cast<float>(LeadingNumber(item));
-            if (!havePending) {
-                pending = value;
-                havePending = true;
-                continue;
-            }
-            havePending = false;
-            if (interrupted && StartsAgain(s.energy, pending)) {
-                nextBlock = true;
-                break;
-            }
-            interrupted = false;
-            if (s.energy.size() == static_cast<std::size_t>(kMaxPoints)) {
-                more = true;
-                break;
-            }
-            s.energy.push_back(pending);
-            s.intensity.push_back(value);
+        const auto pair = DataPair(line);
+        if (!pair) {
+            if (!s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos) interrupted = true;
+            continue;
         }
+        if (interrupted && StartsAgain(s.energy, pair->first)) break;
+        interrupted = false;
+        if (s.energy.size() == static_cast<std::size_t>(kMaxPoints)) {
+            more = true;
+            break;
+        }
+        s.energy.push_back(pair->first);
+        s.intensity.push_back(pair->second);
     }
-    // A file without a pair, or ending in the middle of one, is refused.
-    if (s.energy.empty() || (havePending && !more && !nextBlock)) return ImportFailure(host, msg::kErrorReadingFileImport);
+    if (s.energy.empty()) return ImportFailure(host, msg::kErrorReadingFileImport);
 
     PrepareRegionForImport(project, host);
     if (more) host.Message(msg::kOnly5000Points);

@@ -43,6 +43,16 @@ TEST(AsciiImport, HeaderCommentsTabsSemicolonsAndBlankLinesAreTolerated) {
     EXPECT_EQ(r.MinBE, 286);
 }
 
+TEST(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
+    Project project;
+    RecordingHost host;
+    // A lone number, a "Key: value" line and a third column are not data.
+    const std::string text = "2\nDate: 2017 6 6\n300 1 0.5\n299 2 0.5\n298\t3\t\t0.5\n";
+    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("c.txt", text)).ok());
+    EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 300, 299, 298}));
+    EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 1, 2, 3}));
+}
+
 TEST(AsciiImport, SixThousandLinesKeep5000) {
     std::string text;
     for (int i = 0; i < 6000; ++i) text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
@@ -61,7 +71,7 @@ TEST(AsciiImport, RefusalsLeaveTheRegionAlone) {
     RecordingHost host;
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("ok.txt", "2 1\n1 1\n")).ok());
     const Region before = project.Regions[0];
-    for (const char* text : {"", "only text\n", "1 2\n3\n"}) {
+    for (const char* text : {"", "only text\n", "3\n4\n", "Energy: 1 2\n"}) {
         host.messages.clear();
         const Status s = ReadAscii(project, host, test::WriteScratch("bad.txt", text));
         EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << text;
@@ -124,6 +134,27 @@ TEST(AsciiImportReal, SpecsXyTakesTheFirstSpectrum) {
         EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(gap))));
     }
     EXPECT_EQ(r.BindingEnergy[1351], 0);
+}
+
+TEST(AsciiImportReal, MultiPakTextExportReadsItsPairs) {
+    const std::string path = test::SharedRealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
+    if (path.empty()) GTEST_SKIP() << "the MultiPak text export is not available";
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadAscii(project, host, path).ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.PointCount, 2801);
+    const std::vector<std::string> lines = test::FileLines(path);
+    std::size_t first = 0;
+    while (lines.at(first) != "2801") ++first;  // the point count ends the region header
+    for (int i : {1, 2, 1400, 2801}) {
+        const std::string& line = lines.at(first + static_cast<std::size_t>(i));
+        const std::size_t tab = line.find('\t');
+        EXPECT_EQ(r.BindingEnergy[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(0, tab))));
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(line.substr(tab + 1))));
+    }
+    EXPECT_EQ(r.BindingEnergy[1], 1380);
+    EXPECT_EQ(r.BindingEnergy[2801], -20);
 }
 
 }  // namespace
