@@ -75,8 +75,9 @@ void ReadPeakHead(BinaryReader& in, Peak& p) {
     p.Area = in.F32();
     p.HeightPercent = in.F32();
     p.FWHM = in.F32();
+    // Any %GL is kept: a relation or an import can store one outside 0..100, and the
+    // line shapes handle it without indexing outside their tables.
     p.PercentGL = in.I16();
-    CheckRange(p.PercentGL, 0, 100);
     p.FixPosition = in.I16();
     p.FixFWHM = in.I16();
     p.FixArea = in.I16();
