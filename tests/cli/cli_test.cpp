@@ -141,6 +141,54 @@ TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
     EXPECT_EQ(Slurp(dir / "f.dat"), Slurp(dir / "g.dat"));
 }
 
+// The .par text with the area column (the third zone) blanked.
+std::string WithoutAreas(std::string par) {
+    std::string out;
+    std::size_t start = 0;
+    while (start < par.size()) {
+        std::size_t end = par.find("\r\n", start);
+        std::string line = par.substr(start, end - start);
+        if (line.size() > 42) line.replace(42, std::min<std::size_t>(14, line.size() - 42), 14, ' ');
+        out += line + "\n";
+        if (end == std::string::npos) break;
+        start = end + 2;
+    }
+    return out;
+}
+
+TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
+    // A model fitted on one real C 1s spectrum, applied to the C 1s block of another
+    // instrument's VAMAS file: same background settings and peaks, areas follow the data.
+    BuildFit();
+    ASSERT_EQ(Cmd("fit p.xps --region 1 -o f.xps").code, 0);
+    ASSERT_EQ(Cmd("save-params f.xps --region 1 -o model.rpa").code, 0);
+    ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code, 0);
+    CliRun r = Cmd("apply-params v.xps --region 1 model.rpa -o w.xps");
+    ASSERT_EQ(r.code, 0) << r.err;
+    ASSERT_EQ(Cmd("export-peaks f.xps --region 1 -o f.par").code, 0);
+    ASSERT_EQ(Cmd("export-peaks w.xps --region 1 -o w.par").code, 0);
+    const std::string source = Slurp(dir / "f.par"), applied = Slurp(dir / "w.par");
+    EXPECT_EQ(WithoutAreas(source), WithoutAreas(applied));
+    EXPECT_NE(source, applied);  // the areas follow the other spectrum's intensities
+    auto f = nlohmann::json::parse(Cmd("dump f.xps").out)["Regions"][0];
+    auto w = nlohmann::json::parse(Cmd("dump w.xps").out)["Regions"][0];
+    for (const char* key : {"HasBackground", "BackgroundType", "BackgroundLowBE", "BackgroundHighBE", "PeakCount"})
+        EXPECT_EQ(f[key], w[key]) << key;
+    // The envelope was rebuilt on the new data: background plus the peaks, point by point.
+    const int m = w["RangeCount"];
+    ASSERT_GT(m, 10);
+    const auto peaks = nlohmann::json::parse(Cmd("dump w.xps").out)["Peaks"];
+    double worst = 0;
+    for (int j = 1; j <= m; ++j) {
+        const double b = w["BackgroundCurve"][j].get<double>();
+        double sum = b;
+        for (int k = 0; k < w["PeakCount"].get<int>(); ++k)
+            sum += peaks[w["PeakIndex"][k].get<int>()]["Curve"][j].get<double>() - b;
+        worst = std::max(worst, std::abs(sum - w["PeakSumCurve"][j].get<double>()) / (1 + std::abs(sum)));
+    }
+    EXPECT_LT(worst, 1e-5);
+}
+
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
     CliRun r = Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
                 "--pos-newton 2:0.05 --gl-sum -o o.opa");
