@@ -56,6 +56,11 @@ public:
     virtual void BeginFit() {}
     /// A fit has ended: hide the fitting window, enable the other windows.
     virtual void EndFit() {}
+
+    /// Busy state: hourglass pointer, every window of the program disabled.
+    virtual void BeginBusy() {}
+    /// Busy state over: arrow pointer, the windows enabled again.
+    virtual void EndBusy() {}
 };
 
 /// A host that does nothing: for computations nobody watches.

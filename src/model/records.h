@@ -143,6 +143,7 @@ struct Project {
     Flag KeepAreas = 0;
     FitOptions Options;
     bool StopRequested = false;
+    Flag Idle = kTrue;  ///< cleared while the program is busy (Tougaard B1 search)
 
     Region& Current() { return Regions[CurrentRegion]; }
     const Region& Current() const { return Regions[CurrentRegion]; }
