@@ -313,15 +313,7 @@ Status ReadKratos(Project& project, Host& host, const std::string& path) {
             p.Position = f.Position;
             p.HeightPercent = f.HeightPercent;
             p.FWHM = f.FWHM;
-            p.PeakType = 1;
-            p.Splitting = 0;
-            p.FixPosition = 0;
-            p.FixFWHM = 0;
-            p.FixArea = 0;
-            p.FixGL = 1;
-            p.TailScale = 0;
-            p.TailLength = 1.0f;
-            p.Region = static_cast<Int16>(r);
+            SetNewPeakDefaults(p, r);
             region.PeakIndex[k] = static_cast<Int16>(slot);
             host.SetPeakButton(PeakButtonIndex(r, static_cast<int>(k)), std::to_string(slot), true);
             ++slot;

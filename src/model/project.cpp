@@ -54,6 +54,18 @@ void ClearPeakSlot(Project& project, int slot) {
     }
 }
 
+void SetNewPeakDefaults(Peak& p, int region) {
+    p.PeakType = 1;
+    p.Splitting = 0;
+    p.Region = static_cast<Int16>(region);
+    p.FixPosition = 0;
+    p.FixFWHM = 0;
+    p.FixArea = 0;
+    p.FixGL = 1;
+    p.TailScale = 0;
+    p.TailLength = 1.0f;
+}
+
 void ClearProject(Project& project, Host& host) {
     project.TotalChiSquare = 0;
     project.TotalPeakCount = 0;

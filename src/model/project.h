@@ -14,6 +14,10 @@ void ClearProject(Project& project, Host& host);
 /// TailScale, TailLength and the limits keep their values.
 void ClearPeakSlot(Project& project, int slot);
 
+/// The fixed values of a newly added or imported peak: a single line (type s), no
+/// splitting, position, width and area free, %GL fixed, symmetric, owned by `region`.
+void SetNewPeakDefaults(Peak& peak, int region);
+
 /// Allocates all eight arrays of a region with bounds 0..n, contents cleared.
 void ResizeRegionArrays(Region& region, int n);
 
