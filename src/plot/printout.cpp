@@ -1,0 +1,92 @@
+#include "plot/printout.h"
+
+#include <algorithm>
+
+#include "fileio/numtext.h"
+#include "model/limits.h"
+#include "plot/spectrumplot.h"
+
+namespace molvera {
+
+namespace {
+
+// The peak table from the plot box's upper-left corner (x0, y0) downwards.
+void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double w, double h) {
+    canvas.SetBold(true);
+    const char* headers[] = {"Peak", "Position", "Area", "FWHM", "%GL"};
+    const double headerX[] = {0, 3.2, 6.2, 9, 12};
+    for (int c = 0; c < 5; ++c) {
+        canvas.MoveTo(x0 - headerX[c] * w, y0 - 2 * h);
+        canvas.Print(headers[c]);
+    }
+    canvas.SetBold(false);
+
+    const Region& region = project.Current();
+    const double cellX[] = {0, 3, 6, 9, 12};
+    const int rows = std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion);
+    for (int k = 0; k < rows; ++k) {
+        const int slot = region.PeakIndex[static_cast<std::size_t>(k)];
+        if (slot < 0 || slot >= kPeakSlots) continue;
+        const auto cells = PeakTableCells(project, slot);
+        for (int c = 0; c < 5; ++c) {
+            canvas.MoveTo(x0 - cellX[c] * w, y0 - (k + 3) * h);
+            canvas.Print(cells[static_cast<std::size_t>(c)]);
+        }
+    }
+}
+
+// A description may hold line breaks typed into the box; the page shows one line.
+std::string OneLine(std::string text) {
+    std::replace(text.begin(), text.end(), '\r', ' ');
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+}  // namespace
+
+std::array<std::string, 5> PeakTableCells(const Project& project, int slot) {
+    const Peak& p = project.Peaks[static_cast<std::size_t>(slot)];
+    return {std::to_string(slot), FormatFixed(p.Position, 3) + "eV", FormatFixed(p.Area, 3),
+            FormatFixed(p.FWHM, 3) + "eV", FormatFixed(p.PercentGL, 0) + "%"};
+}
+
+void DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
+    const Region& region = project.Current();
+    canvas.Clear();
+    canvas.SetLineStyle(LineStyle::Solid);
+    canvas.SetLineWidth(1);
+
+    const PlotExtents e = RegionExtents(region);
+    const double step = TickStep(e.dBE);
+    double w = 0, h = 0;
+    SetBoxAndMeasure(canvas,
+                     {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20},
+                     true, w, h);
+    PlotBox box;
+    for (int round = 0; round < 2; ++round) {
+        box = InnerBox(e, w, h);
+        SetBoxAndMeasure(canvas, box, true, w, h);
+    }
+
+    const Rgb fore = canvas.ForeColour();
+    canvas.Line(box.left, box.top, box.right, box.top, fore);
+    canvas.Line(box.right, box.top, box.right, box.bottom, fore);
+    canvas.Line(box.right, box.bottom, box.left, box.bottom, fore);
+    canvas.Line(box.left, box.bottom, box.left, box.top, fore);
+
+    const double x0 = e.maxBE + e.dBE / 40;
+    const double y0 = e.maxI + 3 * h;
+    canvas.SetBold(true);
+    canvas.MoveTo(x0, y0);
+    canvas.Print(OneLine(project.Description));
+    canvas.Print(region.Caption.Str());
+    canvas.SetBold(false);
+
+    const double pageHighEdge = box.left + (box.left - box.right) / 8;
+    DrawAxis(canvas, e, step, w, h, 1.002, pageHighEdge + w);
+    DrawSpectrum(canvas, region, true);
+    if (IsSet(region.HasBackground)) DrawFit(project, canvas);
+    if (withPeakTable) DrawPeakTable(project, canvas, x0, y0, w, h);
+}
+
+}  // namespace molvera
