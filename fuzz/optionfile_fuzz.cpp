@@ -1,0 +1,44 @@
+// Fuzz target: the option file reader. A file of the full size must write back byte
+// for byte; then the options drive a fit of a small region.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "fitting/driver.h"
+#include "fitting/optionfile.h"
+#include "fuzz_support.h"
+#include "model/host.h"
+#include "model/regionops.h"
+#include "spectral/background.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace molvera;
+    const std::string path = fuzz::InputFile("optionfile", data, size);
+    static const Project sample = [] {
+        Project p;
+        fuzz::FillRegion(p, 0, 31, 290.0f, 0.5f);
+        Region& r = p.Regions[0];
+        r.EndPointAverage = 1;
+        r.BackgroundLowBE = r.MinBE;
+        r.BackgroundHighBE = r.MaxBE;
+        r.HasBackground = kTrue;
+        RecomputeRegion(p, QuietHost());
+        AddPeak(p, QuietHost());
+        return p;
+    }();
+    Project project = sample;
+    if (!ReadOptionFile(project.Options, path)) return 0;
+    if (size >= kOptionFileSize) {
+        const std::string back = path + ".opa";
+        if (!WriteOptionFile(project.Options, back)) std::abort();
+        std::ifstream in(back, std::ios::binary);
+        const std::string written{std::istreambuf_iterator<char>(in), {}};
+        if (written != std::string(reinterpret_cast<const char*>(data), kOptionFileSize)) std::abort();
+    }
+    OptimiseRegionCommand(project, QuietHost());
+    return 0;
+}
