@@ -56,3 +56,32 @@ bench: build
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
+
+# libFuzzer targets of every reader, built with clang under ASan and UBSan.
+# `make fuzz FUZZ_SECONDS=N FUZZ_SEEDS=DIR`: N seconds per target (default 60), DIR an
+# extra folder of seed files given to every target. Fails on any finding.
+.PHONY: fuzz fuzz-ci fuzz-deps
+FUZZ_BUILD    ?= build-fuzz
+FUZZ_SECONDS  ?= 60
+FUZZ_SEEDS    ?=
+FUZZ_PACKAGES := clang libclang-rt-14-dev
+
+fuzz-deps: deps
+	@missing=$$(for p in $(FUZZ_PACKAGES); do \
+	    dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q '^install ok installed' || echo $$p; \
+	  done); \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing: $$missing"; \
+	  $(SUDO) apt-get update -qq && \
+	  DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y --no-install-recommends $$missing; \
+	fi
+
+fuzz: fuzz-deps
+	cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	  -DMOLVERA_FUZZ=ON -DMOLVERA_GUI=OFF -DMOLVERA_BENCH=OFF -DBUILD_TESTING=OFF
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzz_all
+	./fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS) $(FUZZ_SEEDS)
+
+# The short pass that CI runs: a few seconds per target.
+fuzz-ci:
+	$(MAKE) fuzz FUZZ_SECONDS=5
