@@ -68,7 +68,7 @@ Project SampleProject(bool crowded) {
             for (int k = 0; k < peaks; ++k) AddPeak(project, QuietHost());
         }
     }
-    FillRegion(project, 0, 201, 300.0f, 0.1f);
+    FillRegion(project, 0, 1001, 700.0f, 0.5f);
     project.CurrentRegion = 0;
     return project;
 }

@@ -17,7 +17,7 @@ std::string InputFile(const char* target, const std::uint8_t* data, std::size_t 
 /// Region `r` filled with n points from `highBE` down in steps of `step` eV.
 void FillRegion(Project& project, int r, int n, float highBE, float step);
 
-/// A project whose current region 0 holds 201 points (300..280 eV); with `crowded`,
+/// A project whose current region 0 holds 1001 points (700..200 eV); with `crowded`,
 /// regions 1..5 carry peaks that leave only six peak slots free.
 Project SampleProject(bool crowded);
 
