@@ -1,0 +1,52 @@
+#pragma once
+// The region window's client area: the plot of the current region, the highlighted
+// peak and the cursor read-out, redrawn at most once per screen refresh.
+
+#include <QElapsedTimer>
+#include <QPointF>
+#include <QTimer>
+#include <QWidget>
+
+#include "model/records.h"
+#include "plot/spectrumplot.h"
+
+namespace molvera::ui {
+
+class PlotWidget : public QWidget {
+    Q_OBJECT
+public:
+    explicit PlotWidget(const molvera::Project& project, QWidget* parent = nullptr);
+
+    /// Marks the plot dirty and schedules one paint; requests that arrive before the
+    /// next screen refresh share it.
+    void RequestRedraw();
+    /// Repaints at once (before grab(), for instance).
+    void RedrawNow();
+    /// The peak drawn in red after the fit; -1 for none.
+    void SetSelectedPeak(int slot);
+    int SelectedPeak() const { return selectedPeak_; }
+    /// Number of paints so far (for tests of the coalescing).
+    int PaintCount() const { return paintCount_; }
+    /// The plot-unit point under a widget position, as of the last paint.
+    QPointF ToPlotUnits(const QPointF& position) const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+
+private:
+    const Project& project_;
+    PlotState state_;
+    int selectedPeak_ = -1;
+    bool dirty_ = false;
+    bool hasScale_ = false;
+    bool hasPointer_ = false;
+    QPointF pointer_;         // in plot units
+    QPointF userTopLeft_;     // the last paint's scale at the widget's corners
+    QPointF userBottomRight_;
+    QTimer refreshTimer_;
+    QElapsedTimer sinceLastPaint_;
+    int paintCount_ = 0;
+};
+
+}  // namespace molvera::ui

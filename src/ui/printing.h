@@ -1,0 +1,24 @@
+#pragma once
+// The region on paper, in a PDF file or in a picture for the clipboard, drawn by the
+// printout code through a QtCanvas.
+
+#include <QImage>
+#include <QPrinter>
+#include <QSize>
+
+#include "model/records.h"
+
+namespace molvera::ui {
+
+/// False when the printer is the system printer and none is installed.
+bool PrinterAvailable(const QPrinter& printer);
+
+/// Prints the current region as one page (with the peak table when asked); shows the
+/// "Printing...." notice meanwhile in a widget program. False when the printer
+/// cannot be started; nothing of the project changes either way.
+bool PrintRegion(const molvera::Project& project, QPrinter& printer, bool withPeakTable);
+
+/// The current region drawn as the printout on a white picture of `size` pixels.
+QImage RegionPicture(const molvera::Project& project, bool withPeakTable, QSize size);
+
+}  // namespace molvera::ui

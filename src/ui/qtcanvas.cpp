@@ -1,0 +1,122 @@
+#include "ui/qtcanvas.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QFontMetricsF>
+
+namespace molvera::ui {
+
+namespace {
+
+// Far outside any surface, small enough for QPainter's fixed-point paths.
+constexpr double kLogicalLimit = 1e6;
+
+QString FromLatin1(const std::string& text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+QtCanvas::QtCanvas(QPainter& painter, const QRectF& target, double penScale)
+    : painter_(painter), target_(target), penScale_(penScale), font_(painter.font()) {
+    painter_.setRenderHint(QPainter::Antialiasing, true);
+    painter_.setRenderHint(QPainter::TextAntialiasing, true);
+    left_ = target.left();
+    right_ = target.right();
+    top_ = target.top();
+    bottom_ = target.bottom();
+}
+
+void QtCanvas::Clear() { painter_.fillRect(target_, Qt::white); }
+
+void QtCanvas::SetScale(double left, double top, double right, double bottom) {
+    const bool finite = std::isfinite(left) && std::isfinite(top) && std::isfinite(right) &&
+                        std::isfinite(bottom) && std::isfinite(right - left) && std::isfinite(top - bottom);
+    if (!finite || left == right || top == bottom) return;
+    left_ = left;
+    top_ = top;
+    right_ = right;
+    bottom_ = bottom;
+}
+
+QPointF QtCanvas::ToLogical(double x, double y) const {
+    double lx = target_.left() + (x - left_) / (right_ - left_) * target_.width();
+    double ly = target_.top() + (y - top_) / (bottom_ - top_) * target_.height();
+    if (!std::isfinite(lx)) lx = std::isnan(lx) ? 0 : std::copysign(kLogicalLimit, lx);
+    if (!std::isfinite(ly)) ly = std::isnan(ly) ? 0 : std::copysign(kLogicalLimit, ly);
+    return {std::clamp(lx, -kLogicalLimit, kLogicalLimit), std::clamp(ly, -kLogicalLimit, kLogicalLimit)};
+}
+
+QPointF QtCanvas::ToUser(const QPointF& logical) const {
+    if (target_.width() <= 0 || target_.height() <= 0) return {left_, top_};
+    return {left_ + (logical.x() - target_.left()) / target_.width() * (right_ - left_),
+            top_ + (logical.y() - target_.top()) / target_.height() * (bottom_ - top_)};
+}
+
+QPen QtCanvas::Pen(Rgb colour) const {
+    QPen pen(QColor(colour.r, colour.g, colour.b));
+    pen.setWidthF(std::max(1, lineWidth_) * penScale_);
+    pen.setCapStyle(Qt::RoundCap);
+    pen.setJoinStyle(Qt::RoundJoin);
+    switch (style_) {
+    case LineStyle::Solid: pen.setStyle(Qt::SolidLine); break;
+    case LineStyle::Dash: pen.setStyle(Qt::DashLine); break;
+    case LineStyle::Dot: pen.setStyle(Qt::DotLine); break;
+    }
+    return pen;
+}
+
+void QtCanvas::MoveTo(double x, double y) {
+    cx_ = x;
+    cy_ = y;
+}
+
+void QtCanvas::LineTo(double x, double y, Rgb colour) { Line(cx_, cy_, x, y, colour); }
+
+void QtCanvas::Line(double x1, double y1, double x2, double y2, Rgb colour) {
+    if (std::isfinite(x1) && std::isfinite(y1) && std::isfinite(x2) && std::isfinite(y2)) {
+        painter_.setPen(Pen(colour));
+        painter_.drawLine(ToLogical(x1, y1), ToLogical(x2, y2));
+    }
+    MoveTo(x2, y2);
+}
+
+void QtCanvas::Point(double x, double y, Rgb colour) {
+    if (std::isfinite(x) && std::isfinite(y)) {
+        painter_.setPen(Pen(colour));
+        painter_.drawPoint(ToLogical(x, y));
+    }
+    MoveTo(x, y);
+}
+
+void QtCanvas::Print(const std::string& latin1) {
+    const QString text = FromLatin1(latin1);
+    painter_.setFont(font_);
+    const QFontMetricsF metrics(font_, painter_.device());
+    const QPointF corner = ToLogical(cx_, cy_);
+    if (opaque_) {
+        painter_.fillRect(QRectF(corner, QSizeF(metrics.horizontalAdvance(text), metrics.height())),
+                          Qt::white);
+    }
+    painter_.setPen(Qt::black);
+    painter_.drawText(QPointF(corner.x(), corner.y() + metrics.ascent()), text);
+    // The next line starts below this one, at the same x.
+    cy_ -= TextHeight(latin1);
+}
+
+void QtCanvas::SetBold(bool bold) { font_.setBold(bold); }
+
+double QtCanvas::TextWidth(const std::string& latin1) const {
+    const QFontMetricsF metrics(font_, painter_.device());
+    if (target_.width() <= 0) return 0;
+    return metrics.horizontalAdvance(FromLatin1(latin1)) * std::abs(right_ - left_) / target_.width();
+}
+
+double QtCanvas::TextHeight(const std::string&) const {
+    const QFontMetricsF metrics(font_, painter_.device());
+    if (target_.height() <= 0) return 0;
+    return metrics.height() * std::abs(top_ - bottom_) / target_.height();
+}
+
+}  // namespace molvera::ui

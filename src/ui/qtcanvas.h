@@ -1,0 +1,56 @@
+#pragma once
+// The Canvas over a QPainter: a widget, a printer or an image, antialiased, with the
+// user rectangle mapped onto a target rectangle of the painter's logical coordinates.
+
+#include <QFont>
+#include <QPainter>
+#include <QPointF>
+#include <QRectF>
+
+#include "plot/canvas.h"
+
+namespace molvera::ui {
+
+class QtCanvas : public Canvas {
+public:
+    /// Draws on `painter` inside `target` (logical units of the painter) with the
+    /// painter's current font; `penScale` multiplies line widths.
+    QtCanvas(QPainter& painter, const QRectF& target, double penScale = 1.0);
+
+    void Clear() override;
+    void SetScale(double left, double top, double right, double bottom) override;
+    void SetLineWidth(int width) override { lineWidth_ = width; }
+    void SetLineStyle(LineStyle style) override { style_ = style; }
+    Rgb ForeColour() const override { return kBlack; }
+    void MoveTo(double x, double y) override;
+    void LineTo(double x, double y, Rgb colour) override;
+    void Line(double x1, double y1, double x2, double y2, Rgb colour) override;
+    void Point(double x, double y, Rgb colour) override;
+    double CurrentX() const override { return cx_; }
+    double CurrentY() const override { return cy_; }
+    void Print(const std::string& latin1) override;
+    void SetOpaqueText(bool opaque) override { opaque_ = opaque; }
+    void SetBold(bool bold) override;
+    double TextWidth(const std::string& latin1) const override;
+    double TextHeight(const std::string& latin1) const override;
+
+    /// A point of the target in user units of the current scale.
+    QPointF ToUser(const QPointF& logical) const;
+    /// A user point in logical units of the painter (clamped to a drawable range).
+    QPointF ToLogical(double x, double y) const;
+
+private:
+    QPen Pen(Rgb colour) const;
+
+    QPainter& painter_;
+    QRectF target_;
+    double penScale_;
+    double left_ = 0, top_ = 1, right_ = 1, bottom_ = 0;
+    double cx_ = 0, cy_ = 0;
+    int lineWidth_ = 1;
+    LineStyle style_ = LineStyle::Solid;
+    bool opaque_ = false;
+    QFont font_;
+};
+
+}  // namespace molvera::ui
