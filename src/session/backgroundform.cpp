@@ -96,32 +96,42 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
     }
 }
 
-bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
-    Region& region = project.Current();
-
+std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
+                                                    BackgroundForm& form) {
     const float low = BoxSingle(form.LBE);
     if (Beyond(low, region.MinBE, true)) {
         form.LBE = FormatGeneral(region.MinBE);
-        return Refuse(host);
+        Refuse(host);
+        return std::nullopt;
     }
     const float high = BoxSingle(form.HBE);
     if (Beyond(high, region.MaxBE, false)) {
         form.HBE = FormatGeneral(region.MaxBE);
-        return Refuse(host);
+        Refuse(host);
+        return std::nullopt;
     }
     // Equal or crossed boundaries, and a range too narrow to hold two points of the
     // data, are reset to the data's extent.
     if (low >= high || RangePointCount(region, low, high) < 2) {
         form.LBE = FormatGeneral(region.MinBE);
         form.HBE = FormatGeneral(region.MaxBE);
-        return Refuse(host);
+        Refuse(host);
+        return std::nullopt;
     }
 
     const std::optional<Int16> averagePoints = AveragePointsFromText(form.AverPt);
     if (!averagePoints) {
         form.AverPt = "None";
-        return Refuse(host);
+        Refuse(host);
+        return std::nullopt;
     }
+    return BackgroundBoxes{low, high, *averagePoints};
+}
+
+bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
+    Region& region = project.Current();
+    const std::optional<BackgroundBoxes> boxes = CheckBackgroundBoxes(region, host, form);
+    if (!boxes) return false;
 
     if (LeadingNumber(form.ShirleySlope) == 0) form.ShirleySlope = "0";
     if (LeadingNumber(form.TouB1) == 0) form.TouB1 = "3000";
@@ -141,11 +151,11 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
         return Refuse(host);
     }
 
-    region.EndPointAverage = *averagePoints;
+    region.EndPointAverage = boxes->averagePoints;
     region.BackgroundType = type;
     region.BackgroundParameter = parameter;
-    region.BackgroundLowBE = low;
-    region.BackgroundHighBE = high;
+    region.BackgroundLowBE = boxes->low;
+    region.BackgroundHighBE = boxes->high;
 
     project.KeepAreas = kTrue;
     RecomputeRegion(project, host);

@@ -1,6 +1,7 @@
 #pragma once
 // The background dialog as data: its boxes, filling from the region, and Accept.
 
+#include <optional>
 #include <string>
 
 #include "model/host.h"
@@ -24,6 +25,18 @@ struct BackgroundForm {
 /// The region window's Background command: fills the form from the current region
 /// (when it has data) and shows it.
 void ShowBackgroundDialog(const Project& project, BackgroundForm& form);
+
+/// The boundaries and averaging read from the boxes by the first checks of Accept.
+struct BackgroundBoxes {
+    float low = 0;
+    float high = 0;
+    Int16 averagePoints = 1;
+};
+
+/// Accept's checks of LBE, HBE and AverPt, in order; a refusal corrects the box, beeps
+/// and gives nothing. Nothing is stored.
+std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
+                                                    BackgroundForm& form);
 
 /// The Accept button: checks the boxes in order (a refusal corrects a box, beeps and
 /// stores nothing), stores the settings and recomputes the region keeping peak areas.
