@@ -1,0 +1,105 @@
+#include "session/peakoptimise.h"
+
+#include <algorithm>
+#include <string>
+
+#include "fileio/numtext.h"
+#include "fitting/driver.h"
+#include "session/formnumber.h"
+#include "spectral/envelope.h"
+#include "spectral/lineshape.h"
+
+namespace molvera {
+
+namespace {
+
+// The peak being edited, or nothing when there is no fit to run for it.
+Peak* EditedPeak(Project& project) {
+    const int slot = project.CurrentPeak;
+    if (slot < 0 || slot >= kPeakSlots) return nullptr;
+    Peak& peak = project.Peaks[slot];
+    if (!IsSet(peak.InUse) || !IsSet(project.Current().HasBackground)) return nullptr;
+    return &peak;
+}
+
+Group GroupOf(PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            return Group::Position;
+        case PeakParameter::FWHM:
+            return Group::FWHM;
+        case PeakParameter::Area:
+            return Group::Area;
+        case PeakParameter::GL:
+            break;
+    }
+    return Group::GL;
+}
+
+// One box into the peak. %GL is a whole number kept inside 0..100, as in ApplyPeakEditor.
+void ReadBox(Peak& peak, PeakForm& form, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            peak.Position = BoxSingle(form.PosVal);
+            break;
+        case PeakParameter::FWHM:
+            peak.FWHM = BoxSingle(form.FWHMVal);
+            break;
+        case PeakParameter::Area:
+            peak.Area = BoxSingle(form.AreaVal);
+            break;
+        case PeakParameter::GL:
+            peak.PercentGL = static_cast<Int16>(
+                std::clamp(RoundHalfEven(LeadingNumber(form.GLVal)), 0.0, 100.0));
+            break;
+    }
+}
+
+void WriteBox(const Peak& peak, PeakForm& form, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            form.PosVal = FormatGeneral(peak.Position);
+            break;
+        case PeakParameter::FWHM:
+            form.FWHMVal = FormatGeneral(peak.FWHM);
+            break;
+        case PeakParameter::Area:
+            form.AreaVal = FormatGeneral(peak.Area);
+            break;
+        case PeakParameter::GL:
+            form.GLVal = std::to_string(peak.PercentGL);
+            break;
+    }
+}
+
+// The optimisers start from the region's chi-square: score the values just typed, so
+// that a trial is compared with them and not with the curves drawn before the typing.
+void ScoreTypedValues(Project& project, Host& host, Peak& peak) {
+    peak.HeightPercent = AreaToHeightPercent(project, peak);
+    ComputeRegionEnvelope(project, host);
+}
+
+}  // namespace
+
+void OptimiseParameterClick(Project& project, Host& host, PeakForm& form, PeakParameter which) {
+    Peak* peak = EditedPeak(project);
+    if (peak == nullptr) return;
+    ReadBox(*peak, form, which);
+    ScoreTypedValues(project, host, *peak);
+    OptimisePeakParameter(project, host, project.CurrentPeak, GroupOf(which));
+    WriteBox(*peak, form, which);
+}
+
+void OptpeakClick(Project& project, Host& host, PeakForm& form) {
+    Peak* peak = EditedPeak(project);
+    if (peak == nullptr) return;
+    ApplyPeakEditor(project, form);
+    ScoreTypedValues(project, host, *peak);
+    OptimisePeak(project, host, project.CurrentPeak);
+    for (const PeakParameter which :
+         {PeakParameter::Position, PeakParameter::FWHM, PeakParameter::Area, PeakParameter::GL})
+        WriteBox(*peak, form, which);
+    form.ActFWHM = ActualFWHMText(ActualFWHM(project, project.CurrentPeak));
+}
+
+}  // namespace molvera

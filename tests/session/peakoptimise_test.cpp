@@ -1,0 +1,127 @@
+#include "session/peakoptimise.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "fileio/numtext.h"
+#include "fitting/fit_fixture.h"
+#include "spectral/lineshape.h"
+
+namespace molvera {
+namespace {
+
+struct FitHost : test::RecordingHost {
+    int fitBegins = 0, fitEnds = 0;
+    void BeginFit() override { ++fitBegins; }
+    void EndFit() override { ++fitEnds; }
+};
+
+// Distance of x from the nearest multiple of `step` counted from `origin`, in steps.
+double OffGrid(double x, double origin, double step) {
+    const double k = (x - origin) / step;
+    return std::fabs(k - std::round(k));
+}
+
+// One peak (area 1000, FWHM 1.2 eV, 30 %GL) at 285.037 eV in the data; the editor is
+// open on slot 0, which has the same shape but lies at 283 eV.
+class PeakOptimiseTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ClearProject(project, QuietHost());
+        test::MakeSyntheticRegion(project, 0, 400, {{285.037f, 1000, 1.2f, 30}});
+        test::AddKnownPeak(project, 0, 0, {283.0f, 1000, 1.2f, 30});
+        project.Options = test::TestOptions(0, 3);
+        project.CurrentRegion = 0;
+        project.CurrentPeak = 0;
+        test::Settle(project);
+        FillPeakEditor(project, form, 0);
+    }
+    const Peak& peak() const { return project.Peaks[0]; }
+    Project project;
+    PeakForm form;
+    FitHost host;
+};
+
+TEST_F(PeakOptimiseTest, PositionBoxIsReadSearchedOnTheGridAndWrittenBack) {
+    form.PosVal = "284.9";  // the stored 283 eV could not reach the peak within +-1.1 eV
+    form.AreaVal = "1";     // not read by OptPos
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    EXPECT_NEAR(peak().Position, 285.037, 0.0051);
+    EXPECT_LT(OffGrid(peak().Position, 284.9, 0.01), 1e-3);
+    EXPECT_EQ(form.PosVal, FormatGeneral(peak().Position));
+    EXPECT_EQ(host.fitBegins, 1);
+    EXPECT_EQ(host.fitEnds, 1);
+    EXPECT_EQ(peak().Area, 1000.0f);  // only the position was read and varied
+}
+
+TEST_F(PeakOptimiseTest, NewtonOnlyWhenMethodIsExactlyOne) {
+    project.Options.Method = 1;
+    form.PosVal = "284.9";
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    EXPECT_NEAR(peak().Position, 285.037, 0.002);
+    EXPECT_GT(OffGrid(peak().Position, 284.9, 0.01), 0.05);  // Newton leaves the grid
+    EXPECT_EQ(form.PosVal, FormatGeneral(peak().Position));
+
+    project.Options.Method = 2;
+    form.PosVal = "284.9";
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    EXPECT_LT(OffGrid(peak().Position, 284.9, 0.01), 1e-3);
+}
+
+TEST_F(PeakOptimiseTest, GLIsSearchedEvenWhenNewtonIsChosen) {
+    project.Options.Method = 1;
+    form.PosVal = "285.037";
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    form.GLVal = "80";
+    OptimiseParameterClick(project, host, form, PeakParameter::GL);
+    EXPECT_EQ(peak().PercentGL, 30);
+    EXPECT_EQ(form.GLVal, "30");
+}
+
+TEST_F(PeakOptimiseTest, AreaBoxCarriesTheHeightWithIt) {
+    form.PosVal = "285.037";
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    form.AreaVal = "900";
+    OptimiseParameterClick(project, host, form, PeakParameter::Area);
+    EXPECT_GT(peak().Area, 900.0f);
+    EXPECT_NEAR(peak().Area, 1000, 10);
+    EXPECT_NEAR(peak().HeightPercent, AreaToHeightPercent(project, peak()), 1e-3);
+    EXPECT_EQ(form.AreaVal, FormatGeneral(peak().Area));
+}
+
+TEST_F(PeakOptimiseTest, OptimisePeakAppliesTheEditorAndRefreshesTheFourBoxes) {
+    form.PosVal = "284.8";
+    form.AreaVal = "900";
+    form.GLVal = "60";
+    form.TSVal = "1.7";
+    OptpeakClick(project, host, form);
+    EXPECT_EQ(peak().TailScale, 1.0f);
+    EXPECT_EQ(form.TSVal, "1");
+    EXPECT_NEAR(peak().Position, 285.037, 0.01);
+    EXPECT_NEAR(peak().Area, 1000, 30);
+    EXPECT_EQ(form.PosVal, FormatGeneral(peak().Position));
+    EXPECT_EQ(form.FWHMVal, FormatGeneral(peak().FWHM));
+    EXPECT_EQ(form.AreaVal, FormatGeneral(peak().Area));
+    EXPECT_EQ(form.GLVal, std::to_string(peak().PercentGL));
+    EXPECT_EQ(form.ActFWHM, ActualFWHMText(ActualFWHM(project, 0)));
+    EXPECT_EQ(host.fitBegins, 1);
+    EXPECT_EQ(host.fitEnds, 1);
+}
+
+TEST_F(PeakOptimiseTest, NothingWithoutABackgroundOrAPeak) {
+    project.Regions[0].HasBackground = kFalse;
+    form.PosVal = "284.9";
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    OptpeakClick(project, host, form);
+    project.Regions[0].HasBackground = kTrue;
+    project.Peaks[0].InUse = kFalse;
+    OptimiseParameterClick(project, host, form, PeakParameter::Position);
+    EXPECT_EQ(host.fitBegins, 0);
+    EXPECT_EQ(peak().Position, 283.0f);
+    EXPECT_EQ(form.PosVal, "284.9");
+}
+
+}  // namespace
+}  // namespace molvera
