@@ -309,11 +309,18 @@ TEST(PlotDegenerate, FlatOrEmptySpansAndBadValuesDrawAndEnd) {
     FillRegion(p, 10, -2, -10, 0, 100);
     ExpectSaneDraw(p, "energies below zero");
     {
+        // The data extents start their maximum at 0, so MaxBE is 0 here: ticks every
+        // 2 eV from the first above -10 up to the frame's edge.
         RecordingCanvas c;
         PlotState s;
         DrawRegion(p, c, s);
-        const auto labels = TickLabels(c);
-        ASSERT_FALSE(labels.empty());
+        EXPECT_EQ(TickLabels(c), (std::vector<std::string>{"-8.0", "-6.0", "-4.0", "-2.0", "0.0"}));
+        // A negative MaxBE: the ratio test means nothing, the frame's edge ends the ticks.
+        p.Regions[0].MaxBE = -2;
+        RecordingCanvas n;
+        DrawRegion(p, n, s);
+        const auto labels = TickLabels(n);
+        ASSERT_EQ(labels.size(), 8u);
         EXPECT_EQ(labels.front(), "-9.0");
         EXPECT_EQ(labels.back(), "-2.0");
     }
