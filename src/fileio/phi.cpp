@@ -29,13 +29,13 @@ bool ReadRegion(ItemReader& reader, ImportedSpectrum& s, std::string& descriptio
     description = *a + " " + *b;
     s.caption = *caption;
     s.overflow = *count > kMaxPoints;
-    const auto first = static_cast<float>(*start);
-    const auto delta = static_cast<float>(*step);
+    const double first = *start;  // energies in double, rounded once
+    const double delta = *step;
     for (int i = 0; i < *count; ++i) {
         const auto intensity = reader.Number();
         if (!intensity) return false;
         if (i < kMaxPoints) {
-            s.energy.push_back(first + static_cast<float>(i) * delta);
+            s.energy.push_back(static_cast<float>(first + i * delta));
             s.intensity.push_back(static_cast<float>(*intensity));
         }
     }

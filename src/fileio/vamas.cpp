@@ -156,7 +156,7 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
         OneOf(b.technique, {"FABMS", "FABMS energy spec", "ISS", "SIMS", "SIMS energy spec", "SNMS",
                             "SNMS energy spec"}))
         lines.Skip(3);  // sputtering ion
-    const auto hv = static_cast<float>(lines.Real());
+    const double hv = lines.Real();
     lines.Skip(3);  // source strength, beam width x and y
     if (IsMap(h.mode)) lines.Skip(2);  // field of view
     if (OneOf(h.mode, {"MAPSV", "MAPSVDP", "SEM"})) lines.Skip(6);  // line scan corners
@@ -169,13 +169,13 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
 
     const bool regular = h.scanMode == "REGULAR";
     Abscissa kind = Abscissa::Other;
-    float start = 0;
-    float step = 0;
+    double start = 0;
+    double step = 0;
     if (regular) {
         kind = KindOf(lines.Next());
         lines.Skip(1);  // units
-        start = static_cast<float>(lines.Real());
-        step = static_cast<float>(lines.Real());
+        start = lines.Real();
+        step = lines.Real();
     }
     const std::int64_t variables = lines.Count();
     std::int64_t abscissaVariable = -1;
@@ -208,9 +208,12 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
         const auto stored = static_cast<std::size_t>(std::min<std::int64_t>(points, kMaxPoints));
         b.spectrum.energy.resize(stored);
         b.spectrum.intensity.resize(stored);
-        const float first = kind == Abscissa::Kinetic ? hv - start : start;
-        const float delta = kind == Abscissa::Kinetic ? -step : step;
-        for (std::size_t i = 0; i < stored; ++i) b.spectrum.energy[i] = first + static_cast<float>(i) * delta;
+        // Energies in double from the file's own numbers, rounded once: a kinetic start of
+        // 586.69 with hv 1486.69 gives 900, not the 899.9999 of single arithmetic.
+        const double first = kind == Abscissa::Kinetic ? hv - start : start;
+        const double delta = kind == Abscissa::Kinetic ? -step : step;
+        for (std::size_t i = 0; i < stored; ++i)
+            b.spectrum.energy[i] = static_cast<float>(first + static_cast<double>(i) * delta);
         for (std::int64_t i = 0; i < values; ++i) {
             const double value = lines.Real();
             const std::int64_t point = i / variables;
@@ -219,8 +222,7 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
             const auto p = static_cast<std::size_t>(point);
             if (var == intensityVariable) b.spectrum.intensity[p] = static_cast<float>(value);
             if (var == abscissaVariable) {
-                const auto e = static_cast<float>(value);
-                b.spectrum.energy[p] = kind == Abscissa::Kinetic ? hv - e : e;
+                b.spectrum.energy[p] = static_cast<float>(kind == Abscissa::Kinetic ? hv - value : value);
             }
         }
     } else {

@@ -249,7 +249,8 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
     while (next().find("XPS") == std::string::npos) {
     }
     next();
-    float hv = static_cast<float>(LeadingNumber(next()));
+    // Energies are formed in double from the file's numbers and rounded once.
+    double hv = LeadingNumber(next());
     for (;;) {
         std::string back2, back1;
         for (;;) {
@@ -258,8 +259,8 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
                 const bool kinetic = l.compare(1, 6, "inetic") == 0;
                 out.captions.push_back(back2);
                 next();  // units
-                float start = static_cast<float>(LeadingNumber(next()));
-                float step = static_cast<float>(LeadingNumber(next()));
+                double start = LeadingNumber(next());
+                double step = LeadingNumber(next());
                 if (kinetic) {
                     start = hv - start;
                     step = -step;
@@ -271,7 +272,7 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
                 out.energies.emplace_back();
                 out.counts.emplace_back();
                 for (int k = 0; k < m; ++k) {
-                    out.energies.back().push_back(start + static_cast<float>(k) * step);
+                    out.energies.back().push_back(static_cast<float>(start + k * step));
                     out.counts.back().push_back(static_cast<float>(LeadingNumber(next())));
                 }
                 break;
@@ -283,7 +284,7 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
         while (i < lines.size() && !found) found = next().find("XPS") != std::string::npos;
         if (!found) return out;
         next();
-        hv = static_cast<float>(LeadingNumber(next()));
+        hv = LeadingNumber(next());
     }
 }
 
