@@ -34,5 +34,6 @@ int RunSaveParams(int argc, char** argv);
 int RunApplyParams(int argc, char** argv);
 int RunFit(int argc, char** argv);
 int RunConstrain(int argc, char** argv);
+int RunRender(int argc, char** argv);
 
 }  // namespace molvera::cli

@@ -55,6 +55,11 @@ const Command kCommands[] = {
      "check fitting options as the options dialog's OK does and write them", RunOptions},
     {"dump-options", "molvera-cli dump-options FILE.opa", "print an option file as JSON",
      RunDumpOptions},
+#ifdef MOLVERA_CLI_RENDER
+    {"render", "molvera-cli render IN.xps --region N -o OUT.png|OUT.pdf [--with-peaks]",
+     "draw a region as the printout: a PNG picture or a PDF page, with the peak table on request",
+     RunRender},
+#endif
 };
 
 void PrintOverview() {
