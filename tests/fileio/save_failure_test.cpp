@@ -1,0 +1,117 @@
+// No lost work: every file the program writes (project, region parameters, options,
+// both exports) reports a failed save and leaves the previous file as it was.
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "fileio/exports.h"
+#include "fileio/projectfile.h"
+#include "fileio/regionparams.h"
+#include "fitting/optionfile.h"
+#include "model/messages.h"
+#include "model/regionops.h"
+#include "support/paths.h"
+#include "support/sample_region.h"
+
+namespace molvera {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Writer = std::function<Status(const std::string&)>;
+
+struct NamedWriter {
+    const char* name;
+    Writer write;
+};
+
+std::string ReadBytes(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Region 0: 60 points, a Shirley background and two peaks; every file it gives is
+// well over 100 bytes.
+Project SampleProject() {
+    Project p;
+    test::FillSampleRegion(p, 0, 60, 295.0f, 0.25f);
+    test::GiveSampleBackground(p, 0);
+    AddPeak(p, QuietHost());
+    AddPeak(p, QuietHost());
+    p.Description = "sample";
+    return p;
+}
+
+class SaveFailure : public ::testing::Test {
+protected:
+    Project project = SampleProject();
+    std::vector<NamedWriter> writers{
+        {"project", [this](const std::string& f) { return SaveProject(project, f); }},
+        {"region parameters", [this](const std::string& f) { return SaveRegionParameters(project, f); }},
+        {"options", [this](const std::string& f) { return WriteOptionFile(project.Options, f); }},
+        {"spectrum export", [this](const std::string& f) { return ExportSpectrum(project, f); }},
+        {"peak export", [this](const std::string& f) { return ExportPeakParameters(project, f); }},
+    };
+};
+
+TEST_F(SaveFailure, MissingFolderAndDirectoryPathAreReported) {
+    const fs::path dir = test::ScratchDir();
+    for (const NamedWriter& w : writers) {
+        EXPECT_EQ(w.write((dir / "no" / "such" / "file").string()).message(), msg::kErrorWritingFile) << w.name;
+        const fs::path folder = dir / (std::string(w.name) + ".d");
+        fs::create_directory(folder);
+        std::ofstream(folder / "inside") << "kept";
+        EXPECT_EQ(w.write(folder.string()).message(), msg::kErrorWritingFile) << w.name;
+        EXPECT_TRUE(fs::is_directory(folder)) << w.name;
+        EXPECT_EQ(ReadBytes(folder / "inside"), "kept") << w.name;
+    }
+    EXPECT_FALSE(fs::exists(dir / "no"));
+}
+
+TEST_F(SaveFailure, WriteCutShortByTheFileSizeLimitKeepsThePreviousFile) {
+    const fs::path dir = test::ScratchDir();
+    for (const NamedWriter& w : writers) {
+        const fs::path target = dir / "target";
+        // The complete output is larger than the limit below.
+        ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
+        ASSERT_GT(fs::file_size(target), 100u) << w.name;
+        std::ofstream(target, std::ios::binary | std::ios::trunc) << "previous contents";
+
+        rlimit old{};
+        ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+        rlimit small = old;
+        small.rlim_cur = 100;
+        auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+        const Status st = w.write(target.string());
+        setrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, previousHandler);
+
+        EXPECT_EQ(st.message(), msg::kErrorWritingFile) << w.name;
+        EXPECT_EQ(ReadBytes(target), "previous contents") << w.name;
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 1) << w.name << ": temporary file left";
+    }
+}
+
+TEST_F(SaveFailure, SuccessfulSaveReplacesThePreviousFileWhole) {
+    const fs::path dir = test::ScratchDir();
+    for (const NamedWriter& w : writers) {
+        const fs::path target = dir / "target";
+        ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
+        const std::string fresh = ReadBytes(target);
+        std::ofstream(target, std::ios::binary | std::ios::trunc) << std::string(100000, 'x');
+        ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
+        EXPECT_EQ(ReadBytes(target), fresh) << w.name << ": no tail of the longer old file";
+    }
+}
+
+}  // namespace
+}  // namespace molvera
