@@ -52,5 +52,7 @@ inline constexpr const char* kFWHMDeltaPrefix = "Delta value for FWHM of level";
 inline constexpr const char* kDeleteRegionTitle = "!! WARNING !!";
 inline constexpr const char* kDeleteRegionText =
     "All information in this region data will be deleted! Continue?";
+inline constexpr const char* kNoPrinter = "No printer is available";
+inline constexpr const char* kPrintingFailed = "Error in printing";
 
 }  // namespace molvera::msg

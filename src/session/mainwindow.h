@@ -1,0 +1,32 @@
+#pragma once
+// The main window's own rules: choosing a region, the region button colours, and the
+// file names that the save dialogs propose.
+
+#include <string>
+
+#include "model/host.h"
+#include "model/records.h"
+#include "plot/canvas.h"
+
+namespace molvera {
+
+/// Colour of a region button.
+enum class RegionButtonColour { ButtonFace, HasData, Current };
+
+/// Current region: light yellow; a slot with data: light green; otherwise button face.
+RegionButtonColour RegionButtonColourOf(const Project& project, int region);
+
+/// Red, green and blue of the two coloured states (button face has none of its own).
+Rgb RegionButtonRgb(RegionButtonColour colour);
+
+/// Region button `k` pressed: the old region's peak buttons are disabled, `k` becomes
+/// current, its peak buttons are enabled when it has data and a background, the
+/// region dialogs are hidden and the region window shown.
+void SelectRegion(Project& project, Host& host, int k);
+
+/// The name a save dialog proposes from the dialog's last file name: the file part up
+/// to and including its first "." followed by `extension`; a name without "." is
+/// proposed unchanged. The folder part is kept as it is.
+std::string ProposeFileName(const std::string& lastFileName, const std::string& extension);
+
+}  // namespace molvera
