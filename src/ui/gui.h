@@ -1,0 +1,50 @@
+#pragma once
+// The whole desktop program: the project, its host, the shared file dialog and the
+// windows, wired together, and the start-up sequence.
+
+#include <memory>
+#include <string>
+
+#include "model/records.h"
+#include "session/optionsform.h"
+#include "ui/filechooser.h"
+#include "ui/qthost.h"
+
+namespace molvera::ui {
+
+class UserSink;
+class MainWindow;
+class RegionWindow;
+class OptionsWindow;
+class FittingWindow;
+
+/// One running program.
+class Gui {
+public:
+    Gui(UserSink& sink, FileChooser& chooser);
+    ~Gui();
+
+    /// Start-up: line-shape tables, cleared project, the options file at
+    /// `defaultOptionsPath` (silently absent), then the main and region windows shown.
+    void Start(const std::string& defaultOptionsPath = "default.opa");
+
+    Project& project() { return *project_; }
+    QtHost& host() { return host_; }
+    FileDialog& files() { return files_; }
+    MainWindow& mainWindow() { return *main_; }
+    RegionWindow& regionWindow() { return *region_; }
+    OptionsWindow& optionsWindow() { return *options_; }
+    FittingWindow& fittingWindow() { return *fitting_; }
+
+private:
+    std::unique_ptr<Project> project_;  // large: kept off the stack
+    OptionsForm optionsForm_;
+    QtHost host_;
+    FileDialog files_;
+    std::unique_ptr<MainWindow> main_;
+    std::unique_ptr<RegionWindow> region_;
+    std::unique_ptr<OptionsWindow> options_;
+    std::unique_ptr<FittingWindow> fitting_;
+};
+
+}  // namespace molvera::ui

@@ -1,0 +1,180 @@
+#include "ui/mainwindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "fileio/numtext.h"
+#include "fileio/projectfile.h"
+#include "fitting/driver.h"
+#include "model/messages.h"
+#include "model/project.h"
+#include "session/mainwindow.h"
+#include "ui/filechooser.h"
+
+namespace molvera::ui {
+namespace {
+constexpr const char* kProjectTitle = "Open file";
+constexpr const char* kProjectFilter = "Data Files (*.xps) |*.xps|";
+
+QPushButton* Button(const QString& caption, const char* name, QWidget* parent) {
+    auto* b = new QPushButton(caption, parent);
+    b->setObjectName(QLatin1String(name));
+    return b;
+}
+}  // namespace
+
+MainWindow::MainWindow(Project& project, Host& host, FileDialog& files, QWidget* parent)
+    : QWidget(parent), project_(project), host_(host), files_(files) {
+    setObjectName(QStringLiteral("XPSForm"));
+    setWindowTitle(QStringLiteral("Molvera"));
+
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(2);
+    grid->setVerticalSpacing(2);
+    grid->addWidget(new QLabel(QStringLiteral("Region"), this), 0, 0, Qt::AlignCenter);
+    grid->addWidget(new QLabel(QStringLiteral("Peaks"), this), 0, 1, 1, kMaxPeaksPerRegion,
+                    Qt::AlignCenter);
+    grid->addWidget(new QLabel(QStringLiteral("Chi Square"), this), 0, 1 + kMaxPeaksPerRegion,
+                    Qt::AlignCenter);
+    for (int r = 0; r < kRegionCount; ++r) {
+        auto* b = new QPushButton(QString::number(r + 1), this);
+        b->setObjectName(QStringLiteral("reg%1").arg(r));
+        b->setFixedWidth(44);
+        connect(b, &QPushButton::clicked, this, [this, r] { SelectRegion(project_, host_, r); });
+        reg_[static_cast<std::size_t>(r)] = b;
+        grid->addWidget(b, r + 1, 0);
+        for (int k = 0; k < kMaxPeaksPerRegion; ++k) {
+            const int i = PeakButtonIndex(r, k);
+            auto* p = new QPushButton(this);
+            p->setObjectName(QStringLiteral("pp%1").arg(i));
+            p->setFixedWidth(34);
+            p->setEnabled(false);
+            connect(p, &QPushButton::clicked, this, [this, i] { PeakButtonClicked(i); });
+            pp_[static_cast<std::size_t>(i)] = p;
+            grid->addWidget(p, r + 1, 1 + k);
+        }
+        auto* c = new QLineEdit(this);
+        c->setObjectName(QStringLiteral("chi%1").arg(r));
+        c->setReadOnly(true);
+        c->setMinimumWidth(110);
+        chi_[static_cast<std::size_t>(r)] = c;
+        grid->addWidget(c, r + 1, 1 + kMaxPeaksPerRegion);
+    }
+    auto* sigma = new QLabel(QString(QChar(0x03A3)), this);
+    QFont big = sigma->font();
+    big.setPointSizeF(big.pointSizeF() * 1.4);
+    big.setBold(true);
+    sigma->setFont(big);
+    sumCS_ = new QLabel(QStringLiteral("0"), this);
+    sumCS_->setObjectName(QStringLiteral("SumCS"));
+    sumCS_->setFrameShape(QFrame::Panel);
+    sumCS_->setFrameShadow(QFrame::Sunken);
+    sumCS_->setMinimumWidth(110);
+    grid->addWidget(sigma, kRegionCount + 1, kMaxPeaksPerRegion, Qt::AlignRight);
+    grid->addWidget(sumCS_, kRegionCount + 1, 1 + kMaxPeaksPerRegion);
+
+    auto* frame = new QGroupBox(QStringLiteral("Description"), this);
+    desc_ = new QLineEdit(frame);
+    desc_->setObjectName(QStringLiteral("Desc"));
+    (new QVBoxLayout(frame))->addWidget(desc_);
+    connect(desc_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        if (!settingDescription_) project_.Description = Utf8ToLatin1(text.toStdString());
+    });
+
+    auto* options = Button(QStringLiteral("Options"), "Command1", this);
+    auto* open = Button(QStringLiteral("Open XPS"), "Open", this);
+    auto* save = Button(QStringLiteral("Save XPS"), "Save", this);
+    auto* close = Button(QStringLiteral("Close"), "Close", this);
+    auto* optimiseAll = Button(QStringLiteral("Optimise All"), "OptimiseAllRegions", this);
+    connect(options, &QPushButton::clicked, this, [this] {
+        if (openOptions) openOptions();
+    });
+    connect(open, &QPushButton::clicked, this, &MainWindow::OpenProjectCommand);
+    connect(save, &QPushButton::clicked, this, &MainWindow::SaveProjectCommand);
+    connect(close, &QPushButton::clicked, qApp, &QApplication::quit, Qt::QueuedConnection);
+    connect(optimiseAll, &QPushButton::clicked, this,
+            [this] { OptimiseAllCommand(project_, host_); });
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* b : {options, open, save, optimiseAll, close}) buttons->addWidget(b);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(grid);
+    layout->addWidget(frame);
+    layout->addLayout(buttons);
+    RecolourRegionButtons();
+}
+
+void MainWindow::SetChiText(int region, const QString& text) {
+    if (region >= 0 && region < kRegionCount) chi_[static_cast<std::size_t>(region)]->setText(text);
+}
+
+void MainWindow::SetTotalText(const QString& text) { sumCS_->setText(text); }
+
+void MainWindow::SetPeakButton(int index, const QString& caption, bool enabled) {
+    if (index < 0 || index >= kRegionCount * kMaxPeaksPerRegion) return;
+    QPushButton* b = pp_[static_cast<std::size_t>(index)];
+    b->setText(caption);
+    b->setEnabled(enabled);
+}
+
+void MainWindow::SetDescription(const QString& text) {
+    settingDescription_ = true;
+    desc_->setText(text);
+    settingDescription_ = false;
+}
+
+void MainWindow::RecolourRegionButtons() {
+    for (int r = 0; r < kRegionCount; ++r) {
+        QPushButton* b = reg_[static_cast<std::size_t>(r)];
+        const RegionButtonColour colour = RegionButtonColourOf(project_, r);
+        QPalette pal = QApplication::palette(b);
+        if (colour != RegionButtonColour::ButtonFace) {
+            const Rgb c = RegionButtonRgb(colour);
+            pal.setColor(QPalette::Button, QColor(c.r, c.g, c.b));
+        }
+        b->setPalette(pal);
+    }
+}
+
+void MainWindow::PeakButtonClicked(int i) {
+    const Region& region = project_.Regions[static_cast<std::size_t>(i / 10)];
+    const int slot = region.PeakIndex[static_cast<std::size_t>(i % 10)];
+    if (slot < 0 || slot >= kPeakSlots) return;
+    project_.CurrentPeak = static_cast<Int16>(slot);
+    project_.SavedPeaks[static_cast<std::size_t>(slot)] = project_.Peaks[static_cast<std::size_t>(slot)];
+    if (openPeakEditor) openPeakEditor();
+}
+
+void MainWindow::OpenProjectCommand() {
+    const std::string path = files_.Open(kProjectTitle, kProjectFilter);
+    if (path.empty()) return;
+    project_.FileName = path;
+    (void)LoadProject(project_, host_, path);  // failures are shown by LoadProject
+}
+
+void MainWindow::SaveProjectCommand() {
+    const std::string path = files_.Save(kProjectTitle, kProjectFilter, "xps");
+    if (path.empty()) return;
+    project_.FileName = path;
+    if (Status st = SaveProject(project_, path); !st) {
+        host_.Message(st.message());
+        return;
+    }
+    // SaveProject may have cut the description to its stored length.
+    SetDescription(QString::fromStdString(Latin1ToUtf8(project_.Description)));
+    host_.Message(msg::kFileSaved);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    event->accept();
+    QApplication::quit();
+}
+
+}  // namespace molvera::ui

@@ -1,0 +1,67 @@
+#pragma once
+// The main window: region buttons, the 10 x 10 peak buttons, chi-square boxes, the
+// total, the description and the project commands.
+
+#include <QWidget>
+#include <array>
+#include <functional>
+
+#include "model/host.h"
+#include "model/limits.h"
+#include "model/records.h"
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace molvera::ui {
+
+class FileDialog;
+
+/// `XPSForm`.
+class MainWindow : public QWidget {
+    Q_OBJECT
+public:
+    MainWindow(Project& project, Host& host, FileDialog& files, QWidget* parent = nullptr);
+
+    void SetChiText(int region, const QString& text);
+    void SetTotalText(const QString& text);
+    void SetPeakButton(int index, const QString& caption, bool enabled);
+    void SetDescription(const QString& text);
+    /// Region buttons in their colours (data, current, empty).
+    void RecolourRegionButtons();
+
+    QPushButton* RegionButton(int k) const { return reg_[static_cast<std::size_t>(k)]; }
+    QPushButton* PeakButton(int i) const { return pp_[static_cast<std::size_t>(i)]; }
+    QLineEdit* ChiBox(int k) const { return chi_[static_cast<std::size_t>(k)]; }
+    QLabel* TotalLabel() const { return sumCS_; }
+    QLineEdit* DescriptionBox() const { return desc_; }
+
+    /// Open XPS and Save XPS, as their buttons run them.
+    void OpenProjectCommand();
+    void SaveProjectCommand();
+
+    /// Called by "Options" (the options dialog fills itself and shows).
+    std::function<void()> openOptions;
+    /// Called by a peak button after CurrentPeak and SavedPeaks are set: opens the
+    /// peak editor on CurrentPeak (the peak editor window is not built yet).
+    std::function<void()> openPeakEditor;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void PeakButtonClicked(int i);
+
+    Project& project_;
+    Host& host_;
+    FileDialog& files_;
+    std::array<QPushButton*, kRegionCount> reg_{};
+    std::array<QPushButton*, kRegionCount * kMaxPeaksPerRegion> pp_{};
+    std::array<QLineEdit*, kRegionCount> chi_{};
+    QLabel* sumCS_ = nullptr;
+    QLineEdit* desc_ = nullptr;
+    bool settingDescription_ = false;
+};
+
+}  // namespace molvera::ui

@@ -1,0 +1,222 @@
+#include "ui/optionswindow.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "fitting/optionfile.h"
+#include "ui/filechooser.h"
+
+namespace molvera::ui {
+namespace {
+constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
+
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+}  // namespace
+
+OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host, FileDialog& files,
+                             QWidget* parent)
+    : QWidget(parent, Qt::Window), form_(form), options_(options), host_(host), files_(files) {
+    setObjectName(QStringLiteral("OptForm"));
+    setWindowTitle(QStringLiteral("Option"));
+
+    auto* frames = new QHBoxLayout;
+    frames->addWidget(SearchFrame());
+    frames->addWidget(NewtonFrame());
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
+    QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::TolVal);
+    tol->setMaximumWidth(90);
+    bottom->addWidget(tol);
+    bottom->addSpacing(20);
+    glSum_ = new QRadioButton(QStringLiteral("GL Sum"), this);
+    glSum_->setObjectName(QStringLiteral("GLSum"));
+    glProduct_ = new QRadioButton(QStringLiteral("GL Product"), this);
+    glProduct_->setObjectName(QStringLiteral("GLProduct"));
+    bottom->addWidget(glSum_);
+    bottom->addWidget(glProduct_);
+    bottom->addStretch();
+    auto* ok = new QPushButton(QStringLiteral("OK"), this);
+    ok->setObjectName(QStringLiteral("OptionOK"));
+    auto* load = new QPushButton(QStringLiteral("Load Parameters"), this);
+    load->setObjectName(QStringLiteral("ReadOption"));
+    auto* save = new QPushButton(QStringLiteral("Save Parameters"), this);
+    save->setObjectName(QStringLiteral("SaveOption"));
+    bottom->addWidget(ok);
+    bottom->addWidget(load);
+    bottom->addWidget(save);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(frames);
+    layout->addLayout(bottom);
+
+    connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&UseSearchClick); });
+    connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&UseNewtonClick); });
+    connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&GLSumClick); });
+    connect(glProduct_, &QRadioButton::clicked, this, [this] { RunHandler(&GLProductClick); });
+    connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
+    connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
+    connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
+}
+
+QLineEdit* OptionsWindow::Box(const QString& name, std::string OptionsForm::*field) {
+    auto* box = new QLineEdit(this);
+    box->setObjectName(name);
+    texts_.push_back({box, [field](OptionsForm& f) -> std::string& { return f.*field; }});
+    return box;
+}
+
+QGroupBox* OptionsWindow::SearchFrame() {
+    auto* frame = new QGroupBox(QStringLiteral("Parameters for Search Method"), this);
+    auto* layout = new QVBoxLayout(frame);
+    auto* top = new QHBoxLayout;
+    useSearch_ = new QRadioButton(QStringLiteral("Use"), frame);
+    useSearch_->setObjectName(QStringLiteral("UseSearch"));
+    useSearch_->setAutoExclusive(false);
+    top->addWidget(useSearch_);
+    top->addStretch();
+    top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
+    QLineEdit* trials = Box(QStringLiteral("SearchTrial"), &OptionsForm::SearchTrial);
+    trials->setMaximumWidth(60);
+    top->addWidget(trials);
+    layout->addLayout(top);
+    const QString heading = QStringLiteral("Use   Range   Step");
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosSearchCheck,
+                                 &OptionsForm::PosRange, &OptionsForm::PosStep, QStringLiteral("Pos")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaSearchCheck,
+                                 &OptionsForm::AreaRange, &OptionsForm::AreaStep, QStringLiteral("Area")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMSearchCheck,
+                                 &OptionsForm::FWHMRange, &OptionsForm::FWHMStep, QStringLiteral("FWHM")));
+    return frame;
+}
+
+QGroupBox* OptionsWindow::NewtonFrame() {
+    auto* frame = new QGroupBox(QStringLiteral("Parameters for Newton's Method"), this);
+    auto* layout = new QVBoxLayout(frame);
+    auto* top = new QHBoxLayout;
+    useNewton_ = new QRadioButton(QStringLiteral("Use"), frame);
+    useNewton_->setObjectName(QStringLiteral("UseNewton"));
+    useNewton_->setAutoExclusive(false);
+    top->addWidget(useNewton_);
+    top->addStretch();
+    top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
+    QLineEdit* trials = Box(QStringLiteral("NewtonTrial"), &OptionsForm::NewtonTrial);
+    trials->setMaximumWidth(60);
+    top->addWidget(trials);
+    layout->addLayout(top);
+    const QString heading = QStringLiteral("Use  Delta");
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosNewtonCheck,
+                                 &OptionsForm::PosDelta, nullptr, QStringLiteral("PosNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaNewtonCheck,
+                                 &OptionsForm::AreaDelta, nullptr, QStringLiteral("AreaNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMNewtonCheck,
+                                 &OptionsForm::FWHMDelta, nullptr, QStringLiteral("FWHMNewton")));
+    return frame;
+}
+
+QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& heading,
+                                     std::array<bool, kLevels> OptionsForm::*check,
+                                     std::array<std::string, kLevels> OptionsForm::*first,
+                                     std::array<std::string, kLevels> OptionsForm::*second,
+                                     const QString& name) {
+    auto* group = new QGroupBox(title, this);
+    auto* grid = new QGridLayout(group);
+    grid->setVerticalSpacing(2);
+    grid->addWidget(new QLabel(heading, group), 0, 1, 1, 3);
+    const bool search = second != nullptr;
+    for (int i = 0; i < kLevels; ++i) {
+        const auto idx = static_cast<std::size_t>(i);
+        grid->addWidget(new QLabel(QStringLiteral("Level %1").arg(i + 1), group), i + 1, 0);
+        auto* box = new QCheckBox(group);
+        box->setObjectName(name + (search ? QStringLiteral("SearchCheck%1") : QStringLiteral("Check%1")).arg(i));
+        checks_.push_back({box, [check, idx](OptionsForm& f) -> bool& { return (f.*check)[idx]; }});
+        grid->addWidget(box, i + 1, 1);
+        const QString firstName = search ? name + QStringLiteral("Range%1").arg(i)
+                                         : name.left(name.size() - 6) + QStringLiteral("Delta%1").arg(i);
+        auto* a = new QLineEdit(group);
+        a->setObjectName(firstName);
+        a->setMaximumWidth(80);
+        texts_.push_back({a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
+        grid->addWidget(a, i + 1, 2);
+        if (search) {
+            auto* b = new QLineEdit(group);
+            b->setObjectName(name + QStringLiteral("Step%1").arg(i));
+            b->setMaximumWidth(80);
+            texts_.push_back({b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
+            grid->addWidget(b, i + 1, 3);
+        }
+    }
+    return group;
+}
+
+void OptionsWindow::ReadForm() {
+    for (auto& t : texts_) t.field(form_) = t.box->text().toStdString();
+    for (auto& c : checks_) c.field(form_) = c.box->isChecked();
+    form_.UseSearch = useSearch_->isChecked();
+    form_.UseNewton = useNewton_->isChecked();
+    form_.GLSum = glSum_->isChecked();
+    form_.GLProduct = glProduct_->isChecked();
+}
+
+void OptionsWindow::ShowForm() {
+    for (auto& t : texts_) t.box->setText(Q(t.field(form_)));
+    for (auto& c : checks_) c.box->setChecked(c.field(form_));
+    useSearch_->setChecked(form_.UseSearch);
+    useNewton_->setChecked(form_.UseNewton);
+    glSum_->setAutoExclusive(false);
+    glProduct_->setAutoExclusive(false);
+    glSum_->setChecked(form_.GLSum);
+    glProduct_->setChecked(form_.GLProduct);
+    glSum_->setAutoExclusive(true);
+    glProduct_->setAutoExclusive(true);
+    if (setAsymmetryFrameEnabled) setAsymmetryFrameEnabled(form_.AsymmetryFrameEnabled);
+    if (form_.Visible) {
+        show();
+        raise();
+    } else {
+        hide();
+    }
+}
+
+void OptionsWindow::Open() {
+    FillOptionsDialog(options_, form_);
+    ShowForm();
+}
+
+void OptionsWindow::RunHandler(void (*handler)(OptionsForm&, FitOptions&)) {
+    ReadForm();
+    handler(form_, options_);
+    ShowForm();
+}
+
+void OptionsWindow::OkClicked() {
+    ReadForm();
+    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Message(st.message());
+    ShowForm();
+}
+
+void OptionsWindow::LoadParametersClicked() {
+    files_.SetLastFileName({});
+    const std::string path = files_.Open("Load Parameters", kOptionFilter);
+    if (path.empty()) return;
+    ReadForm();
+    if (LoadOptionsCommand(path, form_, options_, host_)) ShowForm();
+}
+
+void OptionsWindow::SaveParametersClicked() {
+    ReadForm();
+    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Message(st.message());
+    ShowForm();
+    const std::string path = files_.Save("Save Parameters", kOptionFilter, "opa");
+    if (path.empty()) return;
+    if (Status st = WriteOptionFile(options_, path); !st) host_.Message(st.message());
+}
+
+}  // namespace molvera::ui

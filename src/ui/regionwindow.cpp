@@ -1,0 +1,103 @@
+#include "ui/regionwindow.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenuBar>
+
+#include "ui/plotwidget.h"
+
+namespace molvera::ui {
+namespace {
+
+/// Menu caption and item name of each import format, by its CLI name.
+struct ImportItem {
+    std::string_view format;
+    const char* caption;
+    const char* name;
+};
+constexpr ImportItem kImportItems[] = {
+    {"kratos", "Import (Kratos)", "Import_Kratos"},
+    {"leybold", "Import (Leybold)", "Import_Leybold"},
+    {"phi", "Import (Phi)", "Import_Phi"},
+    {"vamas", "Import (VAMAS)", "Import_VAMAS"},
+    {"ascii", "Import (ASCII)", "ImportAsc"},
+};
+
+}  // namespace
+
+RegionWindow::RegionWindow(Project& project, Host& host, FileDialog& files, QWidget* parent)
+    : QMainWindow(parent), project_(project), host_(host), files_(files),
+      plot_(new PlotWidget(project, this)) {
+    setObjectName(QStringLiteral("SpecForm"));
+    setWindowTitle(QStringLiteral("Region"));
+    setCentralWidget(plot_);
+    resize(820, 600);
+    BuildMenus();
+}
+
+QAction* RegionWindow::AddItem(QMenu* menu, const QString& caption, const char* name,
+                               std::function<void()> command) {
+    QAction* action = menu ? menu->addAction(caption) : menuBar()->addAction(caption);
+    action->setObjectName(QLatin1String(name));
+    connect(action, &QAction::triggered, this, [command = std::move(command)] { command(); });
+    return action;
+}
+
+void RegionWindow::BuildMenus() {
+    QMenu* data = menuBar()->addMenu(QStringLiteral("Data"));
+    data->setObjectName(QStringLiteral("Data"));
+    for (const ImportFormat& format : ImportFormats()) {
+        for (const ImportItem& item : kImportItems) {
+            if (item.format != format.name) continue;
+            const ImportFormat* f = &format;
+            AddItem(data, QLatin1String(item.caption), item.name, [this, f] { Import(*f); });
+        }
+    }
+    AddItem(data, QStringLiteral("Export (Spectrum)"), "Export", [this] { ExportSpectrumCommand(); });
+    AddItem(data, QStringLiteral("Export (Peak Parameters)"), "ExportPeakParameters",
+            [this] { ExportPeakParametersCommand(); });
+    AddItem(data, QStringLiteral("Export to clipboard"), "ExportClip",
+            [this] { ExportClipboardCommand(); });
+    AddItem(data, QStringLiteral("Print Spectrum"), "PrintG", [this] { PrintCommand(false); });
+    AddItem(data, QStringLiteral("Print with peak parameters"), "Printwithpeakparameters",
+            [this] { PrintCommand(true); });
+
+    AddItem(nullptr, QStringLiteral("Background"), "Background", [this] { BackgroundCommand(); });
+    AddItem(nullptr, QStringLiteral("Add Peak"), "AddPeak", [this] { AddPeakCommand(); });
+
+    QMenu* params = menuBar()->addMenu(QStringLiteral("Parameters"));
+    params->setObjectName(QStringLiteral("RegionParameters"));
+    AddItem(params, QStringLiteral("Region Caption"), "RegionCaption", [this] { RegionCaptionCommand(); });
+    AddItem(params, QStringLiteral("Load Region Parameters"), "LoadRegionParameters",
+            [this] { LoadRegionParametersCommand(); });
+    AddItem(params, QStringLiteral("Save Region Parameters"), "SaveRegionParameters",
+            [this] { SaveRegionParametersCommand(); });
+    AddItem(params, QStringLiteral("Clear Parameters"), "ClearParameters",
+            [this] { ClearParametersCommand(); });
+    AddItem(params, QStringLiteral("Delete Region"), "Delete_Region", [this] { DeleteRegionCommand(); });
+    AddItem(params, QStringLiteral("Region Shift"), "RegionShift", [this] { RegionShiftCommand(); });
+
+    AddItem(nullptr, QStringLiteral("Optimise Region"), "OptimiseRegion",
+            [this] { OptimiseRegionCommand(); });
+    AddItem(nullptr, QStringLiteral("ReDisplay"), "ReDisplay", [this] { ReDisplayCommand(); });
+}
+
+QAction* RegionWindow::Action(const QString& itemName) const {
+    return findChild<QAction*>(itemName);
+}
+
+void RegionWindow::ShowRegion() {
+    setWindowTitle(QStringLiteral("Region %1").arg(project_.CurrentRegion + 1));
+    if (!isVisible()) show();
+    plot_->RequestRedraw();
+}
+
+void RegionWindow::Redraw() { plot_->RequestRedraw(); }
+
+void RegionWindow::closeEvent(QCloseEvent* event) {
+    // The region window is never destroyed; closing it only hides it.
+    event->ignore();
+    hide();
+}
+
+}  // namespace molvera::ui

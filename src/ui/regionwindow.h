@@ -1,0 +1,74 @@
+#pragma once
+// `SpecForm`: the region window with the plot of the current region and the menu of
+// every command on it.
+
+#include <QMainWindow>
+#include <functional>
+#include <string_view>
+
+#include "fileio/formats.h"
+#include "model/host.h"
+#include "model/records.h"
+
+class QAction;
+
+namespace molvera::ui {
+
+class FileDialog;
+class PlotWidget;
+
+/// The region window.
+class RegionWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    RegionWindow(Project& project, Host& host, FileDialog& files, QWidget* parent = nullptr);
+
+    /// ShowRegionWindow: shown, titled "Region N", the plot redrawn.
+    void ShowRegion();
+    /// The redisplay rule: the plot is repainted from the project.
+    void Redraw();
+    PlotWidget* Plot() const { return plot_; }
+    /// The menu item of that name (`Import_Kratos`, `AddPeak`, ...), or null.
+    QAction* Action(const QString& itemName) const;
+
+    // The menu commands.
+    void Import(const ImportFormat& format);
+    void ExportSpectrumCommand();
+    void ExportPeakParametersCommand();
+    void ExportClipboardCommand();
+    void PrintCommand(bool withPeakTable);
+    void BackgroundCommand();
+    void AddPeakCommand();
+    void RegionCaptionCommand();
+    void LoadRegionParametersCommand();
+    void SaveRegionParametersCommand();
+    void ClearParametersCommand();
+    void DeleteRegionCommand();
+    void RegionShiftCommand();
+    void OptimiseRegionCommand();
+    void ReDisplayCommand();
+
+    /// Hooks for the windows of the next step (background dialog, peak editor, region
+    /// shift and caption dialogs); until they are set these menu items do nothing.
+    std::function<void()> openBackgroundDialog;
+    std::function<void()> openPeakEditor;
+    std::function<void()> openRegionCaption;
+    std::function<void()> openRegionShift;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void BuildMenus();
+    QAction* AddItem(QMenu* menu, const QString& caption, const char* name,
+                     std::function<void()> command);
+    bool SaveDialog(std::string_view title, std::string_view filter, const char* extension,
+                    std::string& path);
+
+    Project& project_;
+    Host& host_;
+    FileDialog& files_;
+    PlotWidget* plot_;
+};
+
+}  // namespace molvera::ui

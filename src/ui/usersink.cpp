@@ -1,0 +1,19 @@
+#include "ui/usersink.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+namespace molvera::ui {
+
+void DialogSink::Message(const QString& text) {
+    QMessageBox::information(QApplication::activeWindow(), QStringLiteral("Molvera"), text);
+}
+
+bool DialogSink::AskYesNo(const QString& title, const QString& text) {
+    return QMessageBox::question(QApplication::activeWindow(), title, text,
+                                 QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
+void DialogSink::Beep() { QApplication::beep(); }
+
+}  // namespace molvera::ui

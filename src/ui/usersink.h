@@ -1,0 +1,31 @@
+#pragma once
+// Where the windows talk to the user: message boxes, Yes/No questions and the beep.
+// The program uses real dialogs; tests put a recorder in their place.
+
+#include <QString>
+
+class QWidget;
+
+namespace molvera::ui {
+
+/// Modal messages, questions and the beep, behind one replaceable interface.
+class UserSink {
+public:
+    virtual ~UserSink() = default;
+    /// A modal message box with an OK button.
+    virtual void Message(const QString& text) = 0;
+    /// A modal Yes/No question; true for Yes.
+    virtual bool AskYesNo(const QString& title, const QString& text) = 0;
+    /// The system beep.
+    virtual void Beep() = 0;
+};
+
+/// QMessageBox and QApplication::beep.
+class DialogSink : public UserSink {
+public:
+    void Message(const QString& text) override;
+    bool AskYesNo(const QString& title, const QString& text) override;
+    void Beep() override;
+};
+
+}  // namespace molvera::ui

@@ -1,0 +1,114 @@
+#pragma once
+// A running program with a recording message sink and a scripted file chooser.
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <cstdint>
+#include <deque>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "session/backgroundform.h"
+#include "support/paths.h"
+#include "ui/filechooser.h"
+#include "ui/gui.h"
+#include "ui/mainwindow.h"
+#include "ui/regionwindow.h"
+#include "ui/usersink.h"
+
+namespace molvera::test {
+
+/// NewtonTrials as stored in the repository's default.opa (Int16 at byte 6), read
+/// straight from the bytes.
+inline int DefaultNewtonTrials() {
+    std::ifstream in(std::string(MOLVERA_SOURCE_DIR) + "/default.opa", std::ios::binary);
+    unsigned char b[8] = {};
+    in.read(reinterpret_cast<char*>(b), 8);
+    return static_cast<std::int16_t>(b[6] | (b[7] << 8));
+}
+
+/// Records messages and beeps; answers questions from a script (No when empty).
+class RecordingSink : public ui::UserSink {
+public:
+    std::vector<std::string> messages;
+    std::vector<std::string> questions;
+    std::deque<bool> answers;
+    int beeps = 0;
+    void Message(const QString& text) override { messages.push_back(text.toStdString()); }
+    bool AskYesNo(const QString& title, const QString& text) override {
+        questions.push_back(title.toStdString() + "|" + text.toStdString());
+        if (answers.empty()) return false;
+        const bool a = answers.front();
+        answers.pop_front();
+        return a;
+    }
+    void Beep() override { ++beeps; }
+};
+
+/// Hands out scripted paths ("" cancels) and records every dialog it was asked for.
+class ScriptedChooser : public ui::FileChooser {
+public:
+    struct Request {
+        bool save;
+        std::string title, filter, name;
+    };
+    std::deque<std::string> paths;
+    std::vector<Request> requests;
+    QString OpenFile(const QString& t, const QString& f, const QString& n) override { return Next(false, t, f, n); }
+    QString SaveFile(const QString& t, const QString& f, const QString& n) override { return Next(true, t, f, n); }
+
+private:
+    QString Next(bool save, const QString& t, const QString& f, const QString& n) {
+        requests.push_back({save, t.toStdString(), f.toStdString(), n.toStdString()});
+        if (paths.empty()) return {};
+        const std::string p = paths.front();
+        paths.pop_front();
+        return QString::fromStdString(p);
+    }
+};
+
+/// The program started with the repository's default.opa.
+class GuiTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        gui = std::make_unique<ui::Gui>(sink, chooser);
+        gui->Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa");
+    }
+    Project& project() { return gui->project(); }
+    ui::MainWindow& main() { return gui->mainWindow(); }
+    ui::RegionWindow& region() { return gui->regionWindow(); }
+
+    /// Runs a region window menu item by its name.
+    void Menu(const char* item) {
+        QAction* a = region().Action(QString::fromLatin1(item));
+        ASSERT_NE(a, nullptr) << item;
+        a->trigger();
+    }
+
+    /// Imports the bundled C1s spectrum into the current region through the menu.
+    std::string ImportSample() {
+        const std::string path = DataFile("real/lg4x/C1s_sample.csv");
+        chooser.paths.push_back(path);
+        Menu("ImportAsc");
+        return path;
+    }
+
+    /// A Shirley background over the whole current region, through the dialog logic.
+    void GiveBackground() {
+        BackgroundForm form;
+        ShowBackgroundDialog(project(), form);
+        ASSERT_TRUE(AcceptBackground(project(), gui->host(), form));
+    }
+
+    RecordingSink sink;
+    ScriptedChooser chooser;
+    std::unique_ptr<ui::Gui> gui;
+};
+
+}  // namespace molvera::test

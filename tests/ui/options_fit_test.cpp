@@ -1,0 +1,170 @@
+// The options dialog's controls and messages, and a fit stopped from "Stop Fitting".
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+#include <filesystem>
+
+#include "fileio/numtext.h"
+#include "model/messages.h"
+#include "ui/fittingwindow.h"
+#include "ui/gui_fixture.h"
+#include "ui/optionswindow.h"
+
+namespace molvera::test {
+namespace {
+
+class OptionsTest : public GuiTest {
+protected:
+    void SetUp() override {
+        GuiTest::SetUp();
+        main().findChild<QPushButton*>("Command1")->click();
+    }
+    ui::OptionsWindow& dialog() { return gui->optionsWindow(); }
+    template <class W>
+    W* Control(const char* name) {
+        W* w = dialog().findChild<W*>(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    void Type(const char* box, const char* text) { Control<QLineEdit>(box)->setText(text); }
+    void Ok() { Control<QPushButton>("OptionOK")->click(); }
+};
+
+TEST_F(OptionsTest, OpensFilledFromTheOptions) {
+    EXPECT_TRUE(dialog().isVisible());
+    EXPECT_EQ(dialog().windowTitle(), "Option");
+    EXPECT_TRUE(Control<QRadioButton>("UseNewton")->isChecked());
+    EXPECT_FALSE(Control<QRadioButton>("UseSearch")->isChecked());
+    EXPECT_EQ(Control<QLineEdit>("NewtonTrial")->text(), QString::number(DefaultNewtonTrials()));
+    EXPECT_EQ(Control<QCheckBox>("PosNewtonCheck0")->isChecked(),
+              IsSet(project().Options.PositionNewton[0].Use));
+    EXPECT_EQ(Control<QRadioButton>("GLSum")->isChecked(), IsSet(project().Options.GLSum));
+    EXPECT_NE(Control<QRadioButton>("GLProduct")->isChecked(), IsSet(project().Options.GLSum));
+    for (const char* name : {"PosRange3", "AreaStep2", "FWHMRange0", "PosDelta1", "AreaDelta3",
+                             "FWHMDelta0", "TolVal", "SearchTrial"})
+        Control<QLineEdit>(name);
+    for (const char* name : {"ReadOption", "SaveOption"}) Control<QPushButton>(name);
+}
+
+TEST_F(OptionsTest, MethodButtonsSitInTwoFramesAndStayExclusive) {
+    Control<QRadioButton>("UseSearch")->click();
+    EXPECT_EQ(project().Options.Method, 0.0f);
+    EXPECT_FALSE(Control<QRadioButton>("UseNewton")->isChecked());
+    Control<QRadioButton>("UseNewton")->click();
+    EXPECT_EQ(project().Options.Method, 1.0f);
+    EXPECT_FALSE(Control<QRadioButton>("UseSearch")->isChecked());
+
+    Control<QRadioButton>("GLSum")->click();
+    EXPECT_TRUE(IsSet(project().Options.GLSum));  // at once, without OK
+    Control<QRadioButton>("GLProduct")->click();
+    EXPECT_FALSE(IsSet(project().Options.GLSum));
+}
+
+TEST_F(OptionsTest, OkReportsTheFirstFailureAndKeepsTheDialogOpen) {
+    Type("SearchTrial", "201");
+    Ok();
+    ASSERT_EQ(sink.messages, std::vector<std::string>{msg::kSearchTrialsRange});
+    EXPECT_TRUE(dialog().isVisible());
+
+    Type("SearchTrial", "2.5");
+    Type("NewtonTrial", "0");
+    Ok();
+    EXPECT_EQ(sink.messages.back(), msg::kNewtonTrialsRange);
+    EXPECT_EQ(project().Options.SearchTrials, 2);  // stored before the failure
+
+    Type("NewtonTrial", "200");
+    Type("TolVal", "100.5");
+    Ok();
+    EXPECT_EQ(sink.messages.back(), msg::kToleranceRange);
+
+    Type("TolVal", "0.01");
+    Control<QCheckBox>("PosSearchCheck0")->setChecked(true);
+    Type("PosRange0", "0");
+    Ok();
+    EXPECT_EQ(sink.messages.back(), "Range value for Position of level 1 must be >0");
+    EXPECT_TRUE(IsSet(project().Options.PositionSearch[0].Use));
+    EXPECT_EQ(project().Options.Tolerance, 0.01f / 100.0f);
+
+    Type("PosRange0", "1");
+    Control<QCheckBox>("FWHMNewtonCheck2")->setChecked(true);
+    Type("FWHMDelta2", "-1");
+    Ok();
+    EXPECT_EQ(sink.messages.back(), "Delta value for FWHM of level 3 must be >0");
+
+    Type("FWHMDelta2", "0.01");
+    const std::size_t shown = sink.messages.size();
+    Ok();
+    EXPECT_EQ(sink.messages.size(), shown);
+    EXPECT_FALSE(dialog().isVisible());
+    EXPECT_EQ(project().Options.NewtonTrials, 200);
+}
+
+TEST_F(OptionsTest, SaveAndLoadParametersGoThroughTheFileDialog) {
+    const auto dir = ScratchDir();
+    const std::string opa = (dir / "mine.opa").string();
+    Type("NewtonTrial", "7");
+    chooser.paths.push_back(opa);
+    Control<QPushButton>("SaveOption")->click();
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(chooser.requests.back().filter, "Parameter Files (*.opa)");
+    EXPECT_EQ(std::filesystem::file_size(opa), 206u);
+
+    main().findChild<QPushButton*>("Command1")->click();
+    Type("NewtonTrial", "9");
+    Ok();
+    EXPECT_EQ(project().Options.NewtonTrials, 9);
+    chooser.paths.push_back(opa);
+    Control<QPushButton>("ReadOption")->click();
+    EXPECT_EQ(chooser.requests.back().name, "");  // the dialog's name is emptied first
+    EXPECT_EQ(project().Options.NewtonTrials, 7);
+    EXPECT_EQ(Control<QLineEdit>("NewtonTrial")->text(), "7");
+    EXPECT_TRUE(dialog().isVisible());
+}
+
+TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
+    ImportSample();
+    GiveBackground();
+    for (int k = 0; k < 3; ++k) Menu("AddPeak");
+    project().Peaks[1].Position -= 2.0f;
+    project().Peaks[2].Position += 2.0f;
+    project().Options.Method = 1;
+    project().Options.NewtonTrials = 200;
+    for (int k = 0; k < 3; ++k) project().Peaks[static_cast<std::size_t>(k)].FixGL = 0;
+
+    // Each Yield runs the zero timer once; on the 20th run Stop is clicked.
+    int ticks = 0;
+    bool fittingShown = false, othersDisabled = false;
+    QTimer timer;
+    timer.setInterval(0);
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (++ticks != 20) return;
+        fittingShown = gui->fittingWindow().isVisible();
+        othersDisabled = !main().isEnabled() && !region().isEnabled();
+        gui->fittingWindow().StopButton()->click();
+    });
+    timer.start();
+    const float before = project().TotalChiSquare;
+    const int redrawsBefore = gui->host().RedrawCount();
+    Menu("OptimiseRegion");
+    timer.stop();
+
+    EXPECT_GE(ticks, 20);
+    EXPECT_TRUE(fittingShown);
+    EXPECT_TRUE(othersDisabled);
+    EXPECT_EQ(gui->fittingWindow().StopButton()->text(), "Stop Fitting");
+    EXPECT_EQ(gui->fittingWindow().windowTitle(), "Fitting");
+    EXPECT_FALSE(gui->fittingWindow().isVisible());
+    EXPECT_TRUE(main().isEnabled());
+    EXPECT_TRUE(region().isEnabled());
+    EXPECT_FALSE(project().StopRequested);
+    // One redraw per finished trial: far fewer than the 200 asked for.
+    EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 20);
+    EXPECT_LT(project().TotalChiSquare, before);  // the steps made before Stop are kept
+    EXPECT_EQ(main().TotalLabel()->text().toStdString(), FormatGeneral(project().TotalChiSquare));
+}
+
+}  // namespace
+}  // namespace molvera::test
