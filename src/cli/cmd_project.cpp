@@ -64,11 +64,11 @@ std::vector<std::string> SplitColons(const std::string& s) {
 }
 
 // "L:RANGE:STEP" / "L:DELTA" ticks level L and types the numbers into its boxes;
-// "L:off" unticks it. Returns false for a malformed specification.
-bool ApplyLevelSpec(const std::string& spec, std::size_t numbers,
+// "L:off" unticks it. Returns false when the text is malformed.
+bool ApplyLevelSpec(const std::string& levelText, std::size_t numbers,
                     std::array<bool, kLevels>& check, std::array<std::string, kLevels>* box1,
                     std::array<std::string, kLevels>* box2) {
-    auto parts = SplitColons(spec);
+    auto parts = SplitColons(levelText);
     if (parts.size() < 2 || parts[0].size() != 1 || parts[0][0] < '1' || parts[0][0] > '4')
         return false;
     const int level = parts[0][0] - '1';
@@ -128,8 +128,8 @@ int RunOptions(int argc, char** argv) {
         {"fwhm-newton", 1, &form.FWHMNewtonCheck, &form.FWHMDelta, nullptr},
     };
     for (const LevelOption& l : levels) {
-        for (const std::string& spec : args.Values(l.name)) {
-            if (!ApplyLevelSpec(spec, l.numbers, *l.check, l.box1, l.box2)) {
+        for (const std::string& levelText : args.Values(l.name)) {
+            if (!ApplyLevelSpec(levelText, l.numbers, *l.check, l.box1, l.box2)) {
                 return Fail(std::string("--") + l.name + " takes " +
                             (l.numbers == 2 ? "LEVEL:RANGE:STEP" : "LEVEL:DELTA") +
                             " or LEVEL:off, with LEVEL 1..4");
