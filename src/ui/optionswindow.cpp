@@ -33,7 +33,7 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host,
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
     QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::TolVal);
-    tol->setMaximumWidth(90);
+    tol->setMinimumWidth(150);
     bottom->addWidget(tol);
     bottom->addSpacing(20);
     glSum_ = new QRadioButton(QStringLiteral("GL Sum"), this);
@@ -166,7 +166,10 @@ void OptionsWindow::ReadForm() {
 }
 
 void OptionsWindow::ShowForm() {
-    for (auto& t : texts_) t.box->setText(Q(t.field(form_)));
+    for (auto& t : texts_) {
+        t.box->setText(Q(t.field(form_)));
+        t.box->setCursorPosition(0);  // long numbers show their leading digits
+    }
     for (auto& c : checks_) c.box->setChecked(c.field(form_));
     useSearch_->setChecked(form_.UseSearch);
     useNewton_->setChecked(form_.UseNewton);

@@ -1,10 +1,12 @@
 #include "ui/qthost.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 
 #include "fileio/numtext.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
+#include "ui/plotwidget.h"
 #include "ui/regionwindow.h"
 #include "ui/usersink.h"
 
@@ -40,14 +42,25 @@ void QtHost::SetDescriptionText(const std::string& text) {
     if (main_) main_->SetDescription(QString::fromStdString(Latin1ToUtf8(text)));
 }
 
+void QtHost::RequestPlotRedraw() {
+    if (!region_) return;
+    if (fitRunning_ && sincePaint_.isValid() && sincePaint_.elapsed() < paintGapMs_) {
+        redrawPending_ = true;
+        return;
+    }
+    redrawPending_ = false;
+    region_->Redraw();
+}
+
 void QtHost::RedrawRegion() {
     ++redraws_;
-    if (region_) region_->Redraw();
+    RequestPlotRedraw();
 }
 
 void QtHost::ShowRegionWindow() {
     ++redraws_;
-    if (region_) region_->ShowRegion();
+    if (region_) region_->ShowRegion(false);
+    RequestPlotRedraw();
     Yield();
 }
 
@@ -63,9 +76,22 @@ void QtHost::HideRegionDialogs() {
     if (hideRegionDialogs) hideRegionDialogs();
 }
 
-void QtHost::Yield() { QCoreApplication::processEvents(); }
+void QtHost::Yield() {
+    const int paintsBefore = region_ ? region_->Plot()->PaintCount() : 0;
+    QElapsedTimer timer;
+    timer.start();
+    QCoreApplication::processEvents();
+    if (region_ && region_->Plot()->PaintCount() != paintsBefore) {
+        constexpr qint64 kRefreshMs = 16;
+        paintGapMs_ = std::max(kRefreshMs, 10 * timer.elapsed());
+        sincePaint_.restart();
+    }
+    if (redrawPending_ && (!sincePaint_.isValid() || sincePaint_.elapsed() >= paintGapMs_))
+        RequestPlotRedraw();
+}
 
 void QtHost::BeginFit() {
+    fitRunning_ = true;
     if (fitting_) fitting_->show();
     if (main_) main_->setEnabled(false);
     if (region_) region_->setEnabled(false);
@@ -73,6 +99,8 @@ void QtHost::BeginFit() {
 }
 
 void QtHost::EndFit() {
+    fitRunning_ = false;
+    if (redrawPending_) RequestPlotRedraw();
     if (fitting_) fitting_->hide();
     if (main_) main_->setEnabled(true);
     if (region_) region_->setEnabled(true);

@@ -2,6 +2,7 @@
 // The core's Host on the Qt windows: messages through the user sink, the main
 // window's boxes and buttons, redraws of the region window, the fitting window.
 
+#include <QElapsedTimer>
 #include <functional>
 
 #include "model/host.h"
@@ -48,12 +49,20 @@ public:
     std::function<void(bool enabled)> enableDialogs;
 
 private:
+    /// Asks the plot for a repaint; during a fit at most one paint in every stretch of
+    /// ten paint durations, so that painting costs the fit no more than about a tenth.
+    void RequestPlotRedraw();
+
     Project& project_;
     UserSink& sink_;
     MainWindow* main_ = nullptr;
     RegionWindow* region_ = nullptr;
     FittingWindow* fitting_ = nullptr;
     int redraws_ = 0;
+    bool fitRunning_ = false;
+    bool redrawPending_ = false;
+    QElapsedTimer sincePaint_;
+    qint64 paintGapMs_ = 0;
 };
 
 }  // namespace molvera::ui

@@ -86,10 +86,10 @@ QAction* RegionWindow::Action(const QString& itemName) const {
     return findChild<QAction*>(itemName);
 }
 
-void RegionWindow::ShowRegion() {
+void RegionWindow::ShowRegion(bool redraw) {
     setWindowTitle(QStringLiteral("Region %1").arg(project_.CurrentRegion + 1));
     if (!isVisible()) show();
-    plot_->RequestRedraw();
+    if (redraw) plot_->RequestRedraw();
 }
 
 void RegionWindow::Redraw() { plot_->RequestRedraw(); }

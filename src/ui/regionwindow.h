@@ -23,8 +23,8 @@ class RegionWindow : public QMainWindow {
 public:
     RegionWindow(Project& project, Host& host, FileDialog& files, QWidget* parent = nullptr);
 
-    /// ShowRegionWindow: shown, titled "Region N", the plot redrawn.
-    void ShowRegion();
+    /// ShowRegionWindow: shown and titled "Region N"; the plot redrawn when asked.
+    void ShowRegion(bool redraw = true);
     /// The redisplay rule: the plot is repainted from the project.
     void Redraw();
     PlotWidget* Plot() const { return plot_; }
