@@ -11,7 +11,7 @@ PACKAGES := cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchm
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all deps configure build run test asan-test bench clean
+.PHONY: all deps configure build run test asan-test bench screenshots clean
 
 all: build
 
@@ -53,6 +53,14 @@ asan-test: deps
 
 bench: build
 	$(BUILD)/bench/molvera_bench
+
+# Pictures of the main window, the region window with a fitted spectrum and the
+# options dialog, as PNG files in out/screenshots/.
+screenshots: build
+	mkdir -p out/screenshots
+	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/out/screenshots \
+	  $(BUILD)/tests/ui/molvera_ui_tests --gtest_also_run_disabled_tests \
+	  --gtest_filter='GuiTest.DISABLED_Screenshots'
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
