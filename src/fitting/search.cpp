@@ -90,6 +90,9 @@ double Clamp(const ParameterConstraint& c, double v) {
     return v;
 }
 
+// Grid trials between two yields inside one search level.
+constexpr long kTrialsPerYield = 1024;
+
 /// One level of position, area or FWHM; returns the best score, the best value is
 /// left in EditPeak.
 float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int p,
@@ -105,6 +108,12 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int
     double best = ValueOf(edit, g);
     float bestScore = baseline;
     for (long k = 0; k < kMaxGridTrials; ++k) {
+        // A fine step over a wide range (an option file is not checked like the dialog)
+        // makes a grid of up to a million trials: let Stop Fitting through now and then.
+        if (k > 0 && k % kTrialsPerYield == 0) {
+            host.Yield();
+            if (project.StopRequested) break;
+        }
         const double d = -range + static_cast<double>(k) * step;
         if (!(d <= range)) break;
         if (d == 0) continue;
