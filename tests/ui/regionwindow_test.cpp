@@ -1,6 +1,8 @@
 // The region window's menu: imports, exports, Add Peak, Delete Region, Clear Parameters.
 #include <QApplication>
 #include <QClipboard>
+#include <QDialog>
+#include <QTimer>
 #include <QImage>
 #include <QMenuBar>
 #include <QPushButton>
@@ -196,6 +198,29 @@ TEST_F(GuiTest, ExportToClipboardPutsAPicture) {
     const QImage image = QApplication::clipboard()->image();
     EXPECT_FALSE(image.isNull());
     EXPECT_GE(image.width(), 800);
+}
+
+TEST_F(GuiTest, PrintNeedsDataAndCancellingThePrintDialogChangesNothing) {
+    QStringList titles;
+    QTimer closer;
+    closer.setInterval(10);
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        if (auto* d = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            titles << d->windowTitle();
+            d->reject();
+        }
+    });
+    closer.start();
+    Menu("PrintG");  // no data: no dialog
+    EXPECT_TRUE(titles.isEmpty());
+
+    ImportSample();
+    const Region before = project().Regions[0];
+    Menu("Printwithpeakparameters");
+    closer.stop();
+    EXPECT_EQ(titles, QStringList{"Print with peak parameters"});
+    EXPECT_TRUE(project().Regions[0] == before);
+    EXPECT_TRUE(sink.messages.empty());
 }
 
 }  // namespace
