@@ -77,6 +77,11 @@ void QtHost::HideRegionDialogs() {
 }
 
 void QtHost::Yield() {
+    // A fit yields after every parameter step; input and paints are looked at every
+    // couple of milliseconds, which keeps Stop prompt and the fit fast.
+    constexpr qint64 kYieldGapMs = 2;
+    if (fitRunning_ && sinceYield_.isValid() && sinceYield_.elapsed() < kYieldGapMs) return;
+    sinceYield_.restart();
     const int paintsBefore = region_ ? region_->Plot()->PaintCount() : 0;
     QElapsedTimer timer;
     timer.start();
@@ -94,7 +99,7 @@ void QtHost::BeginFit() {
     fitRunning_ = true;
     if (fitting_) fitting_->show();
     if (main_) main_->setEnabled(false);
-    if (region_) region_->setEnabled(false);
+    if (region_) region_->SetCommandsEnabled(false);
     if (enableDialogs) enableDialogs(false);
 }
 
@@ -103,7 +108,7 @@ void QtHost::EndFit() {
     if (redrawPending_) RequestPlotRedraw();
     if (fitting_) fitting_->hide();
     if (main_) main_->setEnabled(true);
-    if (region_) region_->setEnabled(true);
+    if (region_) region_->SetCommandsEnabled(true);
     if (enableDialogs) enableDialogs(true);
 }
 

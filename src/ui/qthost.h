@@ -62,6 +62,7 @@ private:
     bool fitRunning_ = false;
     bool redrawPending_ = false;
     QElapsedTimer sincePaint_;
+    QElapsedTimer sinceYield_;
     qint64 paintGapMs_ = 0;
 };
 

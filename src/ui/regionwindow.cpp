@@ -94,6 +94,13 @@ void RegionWindow::ShowRegion(bool redraw) {
 
 void RegionWindow::Redraw() { plot_->RequestRedraw(); }
 
+void RegionWindow::SetCommandsEnabled(bool enabled) {
+    menuBar()->setEnabled(enabled);
+    plot_->setAttribute(Qt::WA_TransparentForMouseEvents, !enabled);
+}
+
+bool RegionWindow::CommandsEnabled() const { return menuBar()->isEnabled(); }
+
 void RegionWindow::closeEvent(QCloseEvent* event) {
     // The region window is never destroyed; closing it only hides it.
     event->ignore();

@@ -28,6 +28,10 @@ public:
     /// The redisplay rule: the plot is repainted from the project.
     void Redraw();
     PlotWidget* Plot() const { return plot_; }
+    /// During a fit the menu and the plot's read-out take no input; the window itself
+    /// stays enabled so that the plot is not repainted for the change of state.
+    void SetCommandsEnabled(bool enabled);
+    bool CommandsEnabled() const;
     /// The menu item of that name (`Import_Kratos`, `AddPeak`, ...), or null.
     QAction* Action(const QString& itemName) const;
 

@@ -127,22 +127,25 @@ TEST_F(OptionsTest, SaveAndLoadParametersGoThroughTheFileDialog) {
 TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     ImportSample();
     GiveBackground();
-    for (int k = 0; k < 3; ++k) Menu("AddPeak");
-    project().Peaks[1].Position -= 2.0f;
-    project().Peaks[2].Position += 2.0f;
+    for (int k = 0; k < 6; ++k) Menu("AddPeak");
+    for (int k = 0; k < 6; ++k) {
+        Peak& p = project().Peaks[static_cast<std::size_t>(k)];
+        p.Position += static_cast<float>(k - 3);
+        p.FixGL = 0;
+    }
     project().Options.Method = 1;
     project().Options.NewtonTrials = 200;
-    for (int k = 0; k < 3; ++k) project().Peaks[static_cast<std::size_t>(k)].FixGL = 0;
 
-    // Each Yield runs the zero timer once; on the 20th run Stop is clicked.
+    // The zero timer runs once per pass of the event loop during the fit; on its
+    // third run Stop is clicked, a few milliseconds into a fit of 200 trials.
     int ticks = 0;
     bool fittingShown = false, othersDisabled = false;
     QTimer timer;
     timer.setInterval(0);
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (++ticks != 20) return;
+        if (++ticks != 3) return;
         fittingShown = gui->fittingWindow().isVisible();
-        othersDisabled = !main().isEnabled() && !region().isEnabled();
+        othersDisabled = !main().isEnabled() && !region().CommandsEnabled();
         gui->fittingWindow().StopButton()->click();
     });
     timer.start();
@@ -151,17 +154,18 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     Menu("OptimiseRegion");
     timer.stop();
 
-    EXPECT_GE(ticks, 20);
+    EXPECT_GE(ticks, 3);
     EXPECT_TRUE(fittingShown);
     EXPECT_TRUE(othersDisabled);
     EXPECT_EQ(gui->fittingWindow().StopButton()->text(), "Stop Fitting");
     EXPECT_EQ(gui->fittingWindow().windowTitle(), "Fitting");
     EXPECT_FALSE(gui->fittingWindow().isVisible());
     EXPECT_TRUE(main().isEnabled());
-    EXPECT_TRUE(region().isEnabled());
+    EXPECT_TRUE(region().CommandsEnabled());
     EXPECT_FALSE(project().StopRequested);
     // One redraw per finished trial: far fewer than the 200 asked for.
-    EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 20);
+    RecordProperty("redraws", gui->host().RedrawCount() - redrawsBefore);
+    EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 100);
     EXPECT_LT(project().TotalChiSquare, before);  // the steps made before Stop are kept
     EXPECT_EQ(main().TotalLabel()->text().toStdString(), FormatGeneral(project().TotalChiSquare));
 }
