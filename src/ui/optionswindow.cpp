@@ -129,7 +129,11 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
     auto* group = new QGroupBox(title, this);
     auto* grid = new QGridLayout(group);
     grid->setVerticalSpacing(2);
-    grid->addWidget(new QLabel(heading, group), 0, 1, 1, 3);
+    // The heading's words sit over their columns.
+    const QStringList words = heading.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (qsizetype c = 0; c < words.size(); ++c)
+        grid->addWidget(new QLabel(words[c], group), 0, static_cast<int>(c) + 1, Qt::AlignLeft);
+    grid->setColumnStretch(4, 1);
     const bool search = second != nullptr;
     for (int i = 0; i < kLevels; ++i) {
         const auto idx = static_cast<std::size_t>(i);
@@ -142,13 +146,13 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
                                          : name.left(name.size() - 6) + QStringLiteral("Delta%1").arg(i);
         auto* a = new QLineEdit(group);
         a->setObjectName(firstName);
-        a->setMaximumWidth(80);
+        a->setFixedWidth(80);
         texts_.push_back({a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
         grid->addWidget(a, i + 1, 2);
         if (search) {
             auto* b = new QLineEdit(group);
             b->setObjectName(name + QStringLiteral("Step%1").arg(i));
-            b->setMaximumWidth(80);
+            b->setFixedWidth(80);
             texts_.push_back({b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
             grid->addWidget(b, i + 1, 3);
         }
