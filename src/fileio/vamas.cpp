@@ -152,10 +152,11 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
     if (IsMap(h.mode)) lines.Skip(2);  // x, y coordinates
     lines.Skip(h.experimentalVariables);
     lines.Skip(1);  // analysis source label
-    if (IsDepthProfile(h.mode) ||
-        OneOf(b.technique, {"FABMS", "FABMS energy spec", "ISS", "SIMS", "SIMS energy spec", "SNMS",
-                            "SNMS energy spec"}))
-        lines.Skip(3);  // sputtering ion
+    // ISS and the mass spectrometries (FABMS, SIMS, SNMS and their energy spectra) name
+    // their sputtering ion
+    const bool sputtered = b.technique == "ISS" || b.technique.starts_with("FABMS") ||
+                           b.technique.starts_with("SIMS") || b.technique.starts_with("SNMS");
+    if (IsDepthProfile(h.mode) || sputtered) lines.Skip(3);  // sputtering ion
     const double hv = lines.Real();
     lines.Skip(3);  // source strength, beam width x and y
     if (IsMap(h.mode)) lines.Skip(2);  // field of view
