@@ -100,18 +100,23 @@ BackgroundDialog::BackgroundDialog(Project& project, Host& host, QWidget* parent
     slope_ = Box("ShirleySlope");
     auto* shirleyOpt = new QPushButton(QStringLiteral("Optimise"), shirley);
     shirleyOpt->setObjectName(QStringLiteral("Command1"));
-    shirleyRow->addWidget(new QLabel(QStringLiteral("Slope"), shirley));
+    auto* slopeLabel = new QLabel(QStringLiteral("Slope"), shirley);
+    shirleyRow->addWidget(slopeLabel);
     shirleyRow->addWidget(slope_);
     shirleyRow->addWidget(shirleyOpt);
+    shirleyRow->addStretch();
 
     auto* tougaard = new QGroupBox(QStringLiteral("For Tougaard only"), this);
     auto* tougaardRow = new QHBoxLayout(tougaard);
     touB1_ = Box("TouB1");
     auto* tougaardOpt = new QPushButton(QStringLiteral("Optimise"), tougaard);
     tougaardOpt->setObjectName(QStringLiteral("Toug_Opt"));
-    tougaardRow->addWidget(new QLabel(QStringLiteral("B1"), tougaard));
+    auto* b1Label = new QLabel(QStringLiteral("B1"), tougaard);
+    b1Label->setMinimumWidth(slopeLabel->sizeHint().width());  // the two boxes in line
+    tougaardRow->addWidget(b1Label);
     tougaardRow->addWidget(touB1_);
     tougaardRow->addWidget(tougaardOpt);
+    tougaardRow->addStretch();
 
     auto* bottom = new QHBoxLayout;
     area_ = Box("Area");
@@ -143,13 +148,14 @@ BackgroundDialog::BackgroundDialog(Project& project, Host& host, QWidget* parent
 QLineEdit* BackgroundDialog::Box(const char* name) {
     auto* box = new QLineEdit(this);
     box->setObjectName(QLatin1String(name));
-    box->setMinimumWidth(110);
+    box->setFixedWidth(120);
     return box;
 }
 
 QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) {
     // Editable, as the boxes are: a typed text that is not an item is refused by Accept.
     auto* box = new QComboBox(this);
+    box->setFixedWidth(120);
     box->setObjectName(QLatin1String(name));
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
