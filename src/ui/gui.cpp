@@ -1,10 +1,15 @@
 #include "ui/gui.h"
 
+#include <initializer_list>
+
 #include "model/project.h"
 #include "spectral/lineshape.h"
+#include "ui/backgrounddialog.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
 #include "ui/optionswindow.h"
+#include "ui/plotwidget.h"
+#include "ui/regiondialogs.h"
 #include "ui/regionwindow.h"
 
 namespace molvera::ui {
@@ -17,8 +22,28 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     fitting_ = std::make_unique<FittingWindow>(*project_);
     host_.Attach(main_.get(), region_.get(), fitting_.get());
     main_->openOptions = [this] { options_->Open(); };
-    // Peak editor, background, caption and shift windows: hooks stay empty until
-    // those windows are built.
+    AttachRegionDialogs();
+}
+
+void Gui::AttachRegionDialogs() {
+    background_ = std::make_unique<BackgroundDialog>(*project_, host_);
+    shift_ = std::make_unique<RegionShiftDialog>(*project_);
+    caption_ = std::make_unique<RegionCaptionDialog>(*project_, host_);
+    background_->repaintPlot = [this] { region_->Plot()->RedrawNow(); };
+    region_->openBackgroundDialog = [this] { background_->Open(); };
+    region_->openRegionShift = [this] { shift_->Open(); };
+    region_->openRegionCaption = [this] { caption_->Open(); };
+    // Other windows may share these host hooks: each adds its part to what is there.
+    host_.hideRegionDialogs = [this, before = host_.hideRegionDialogs] {
+        if (before) before();
+        background_->CloseClicked();
+    };
+    host_.enableDialogs = [this, before = host_.enableDialogs](bool enabled) {
+        if (before) before(enabled);
+        for (QWidget* w :
+             std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get()})
+            w->setEnabled(enabled);
+    };
 }
 
 Gui::~Gui() { host_.Attach(nullptr, nullptr, nullptr); }

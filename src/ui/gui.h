@@ -17,6 +17,9 @@ class MainWindow;
 class RegionWindow;
 class OptionsWindow;
 class FittingWindow;
+class BackgroundDialog;
+class RegionShiftDialog;
+class RegionCaptionDialog;
 
 /// One running program.
 class Gui {
@@ -35,6 +38,9 @@ public:
     RegionWindow& regionWindow() { return *region_; }
     OptionsWindow& optionsWindow() { return *options_; }
     FittingWindow& fittingWindow() { return *fitting_; }
+    BackgroundDialog& backgroundDialog() { return *background_; }
+    RegionShiftDialog& regionShiftDialog() { return *shift_; }
+    RegionCaptionDialog& regionCaptionDialog() { return *caption_; }
 
 private:
     std::unique_ptr<Project> project_;  // large: kept off the stack
@@ -45,6 +51,12 @@ private:
     std::unique_ptr<RegionWindow> region_;
     std::unique_ptr<OptionsWindow> options_;
     std::unique_ptr<FittingWindow> fitting_;
+    std::unique_ptr<BackgroundDialog> background_;
+    std::unique_ptr<RegionShiftDialog> shift_;
+    std::unique_ptr<RegionCaptionDialog> caption_;
+
+    /// The background, region shift and region caption dialogs on their hooks.
+    void AttachRegionDialogs();
 };
 
 }  // namespace molvera::ui

@@ -1,6 +1,7 @@
 #include "ui/qthost.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <algorithm>
 
 #include "fileio/numtext.h"
@@ -109,6 +110,20 @@ void QtHost::EndFit() {
     if (fitting_) fitting_->hide();
     if (main_) main_->setEnabled(true);
     if (region_) region_->SetCommandsEnabled(true);
+    if (enableDialogs) enableDialogs(true);
+}
+
+void QtHost::BeginBusy() {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    if (main_) main_->setEnabled(false);
+    if (region_) region_->setEnabled(false);
+    if (enableDialogs) enableDialogs(false);
+}
+
+void QtHost::EndBusy() {
+    QGuiApplication::restoreOverrideCursor();
+    if (main_) main_->setEnabled(true);
+    if (region_) region_->setEnabled(true);
     if (enableDialogs) enableDialogs(true);
 }
 

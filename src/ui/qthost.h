@@ -37,6 +37,8 @@ public:
     void Yield() override;
     void BeginFit() override;
     void EndFit() override;
+    void BeginBusy() override;
+    void EndBusy() override;
 
     /// Number of redraws asked for so far (ShowRegionWindow included).
     int RedrawCount() const { return redraws_; }

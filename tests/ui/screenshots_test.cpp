@@ -9,6 +9,7 @@
 
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
+#include "ui/backgrounddialog.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 
@@ -57,6 +58,9 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Save(region(), dir, "region-window.png");
     main().findChild<QPushButton*>("Command1")->click();
     Save(gui->optionsWindow(), dir, "options-dialog.png");
+    Menu("Background");
+    gui->backgroundDialog().findChild<QPushButton*>("BGAccept")->click();  // shows the area
+    Save(gui->backgroundDialog(), dir, "background-dialog.png");
 }
 
 }  // namespace

@@ -1,0 +1,235 @@
+#include "ui/backgrounddialog.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <functional>
+
+#include "session/backgroundoptimise.h"
+
+namespace molvera::ui {
+namespace {
+
+QString Q(const std::string& latin1) {
+    return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
+}
+std::string S(const QString& text) {
+    return text.toLatin1().toStdString();
+}
+
+// The program's host, which the dialog's boxes and the plot follow during a search:
+// before every yield the trial values go into the boxes and a redraw asked for since
+// the last yield is painted at once (the plot otherwise paints once per screen refresh).
+class EchoHost : public Host {
+public:
+    EchoHost(Host& inner, std::function<void(bool redrawn)> beforeYield)
+        : inner_(inner), beforeYield_(std::move(beforeYield)) {}
+    void Message(const std::string& text) override { inner_.Message(text); }
+    bool AskYesNo(const std::string& title, const std::string& text) override {
+        return inner_.AskYesNo(title, text);
+    }
+    void Beep() override { inner_.Beep(); }
+    void SetRegionChiText(int region, const std::string& text) override {
+        inner_.SetRegionChiText(region, text);
+    }
+    void SetTotalChiText(const std::string& text) override { inner_.SetTotalChiText(text); }
+    void SetPeakButton(int index, const std::string& caption, bool enabled) override {
+        inner_.SetPeakButton(index, caption, enabled);
+    }
+    void SetDescriptionText(const std::string& text) override { inner_.SetDescriptionText(text); }
+    void RedrawRegion() override {
+        redrawn_ = true;
+        inner_.RedrawRegion();
+    }
+    void ShowRegionWindow() override { inner_.ShowRegionWindow(); }
+    void RecolourRegionButtons() override { inner_.RecolourRegionButtons(); }
+    void HidePeakEditor() override { inner_.HidePeakEditor(); }
+    void HideRegionDialogs() override { inner_.HideRegionDialogs(); }
+    void Yield() override {
+        beforeYield_(redrawn_);
+        redrawn_ = false;
+        inner_.Yield();
+    }
+    void BeginFit() override { inner_.BeginFit(); }
+    void EndFit() override { inner_.EndFit(); }
+    void BeginBusy() override { inner_.BeginBusy(); }
+    void EndBusy() override { inner_.EndBusy(); }
+
+private:
+    Host& inner_;
+    std::function<void(bool)> beforeYield_;
+    bool redrawn_ = false;
+};
+
+void SetChoice(QComboBox* box, const std::string& text) {
+    const int index = box->findText(Q(text));
+    if (index >= 0) box->setCurrentIndex(index);
+    box->setEditText(Q(text));
+}
+
+}  // namespace
+
+BackgroundDialog::BackgroundDialog(Project& project, Host& host, QWidget* parent)
+    : QWidget(parent, Qt::Window), project_(project), host_(host) {
+    setObjectName(QStringLiteral("BGForm"));
+    setWindowTitle(QStringLiteral("Background"));
+
+    auto* boundary = new QGroupBox(QStringLiteral("Boundary"), this);
+    auto* ends = new QFormLayout(boundary);
+    lbe_ = Box("LBE");
+    hbe_ = Box("HBE");
+    ends->addRow(QStringLiteral("Low BE"), lbe_);
+    ends->addRow(QStringLiteral("High BE"), hbe_);
+
+    auto* choices = new QFormLayout;
+    averPt_ = Choice("AverPt", {QStringLiteral("None"), QStringLiteral("3"), QStringLiteral("5"),
+                                QStringLiteral("7"), QStringLiteral("9")});
+    bg_ = Choice("BG",
+                 {QStringLiteral("Shirley"), QStringLiteral("Linear"), QStringLiteral("Tougaard")});
+    choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averPt_);
+    choices->addRow(QStringLiteral("Backgound Type"), bg_);
+
+    auto* shirley = new QGroupBox(QStringLiteral("Shirley+Linear (0 for Shir.)"), this);
+    auto* shirleyRow = new QHBoxLayout(shirley);
+    slope_ = Box("ShirleySlope");
+    auto* shirleyOpt = new QPushButton(QStringLiteral("Optimise"), shirley);
+    shirleyOpt->setObjectName(QStringLiteral("Command1"));
+    auto* slopeLabel = new QLabel(QStringLiteral("Slope"), shirley);
+    shirleyRow->addWidget(slopeLabel);
+    shirleyRow->addWidget(slope_);
+    shirleyRow->addWidget(shirleyOpt);
+    shirleyRow->addStretch();
+
+    auto* tougaard = new QGroupBox(QStringLiteral("For Tougaard only"), this);
+    auto* tougaardRow = new QHBoxLayout(tougaard);
+    touB1_ = Box("TouB1");
+    auto* tougaardOpt = new QPushButton(QStringLiteral("Optimise"), tougaard);
+    tougaardOpt->setObjectName(QStringLiteral("Toug_Opt"));
+    auto* b1Label = new QLabel(QStringLiteral("B1"), tougaard);
+    b1Label->setMinimumWidth(slopeLabel->sizeHint().width());  // the two boxes in line
+    tougaardRow->addWidget(b1Label);
+    tougaardRow->addWidget(touB1_);
+    tougaardRow->addWidget(tougaardOpt);
+    tougaardRow->addStretch();
+
+    auto* bottom = new QHBoxLayout;
+    area_ = Box("Area");
+    area_->setReadOnly(true);
+    auto* accept = new QPushButton(QStringLiteral("Accept"), this);
+    accept->setObjectName(QStringLiteral("BGAccept"));
+    auto* close = new QPushButton(QStringLiteral("Close"), this);
+    close->setObjectName(QStringLiteral("BGClose"));
+    bottom->addWidget(new QLabel(QStringLiteral("Area (I*eV)"), this));
+    bottom->addWidget(area_);
+    bottom->addStretch();
+    bottom->addWidget(accept);
+    bottom->addWidget(close);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(boundary);
+    layout->addLayout(choices);
+    layout->addWidget(shirley);
+    layout->addWidget(tougaard);
+    layout->addLayout(bottom);
+
+    connect(accept, &QPushButton::clicked, this, &BackgroundDialog::AcceptClicked);
+    connect(close, &QPushButton::clicked, this, &BackgroundDialog::CloseClicked);
+    connect(shirleyOpt, &QPushButton::clicked, this, &BackgroundDialog::ShirleyOptimiseClicked);
+    connect(tougaardOpt, &QPushButton::clicked, this, &BackgroundDialog::TougaardOptimiseClicked);
+    ShowForm();
+}
+
+QLineEdit* BackgroundDialog::Box(const char* name) {
+    auto* box = new QLineEdit(this);
+    box->setObjectName(QLatin1String(name));
+    box->setFixedWidth(120);
+    return box;
+}
+
+QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) {
+    // Editable, as the boxes are: a typed text that is not an item is refused by Accept.
+    auto* box = new QComboBox(this);
+    box->setFixedWidth(120);
+    box->setObjectName(QLatin1String(name));
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->addItems(items);
+    return box;
+}
+
+void BackgroundDialog::ShowForm() {
+    lbe_->setText(Q(form_.LBE));
+    hbe_->setText(Q(form_.HBE));
+    SetChoice(averPt_, form_.AverPt);
+    SetChoice(bg_, form_.BG);
+    slope_->setText(Q(form_.ShirleySlope));
+    touB1_->setText(Q(form_.TouB1));
+    area_->setText(Q(form_.Area));
+    for (QLineEdit* box : {lbe_, hbe_, slope_, touB1_, area_}) box->setCursorPosition(0);
+    if (!form_.caption.empty()) setWindowTitle(Q(form_.caption));
+    if (form_.visible) {
+        show();
+        raise();
+    } else {
+        hide();
+    }
+}
+
+void BackgroundDialog::ReadForm() {
+    form_.LBE = S(lbe_->text());
+    form_.HBE = S(hbe_->text());
+    form_.AverPt = S(averPt_->currentText());
+    form_.BG = S(bg_->currentText());
+    form_.ShirleySlope = S(slope_->text());
+    form_.TouB1 = S(touB1_->text());
+}
+
+void BackgroundDialog::Open() {
+    ShowBackgroundDialog(project_, form_);
+    ShowForm();
+}
+
+void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
+    if (running_) return;
+    running_ = true;
+    ReadForm();
+    EchoHost host(host_, [this](bool redrawn) {
+        slope_->setText(Q(form_.ShirleySlope));
+        touB1_->setText(Q(form_.TouB1));
+        if (redrawn && repaintPlot) repaintPlot();
+    });
+    handler(project_, host, form_);
+    running_ = false;
+    ShowForm();
+}
+
+void BackgroundDialog::AcceptClicked() {
+    Run([](Project& p, Host& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
+}
+
+void BackgroundDialog::CloseClicked() {
+    CloseBackgroundDialog(form_);
+    ShowForm();
+}
+
+void BackgroundDialog::ShirleyOptimiseClicked() {
+    Run(&ShirleyOptimiseClick);
+}
+
+void BackgroundDialog::TougaardOptimiseClicked() {
+    Run(&TougaardOptimiseClick);
+}
+
+void BackgroundDialog::closeEvent(QCloseEvent* event) {
+    // Closing the window is the Close button: hidden, not destroyed.
+    CloseBackgroundDialog(form_);
+    event->accept();
+}
+
+}  // namespace molvera::ui

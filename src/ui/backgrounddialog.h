@@ -1,0 +1,62 @@
+#pragma once
+// `BGForm`: the background dialog, modeless, over the session's BackgroundForm.
+
+#include <QWidget>
+#include <functional>
+
+#include "model/host.h"
+#include "model/records.h"
+#include "session/backgroundform.h"
+
+class QComboBox;
+class QLineEdit;
+
+namespace molvera::ui {
+
+/// The background dialog of the current region.
+class BackgroundDialog : public QWidget {
+    Q_OBJECT
+public:
+    BackgroundDialog(Project& project, Host& host, QWidget* parent = nullptr);
+
+    /// ShowBackgroundDialog: filled from the current region and shown (not modal).
+    void Open();
+    /// Controls from the form's texts; shown or hidden as the form says.
+    void ShowForm();
+    /// The form's texts from the controls.
+    void ReadForm();
+    const BackgroundForm& Form() const { return form_; }
+
+    void AcceptClicked();
+    void CloseClicked();
+    /// `Command1`: the Shirley slope search; the plot and the Slope box follow every trial.
+    void ShirleyOptimiseClicked();
+    /// `Toug_Opt`: the Tougaard B1 search in the busy state.
+    void TougaardOptimiseClicked();
+
+    /// Paints the region's plot at once, so that every trial of a search is seen.
+    std::function<void()> repaintPlot;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QLineEdit* Box(const char* name);
+    QComboBox* Choice(const char* name, const QStringList& items);
+    /// Runs one button's logic on the form read from the controls, then shows the form.
+    void Run(void (*handler)(Project&, Host&, BackgroundForm&));
+
+    Project& project_;
+    Host& host_;
+    BackgroundForm form_;
+    bool running_ = false;  // a search yields to the event loop: no second click meanwhile
+    QLineEdit* lbe_ = nullptr;
+    QLineEdit* hbe_ = nullptr;
+    QComboBox* averPt_ = nullptr;
+    QComboBox* bg_ = nullptr;
+    QLineEdit* slope_ = nullptr;
+    QLineEdit* touB1_ = nullptr;
+    QLineEdit* area_ = nullptr;
+};
+
+}  // namespace molvera::ui

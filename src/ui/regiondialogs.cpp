@@ -1,0 +1,102 @@
+#include "ui/regiondialogs.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace molvera::ui {
+namespace {
+
+QString Q(const std::string& latin1) {
+    return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
+}
+std::string S(const QString& text) {
+    return text.toLatin1().toStdString();
+}
+
+void ShowOrHide(QWidget& w, bool visible) {
+    if (visible) {
+        w.show();
+        w.raise();
+    } else {
+        w.hide();
+    }
+}
+
+}  // namespace
+
+RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
+    : QWidget(parent, Qt::Window), project_(project), shiftText_(new QLineEdit(this)) {
+    setObjectName(QStringLiteral("RegionShiftForm"));
+    setWindowTitle(QStringLiteral("Region Shift"));
+    shiftText_->setObjectName(QStringLiteral("ShiftText"));
+    shiftText_->setMinimumWidth(100);
+    auto* accept = new QPushButton(QStringLiteral("Accept"), this);
+    accept->setObjectName(QStringLiteral("Command1"));
+    auto* row = new QHBoxLayout(this);
+    row->addWidget(new QLabel(QStringLiteral("Shift"), this));
+    row->addWidget(shiftText_);
+    row->addWidget(new QLabel(QStringLiteral("eV"), this));
+    row->addWidget(accept);
+    connect(accept, &QPushButton::clicked, this, &RegionShiftDialog::AcceptClicked);
+}
+
+void RegionShiftDialog::ShowForm() {
+    shiftText_->setText(Q(form_.ShiftText));
+    ShowOrHide(*this, form_.visible);
+}
+
+void RegionShiftDialog::Open() {
+    OpenRegionShift(project_, form_);
+    ShowForm();
+}
+
+void RegionShiftDialog::AcceptClicked() {
+    form_.ShiftText = S(shiftText_->text());
+    AcceptRegionShift(project_, form_);
+    ShowForm();
+}
+
+void RegionShiftDialog::closeEvent(QCloseEvent* event) {
+    form_.visible = false;
+    event->accept();
+}
+
+RegionCaptionDialog::RegionCaptionDialog(Project& project, Host& host, QWidget* parent)
+    : QWidget(parent, Qt::Window), project_(project), host_(host), text_(new QLineEdit(this)) {
+    setObjectName(QStringLiteral("RCaptionForm"));
+    setWindowTitle(QStringLiteral("Region Caption"));
+    text_->setObjectName(QStringLiteral("Text"));
+    text_->setMinimumWidth(220);
+    auto* ok = new QPushButton(QStringLiteral("OK"), this);
+    ok->setObjectName(QStringLiteral("RCaptioOK"));
+    auto* row = new QHBoxLayout(this);
+    row->addWidget(text_);
+    row->addWidget(ok);
+    connect(ok, &QPushButton::clicked, this, &RegionCaptionDialog::OkClicked);
+}
+
+void RegionCaptionDialog::ShowForm() {
+    text_->setText(Q(form_.Text));
+    ShowOrHide(*this, form_.visible);
+}
+
+void RegionCaptionDialog::Open() {
+    OpenRegionCaption(project_, form_);
+    ShowForm();
+}
+
+void RegionCaptionDialog::OkClicked() {
+    form_.Text = S(text_->text());
+    AcceptRegionCaption(project_, host_, form_);
+    ShowForm();
+}
+
+void RegionCaptionDialog::closeEvent(QCloseEvent* event) {
+    form_.visible = false;
+    event->accept();
+}
+
+}  // namespace molvera::ui

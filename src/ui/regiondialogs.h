@@ -1,0 +1,58 @@
+#pragma once
+// "Region Shift" and "Region Caption": two small modeless dialogs over the session's
+// RegionShiftForm and RegionCaptionForm.
+
+#include <QWidget>
+
+#include "model/host.h"
+#include "model/records.h"
+#include "session/regiondialogs.h"
+
+class QLineEdit;
+
+namespace molvera::ui {
+
+/// `RegionShiftForm`: the current region's energy shift.
+class RegionShiftDialog : public QWidget {
+    Q_OBJECT
+public:
+    explicit RegionShiftDialog(Project& project, QWidget* parent = nullptr);
+    /// Shown with the current region's Shift in `ShiftText`.
+    void Open();
+    void AcceptClicked();
+    const RegionShiftForm& Form() const { return form_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void ShowForm();
+
+    Project& project_;
+    RegionShiftForm form_;
+    QLineEdit* shiftText_;
+};
+
+/// `RCaptionForm`: the current region's 20-character caption.
+class RegionCaptionDialog : public QWidget {
+    Q_OBJECT
+public:
+    RegionCaptionDialog(Project& project, Host& host, QWidget* parent = nullptr);
+    /// Shown with the current region's Caption, trailing blanks included.
+    void Open();
+    void OkClicked();
+    const RegionCaptionForm& Form() const { return form_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void ShowForm();
+
+    Project& project_;
+    Host& host_;
+    RegionCaptionForm form_;
+    QLineEdit* text_;
+};
+
+}  // namespace molvera::ui
