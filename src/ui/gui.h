@@ -17,6 +17,8 @@ class MainWindow;
 class RegionWindow;
 class OptionsWindow;
 class FittingWindow;
+class PeakEditor;
+class ConstraintDialog;
 
 /// One running program.
 class Gui {
@@ -35,6 +37,8 @@ public:
     RegionWindow& regionWindow() { return *region_; }
     OptionsWindow& optionsWindow() { return *options_; }
     FittingWindow& fittingWindow() { return *fitting_; }
+    PeakEditor& peakEditor() { return *peakEditor_; }
+    ConstraintDialog& constraintDialog() { return *constraints_; }
 
 private:
     std::unique_ptr<Project> project_;  // large: kept off the stack
@@ -45,6 +49,11 @@ private:
     std::unique_ptr<RegionWindow> region_;
     std::unique_ptr<OptionsWindow> options_;
     std::unique_ptr<FittingWindow> fitting_;
+    std::unique_ptr<ConstraintDialog> constraints_;
+    std::unique_ptr<PeakEditor> peakEditor_;
+
+    /// Peak editor and constraint dialog built and hooked to the other windows.
+    void BuildPeakWindows();
 };
 
 }  // namespace molvera::ui
