@@ -7,6 +7,8 @@
 #include "ui/backgrounddialog.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
+#include "ui/constraintdialog.h"
+#include "ui/peakeditor.h"
 #include "ui/optionswindow.h"
 #include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
@@ -23,6 +25,7 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     host_.Attach(main_.get(), region_.get(), fitting_.get());
     main_->openOptions = [this] { options_->Open(); };
     AttachRegionDialogs();
+    BuildPeakWindows();
 }
 
 void Gui::AttachRegionDialogs() {
@@ -43,6 +46,29 @@ void Gui::AttachRegionDialogs() {
         for (QWidget* w :
              std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get()})
             w->setEnabled(enabled);
+    };
+}
+
+void Gui::BuildPeakWindows() {
+    constraints_ = std::make_unique<ConstraintDialog>(*project_, host_);
+    peakEditor_ = std::make_unique<PeakEditor>(*project_, host_, *region_->Plot(), *constraints_);
+    main_->openPeakEditor = [this](int buttonIndex) { peakEditor_->Open(buttonIndex); };
+    // Add Peak has just appended the new peak to the current region.
+    region_->openPeakEditor = [this] {
+        const Region& region = project_->Current();
+        peakEditor_->Open(10 * project_->CurrentRegion + region.PeakCount - 1);
+    };
+    options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
+    host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };
+    // Other dialogs may hook here too: each hook keeps the one set before it.
+    host_.hideRegionDialogs = [this, before = host_.hideRegionDialogs] {
+        if (before) before();
+        constraints_->HideDialog();
+    };
+    host_.enableDialogs = [this, before = host_.enableDialogs](bool enabled) {
+        if (before) before(enabled);
+        peakEditor_->setEnabled(enabled);
+        constraints_->setEnabled(enabled);
     };
 }
 

@@ -20,6 +20,8 @@ class FittingWindow;
 class BackgroundDialog;
 class RegionShiftDialog;
 class RegionCaptionDialog;
+class PeakEditor;
+class ConstraintDialog;
 
 /// One running program.
 class Gui {
@@ -41,6 +43,8 @@ public:
     BackgroundDialog& backgroundDialog() { return *background_; }
     RegionShiftDialog& regionShiftDialog() { return *shift_; }
     RegionCaptionDialog& regionCaptionDialog() { return *caption_; }
+    PeakEditor& peakEditor() { return *peakEditor_; }
+    ConstraintDialog& constraintDialog() { return *constraints_; }
 
 private:
     std::unique_ptr<Project> project_;  // large: kept off the stack
@@ -57,6 +61,11 @@ private:
 
     /// The background, region shift and region caption dialogs on their hooks.
     void AttachRegionDialogs();
+    std::unique_ptr<ConstraintDialog> constraints_;
+    std::unique_ptr<PeakEditor> peakEditor_;
+
+    /// Peak editor and constraint dialog built and hooked to the other windows.
+    void BuildPeakWindows();
 };
 
 }  // namespace molvera::ui

@@ -144,12 +144,7 @@ void MainWindow::RecolourRegionButtons() {
 }
 
 void MainWindow::PeakButtonClicked(int i) {
-    const Region& region = project_.Regions[static_cast<std::size_t>(i / 10)];
-    const int slot = region.PeakIndex[static_cast<std::size_t>(i % 10)];
-    if (slot < 0 || slot >= kPeakSlots) return;
-    project_.CurrentPeak = static_cast<Int16>(slot);
-    project_.SavedPeaks[static_cast<std::size_t>(slot)] = project_.Peaks[static_cast<std::size_t>(slot)];
-    if (openPeakEditor) openPeakEditor();
+    if (openPeakEditor) openPeakEditor(i);
 }
 
 void MainWindow::OpenProjectCommand() {

@@ -43,9 +43,9 @@ public:
 
     /// Called by "Options" (the options dialog fills itself and shows).
     std::function<void()> openOptions;
-    /// Called by a peak button after CurrentPeak and SavedPeaks are set: opens the
-    /// peak editor on CurrentPeak (the peak editor window is not built yet).
-    std::function<void()> openPeakEditor;
+    /// Called by peak button `buttonIndex` (10 x region + k): opens the peak editor
+    /// on the peak that the button lists.
+    std::function<void(int buttonIndex)> openPeakEditor;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

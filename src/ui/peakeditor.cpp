@@ -1,0 +1,274 @@
+#include "ui/peakeditor.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "session/peakoptimise.h"
+#include "ui/constraintdialog.h"
+#include "ui/plotwidget.h"
+
+namespace molvera::ui {
+namespace {
+
+QString Q(const std::string& s) { return QString::fromStdString(s); }
+
+void SetBoxText(QLineEdit* box, const std::string& text) {
+    if (box->text() == Q(text)) return;
+    box->setText(Q(text));
+    box->setCursorPosition(0);  // long numbers show their leading digits
+}
+
+QPushButton* Button(QWidget* parent, const QString& caption, const QString& name) {
+    auto* b = new QPushButton(caption, parent);
+    b->setObjectName(name);
+    b->setAutoDefault(false);
+    return b;
+}
+
+}  // namespace
+
+PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, ConstraintDialog& constraints,
+                       QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      project_(project),
+      host_(host),
+      plot_(plot),
+      constraints_(constraints),
+      rows_{{{PeakParameter::Position, &PeakForm::PosVal, &PeakForm::ScPos, &PeakForm::ChkPos},
+             {PeakParameter::FWHM, &PeakForm::FWHMVal, &PeakForm::ScFWHM, &PeakForm::ChkFWHM},
+             {PeakParameter::Area, &PeakForm::AreaVal, &PeakForm::ScArea, &PeakForm::ChkArea},
+             {PeakParameter::GL, &PeakForm::GLVal, &PeakForm::ScGL, &PeakForm::ChkGL}}} {
+    setObjectName(QStringLiteral("PeakForm"));
+
+    auto* top = new QHBoxLayout;
+    type_ = new QComboBox(this);
+    type_->setObjectName(QStringLiteral("PeakType"));
+    type_->setEditable(true);
+    type_->addItems({QStringLiteral("s"), QStringLiteral("p"), QStringLiteral("d"), QStringLiteral("f")});
+    type_->setFixedWidth(60);
+    top->addWidget(type_);
+    top->addSpacing(16);
+    top->addWidget(new QLabel(QStringLiteral("S.O.S."), this));
+    splitting_ = Box(QStringLiteral("SplittingVal"), 80);
+    top->addWidget(splitting_);
+    top->addStretch();
+    top->addWidget(new QLabel(QStringLiteral("Actual FWHM:"), this));
+    actFWHM_ = new QLabel(QStringLiteral("---"), this);
+    actFWHM_->setObjectName(QStringLiteral("ActFWHM"));
+    actFWHM_->setMinimumWidth(70);
+    top->addWidget(actFWHM_);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Pos"),
+                                     ConstraintKind::Position));
+    layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM"),
+                                     ConstraintKind::FWHM));
+    layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area"),
+                                     ConstraintKind::Area));
+    layout->addWidget(ParameterFrame(rows_[3], QStringLiteral("% Lorentzian-Gaussian (0:G, 100:L)"),
+                                     QStringLiteral("GL"), ConstraintKind::GL));
+    layout->addWidget(AsymmetryFrame());
+
+    auto* buttons = new QHBoxLayout;
+    QPushButton* optpeak = Button(this, QStringLiteral("Optimise Peak"), QStringLiteral("Optpeak"));
+    QPushButton* redraw = Button(this, QStringLiteral("ReDraw"), QStringLiteral("ReDraw"));
+    QPushButton* accept = Button(this, QStringLiteral("Accept"), QStringLiteral("PeakAccept"));
+    QPushButton* cancel = Button(this, QStringLiteral("Cancel"), QStringLiteral("PeakCancel"));
+    QPushButton* remove = Button(this, QStringLiteral("Delete Peak"), QStringLiteral("DeletePeak"));
+    buttons->addWidget(optpeak);
+    buttons->addWidget(redraw);
+    buttons->addStretch();
+    buttons->addWidget(accept);
+    buttons->addWidget(cancel);
+    buttons->addSpacing(16);
+    buttons->addWidget(remove);
+    layout->addLayout(buttons);
+
+    connect(optpeak, &QPushButton::clicked, this, &PeakEditor::OptimisePeakClicked);
+    connect(redraw, &QPushButton::clicked, this, &PeakEditor::ReDrawClicked);
+    connect(accept, &QPushButton::clicked, this, &PeakEditor::AcceptClicked);
+    connect(cancel, &QPushButton::clicked, this, &PeakEditor::CancelClicked);
+    connect(remove, &QPushButton::clicked, this, &PeakEditor::DeleteClicked);
+    ShowForm();
+}
+
+QLineEdit* PeakEditor::Box(const QString& name, int width) {
+    auto* box = new QLineEdit(this);
+    box->setObjectName(name);
+    box->setFixedWidth(width);
+    return box;
+}
+
+QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
+                                      ConstraintKind kind) {
+    auto* frame = new QGroupBox(title, this);
+    auto* line = new QHBoxLayout(frame);
+    row.box = Box(prefix + QStringLiteral("Val"), 90);
+    row.scroll = new QScrollBar(Qt::Horizontal, frame);
+    row.scroll->setObjectName(QStringLiteral("Sc") + prefix);
+    row.scroll->setMinimumWidth(220);
+    row.fix = new QCheckBox(QStringLiteral("Fix"), frame);
+    row.fix->setObjectName(QStringLiteral("Chk") + prefix);
+    QPushButton* optimise = Button(frame, QStringLiteral("Optimise"), QStringLiteral("Opt") + prefix);
+    QPushButton* constraints = Button(frame, QStringLiteral("Constraints"), prefix + QStringLiteral("Cnt"));
+    line->addWidget(row.box);
+    line->addWidget(row.scroll, 1);
+    line->addWidget(row.fix);
+    line->addWidget(optimise);
+    line->addWidget(constraints);
+
+    ParameterRow* r = &row;
+    connect(row.scroll, &QScrollBar::valueChanged, this, [this, r](int v) { BarMoved(*r, v); });
+    connect(row.fix, &QCheckBox::toggled, this, [this, r](bool on) { FixToggled(*r, on); });
+    connect(optimise, &QPushButton::clicked, this, [this, r] { OptimiseClicked(r->which); });
+    connect(constraints, &QPushButton::clicked, this, [this, kind] { ConstraintsClicked(kind); });
+    return frame;
+}
+
+QGroupBox* PeakEditor::AsymmetryFrame() {
+    asymmetry_ = new QGroupBox(QStringLiteral("Asymmetry (TS=0 for symmetry)"), this);
+    asymmetry_->setObjectName(QStringLiteral("AsyFrame"));
+    auto* line = new QHBoxLayout(asymmetry_);
+    ts_ = Box(QStringLiteral("TSVal"), 90);
+    tl_ = Box(QStringLiteral("TLVal"), 90);
+    line->addWidget(new QLabel(QStringLiteral("TS"), asymmetry_));
+    line->addWidget(ts_);
+    line->addWidget(new QLabel(QStringLiteral("0-1"), asymmetry_));
+    line->addSpacing(30);
+    line->addWidget(new QLabel(QStringLiteral("TL"), asymmetry_));
+    line->addWidget(tl_);
+    line->addWidget(new QLabel(QStringLiteral("0.01-200"), asymmetry_));
+    line->addStretch();
+    return asymmetry_;
+}
+
+void PeakEditor::ShowForm() {
+    showing_ = true;
+    setWindowTitle(Q(form_.caption));
+    if (type_->currentText() != Q(form_.PeakType)) type_->setCurrentText(Q(form_.PeakType));
+    SetBoxText(splitting_, form_.SplittingVal);
+    actFWHM_->setText(Q(form_.ActFWHM));
+    SetBoxText(ts_, form_.TSVal);
+    SetBoxText(tl_, form_.TLVal);
+    for (ParameterRow& row : rows_) {
+        SetBoxText(row.box, form_.*row.text);
+        const ScrollBar& bar = form_.*row.bar;
+        row.scroll->setRange(std::min(bar.min, bar.max), std::max(bar.min, bar.max));
+        row.scroll->setValue(bar.value);
+        row.fix->setChecked(form_.*row.check);
+    }
+    showing_ = false;
+    if (form_.visible) {
+        show();
+        raise();
+    } else {
+        hide();
+    }
+    SyncHighlight();
+}
+
+void PeakEditor::ReadForm() {
+    form_.PeakType = type_->currentText().toStdString();
+    form_.SplittingVal = splitting_->text().toStdString();
+    form_.TSVal = ts_->text().toStdString();
+    form_.TLVal = tl_->text().toStdString();
+    for (ParameterRow& row : rows_) {
+        form_.*row.text = row.box->text().toStdString();
+        form_.*row.check = row.fix->isChecked();
+    }
+}
+
+void PeakEditor::SyncHighlight() {
+    plot_.SetSelectedPeak(form_.visible ? project_.CurrentPeak : -1);
+}
+
+bool PeakEditor::Open(int buttonIndex) {
+    if (!OpenPeakEditor(project_, host_, form_, buttonIndex)) return false;
+    SetAsymmetryEnabled(project_.Options.GLSum != 0);
+    ShowForm();
+    return true;
+}
+
+void PeakEditor::HideEditor() {
+    form_.visible = false;
+    hide();
+    SyncHighlight();
+}
+
+void PeakEditor::SetAsymmetryEnabled(bool enabled) { asymmetry_->setEnabled(enabled); }
+
+void PeakEditor::BarMoved(ParameterRow& row, int position) {
+    if (showing_) return;
+    if (MoveScrollBar(form_, row.which, position)) {
+        SetBoxText(row.box, form_.*row.text);
+    } else {
+        const QSignalBlocker quiet(row.scroll);
+        row.scroll->setValue((form_.*row.bar).value);
+    }
+}
+
+void PeakEditor::FixToggled(ParameterRow& row, bool checked) {
+    if (showing_) return;
+    SetFixCheck(project_, form_, row.which, checked);
+}
+
+void PeakEditor::AcceptClicked() {
+    ReadForm();
+    PeakAccept(project_, host_, form_);
+    ShowForm();
+}
+
+void PeakEditor::ReDrawClicked() {
+    ReadForm();
+    PeakReDraw(project_, host_, form_);
+    ShowForm();
+}
+
+void PeakEditor::CancelClicked() {
+    PeakCancel(project_, host_, form_);
+    ShowForm();
+}
+
+void PeakEditor::DeleteClicked() {
+    PeakDelete(project_, host_, form_);
+    ShowForm();
+}
+
+void PeakEditor::OptimiseClicked(PeakParameter which) {
+    ReadForm();
+    OptimiseParameterClick(project_, host_, form_, which);
+    ShowForm();
+}
+
+void PeakEditor::OptimisePeakClicked() {
+    ReadForm();
+    OptpeakClick(project_, host_, form_);
+    ShowForm();
+}
+
+void PeakEditor::ConstraintsClicked(ConstraintKind kind) { constraints_.Open(kind); }
+
+void PeakEditor::closeEvent(QCloseEvent* event) {
+    if (!isEnabled()) {  // a fit is running
+        event->ignore();
+        return;
+    }
+    if (form_.visible) {
+        ClosePeakEditor(project_, host_, form_);
+        ShowForm();
+    }
+    event->accept();
+}
+
+}  // namespace molvera::ui

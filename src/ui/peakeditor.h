@@ -1,0 +1,93 @@
+#pragma once
+// `PeakForm`: the peak editor window, modeless, over the session's PeakForm.
+
+#include <QWidget>
+#include <array>
+#include <string>
+
+#include "model/host.h"
+#include "model/records.h"
+#include "session/constraintform.h"
+#include "session/peakform.h"
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QScrollBar;
+
+namespace molvera::ui {
+
+class ConstraintDialog;
+class PlotWidget;
+
+/// The peak editor.
+class PeakEditor : public QWidget {
+    Q_OBJECT
+public:
+    PeakEditor(Project& project, Host& host, PlotWidget& plot, ConstraintDialog& constraints,
+               QWidget* parent = nullptr);
+
+    /// OpenPeakEditor from main-window peak button `buttonIndex`: filled, shown, and its
+    /// peak highlighted in the plot. False when the button lists no peak.
+    bool Open(int buttonIndex);
+    /// Hidden by the program (Accept, Delete Peak, a region change): the highlight goes.
+    void HideEditor();
+    /// The asymmetry frame follows the line shape: enabled only for the GL sum.
+    void SetAsymmetryEnabled(bool enabled);
+
+    /// Controls from the form's texts, checks and bars; shown or hidden as it says.
+    void ShowForm();
+    /// The form's texts and checks from the controls (the bars move only through
+    /// MoveScrollBar).
+    void ReadForm();
+    const PeakForm& Form() const { return form_; }
+
+    void AcceptClicked();
+    void ReDrawClicked();
+    void CancelClicked();
+    void DeleteClicked();
+    void OptimisePeakClicked();
+    void OptimiseClicked(PeakParameter which);
+    void ConstraintsClicked(ConstraintKind kind);
+
+protected:
+    /// The title-bar X: ClosePeakEditor.
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    /// One of the four frames: value box, scroll bar, Fix, Optimise, Constraints.
+    struct ParameterRow {
+        PeakParameter which;
+        std::string PeakForm::*text;
+        ScrollBar PeakForm::*bar;
+        bool PeakForm::*check;
+        QLineEdit* box = nullptr;
+        QScrollBar* scroll = nullptr;
+        QCheckBox* fix = nullptr;
+    };
+    QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
+                              ConstraintKind kind);
+    QGroupBox* AsymmetryFrame();
+    QLineEdit* Box(const QString& name, int width);
+    void BarMoved(ParameterRow& row, int position);
+    void FixToggled(ParameterRow& row, bool checked);
+    void SyncHighlight();
+
+    Project& project_;
+    Host& host_;
+    PlotWidget& plot_;
+    ConstraintDialog& constraints_;
+    PeakForm form_;
+    bool showing_ = false;  // ShowForm is writing: control signals are not user input
+    std::array<ParameterRow, 4> rows_;
+    QComboBox* type_ = nullptr;
+    QLineEdit* splitting_ = nullptr;
+    QLabel* actFWHM_ = nullptr;
+    QGroupBox* asymmetry_ = nullptr;
+    QLineEdit* ts_ = nullptr;
+    QLineEdit* tl_ = nullptr;
+};
+
+}  // namespace molvera::ui
