@@ -18,6 +18,28 @@ QString FromLatin1(const std::string& text) {
 
 }  // namespace
 
+QPolygonF ColumnExtremes(const QPolygonF& line, double pixelsPerUnit) {
+    const qsizetype n = line.size();
+    if (n < 5 || !(std::abs(pixelsPerUnit) > 0)) return line;
+    QPolygonF kept;
+    kept.reserve(std::min<qsizetype>(n, 4 * 4096));
+    qsizetype i = 0;
+    while (i < n) {
+        const double column = std::floor(line[i].x() * pixelsPerUnit);
+        qsizetype end = i + 1, low = i, high = i;
+        for (; end < n && std::floor(line[end].x() * pixelsPerUnit) == column; ++end) {
+            if (line[end].y() < line[low].y()) low = end;
+            if (line[end].y() > line[high].y()) high = end;
+        }
+        // First, lowest, highest and last point of the column, in the order drawn.
+        qsizetype picks[4] = {i, std::min(low, high), std::max(low, high), end - 1};
+        for (int k = 0; k < 4; ++k)
+            if (k == 0 || picks[k] != picks[k - 1]) kept.append(line[picks[k]]);
+        i = end;
+    }
+    return kept;
+}
+
 QtCanvas::QtCanvas(QPainter& painter, const QRectF& target, double penScale)
     : painter_(painter), target_(target), penScale_(penScale), font_(painter.font()) {
     painter_.setRenderHint(QPainter::Antialiasing, true);
@@ -28,7 +50,31 @@ QtCanvas::QtCanvas(QPainter& painter, const QRectF& target, double penScale)
     bottom_ = target.bottom();
 }
 
-void QtCanvas::Clear() { painter_.fillRect(target_, Qt::white); }
+QtCanvas::~QtCanvas() { Flush(); }
+
+void QtCanvas::Flush() {
+    if (pending_.size() >= 2) {
+        painter_.setPen(Pen(pendingColour_));
+        const QPolygonF line = ColumnExtremes(pending_, painter_.deviceTransform().m11());
+        painter_.drawPolyline(line);
+    }
+    pending_.clear();
+}
+
+void QtCanvas::SetLineWidth(int width) {
+    if (width != lineWidth_) Flush();
+    lineWidth_ = width;
+}
+
+void QtCanvas::SetLineStyle(LineStyle style) {
+    if (style != style_) Flush();
+    style_ = style;
+}
+
+void QtCanvas::Clear() {
+    pending_.clear();
+    painter_.fillRect(target_, Qt::white);
+}
 
 void QtCanvas::SetScale(double left, double top, double right, double bottom) {
     const bool finite = std::isfinite(left) && std::isfinite(top) && std::isfinite(right) &&
@@ -76,13 +122,19 @@ void QtCanvas::LineTo(double x, double y, Rgb colour) { Line(cx_, cy_, x, y, col
 
 void QtCanvas::Line(double x1, double y1, double x2, double y2, Rgb colour) {
     if (std::isfinite(x1) && std::isfinite(y1) && std::isfinite(x2) && std::isfinite(y2)) {
-        painter_.setPen(Pen(colour));
-        painter_.drawLine(ToLogical(x1, y1), ToLogical(x2, y2));
+        const QPointF from = ToLogical(x1, y1);
+        if (pending_.isEmpty() || !(colour == pendingColour_) || pending_.constLast() != from) {
+            Flush();
+            pending_.append(from);
+            pendingColour_ = colour;
+        }
+        pending_.append(ToLogical(x2, y2));
     }
     MoveTo(x2, y2);
 }
 
 void QtCanvas::Point(double x, double y, Rgb colour) {
+    Flush();
     if (std::isfinite(x) && std::isfinite(y)) {
         painter_.setPen(Pen(colour));
         painter_.drawPoint(ToLogical(x, y));
@@ -91,6 +143,7 @@ void QtCanvas::Point(double x, double y, Rgb colour) {
 }
 
 void QtCanvas::Print(const std::string& latin1) {
+    Flush();
     const QString text = FromLatin1(latin1);
     painter_.setFont(font_);
     const QFontMetricsF metrics(font_, painter_.device());

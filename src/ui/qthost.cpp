@@ -74,6 +74,7 @@ void QtHost::HidePeakEditor() {
 }
 
 void QtHost::HideRegionDialogs() {
+    HidePeakEditor();
     if (hideRegionDialogs) hideRegionDialogs();
 }
 

@@ -35,6 +35,7 @@ TEST(QtCanvas, UserRectangleMapsOntoTheTargetWithEnergyFallingToTheRight) {
     canvas.Line(1e300, 5, -1e300, 5, kBlue);
     canvas.SetScale(1, 1, 1, 0);  // degenerate: ignored
     EXPECT_EQ(canvas.ToLogical(280, 0), QPointF(200, 100));
+    canvas.Flush();  // joined segments are drawn when the curve ends
     painter.end();
     // (299, 9) is pixel (10, 10) and (281, 1) is (190, 90).
     EXPECT_TRUE(IsRed(image, 11, 11));
@@ -43,6 +44,22 @@ TEST(QtCanvas, UserRectangleMapsOntoTheTargetWithEnergyFallingToTheRight) {
     EXPECT_TRUE(far.blue() > 200 && far.red() < 80);
     EXPECT_TRUE(IsRed(image, 189, 89));
     EXPECT_FALSE(IsRed(image, 190, 10));
+}
+
+TEST(QtCanvas, ColumnExtremesKeepWhatAPixelColumnShows) {
+    // Ten points per pixel column: a spike in the first column, a dip in the second.
+    QPolygonF line;
+    for (int i = 0; i < 30; ++i) line << QPointF(i * 0.1, i == 4 ? 9.0 : i == 13 ? -7.0 : 0.5 * i);
+    const QPolygonF kept = ColumnExtremes(line, 1.0);
+    const QPolygonF expected{{0, 0},   {0.4, 9},   {0.9, 4.5},  {1.0, 5.0},  {1.3, -7},
+                             {1.9, 9.5}, {2.0, 10}, {2.9, 14.5}};
+    ASSERT_EQ(kept.size(), expected.size());
+    for (qsizetype i = 0; i < kept.size(); ++i) {
+        EXPECT_NEAR(kept[i].x(), expected[i].x(), 1e-12) << i;
+        EXPECT_EQ(kept[i].y(), expected[i].y()) << i;
+    }
+    // At ten times the resolution every point has a column of its own.
+    EXPECT_EQ(ColumnExtremes(line, 10.0).size(), line.size());
 }
 
 TEST(QtCanvas, TextExtentsFollowTheScaleAndOpaqueTextErases) {

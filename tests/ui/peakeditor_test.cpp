@@ -1,0 +1,255 @@
+// The peak editor and the constraint dialog on the running program: opening from Add
+// Peak and the peak buttons, what the scroll bars write, Cancel and the title-bar X
+// after ReDraw, TS/TL limits, Fix, Delete Peak, and the constraint dialog's OK.
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <cmath>
+
+#include "fileio/numtext.h"
+#include "spectral/envelope.h"
+#include "ui/constraintdialog.h"
+#include "ui/gui_fixture.h"
+#include "ui/peakeditor.h"
+#include "ui/plotwidget.h"
+
+namespace molvera::test {
+namespace {
+
+class PeakEditorTest : public GuiTest {
+protected:
+    void SetUp() override {
+        GuiTest::SetUp();
+        main().RegionButton(1)->click();
+        ImportSample();
+        GiveBackground();
+        Menu("AddPeak");
+        slot = project().CurrentPeak;
+    }
+    ui::PeakEditor& editor() { return gui->peakEditor(); }
+    ui::ConstraintDialog& cnt() { return gui->constraintDialog(); }
+    Peak& peak() { return project().Peaks[slot]; }
+    template <class W>
+    W* In(QWidget& w, const char* name) {
+        W* found = w.findChild<W*>(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+    QLineEdit* Box(const char* name) { return In<QLineEdit>(editor(), name); }
+    std::string Text(const char* name) { return Box(name)->text().toStdString(); }
+    void Click(const char* name) { In<QPushButton>(editor(), name)->click(); }
+    /// Reopens the editor from the main window's button of the region's first peak.
+    void Reopen() {
+        editor().HideEditor();
+        main().PeakButton(10 * project().CurrentRegion)->click();
+    }
+    int slot = -1;
+};
+
+TEST_F(PeakEditorTest, AddPeakOpensTheEditorOnTheNewPeakHighlighted) {
+    ASSERT_GE(slot, 0);
+    ASSERT_TRUE(editor().isVisible());
+    EXPECT_FALSE(editor().isModal());
+    EXPECT_EQ(editor().windowTitle(), QStringLiteral("Peak %1").arg(slot));
+    EXPECT_EQ(gui->regionWindow().Plot()->SelectedPeak(), slot);
+    EXPECT_TRUE(main().PeakButton(10)->isEnabled());
+
+    auto* type = In<QComboBox>(editor(), "PeakType");
+    QStringList items;
+    for (int i = 0; i < type->count(); ++i) items << type->itemText(i);
+    EXPECT_EQ(items, (QStringList{"s", "p", "d", "f"}));
+    QStringList frames;
+    for (const QGroupBox* g : editor().findChildren<QGroupBox*>()) frames << g->title();
+    EXPECT_EQ(frames, (QStringList{"Position", "FWHM", "Area", "% Lorentzian-Gaussian (0:G, 100:L)",
+                                   "Asymmetry (TS=0 for symmetry)"}));
+    for (const char* name : {"Optpeak", "ReDraw", "PeakAccept", "PeakCancel", "DeletePeak", "OptPos",
+                             "PosCnt", "OptGL", "GLCnt"})
+        EXPECT_NE(editor().findChild<QPushButton*>(name), nullptr) << name;
+    EXPECT_EQ(In<QPushButton>(editor(), "Optpeak")->text(), QStringLiteral("Optimise Peak"));
+    EXPECT_EQ(In<QCheckBox>(editor(), "ChkArea")->text(), QStringLiteral("Fix"));
+    // The asymmetry frame follows the line shape of the options.
+    EXPECT_EQ(In<QGroupBox>(editor(), "AsyFrame")->isEnabled(), project().Options.GLSum != 0);
+
+    // The bars: position in 0.01 eV steps over the background range, area around its middle.
+    const Region& reg = project().Current();
+    auto* pos = In<QScrollBar>(editor(), "ScPos");
+    EXPECT_EQ(pos->minimum(), 0);
+    EXPECT_EQ(pos->maximum(), static_cast<int>(std::lround((reg.BackgroundHighBE - reg.BackgroundLowBE) * 100)));
+    EXPECT_EQ(In<QScrollBar>(editor(), "ScArea")->value(), 500);
+    EXPECT_EQ(In<QScrollBar>(editor(), "ScFWHM")->minimum(), 30);
+    EXPECT_EQ(In<QScrollBar>(editor(), "ScFWHM")->maximum(), 500);
+}
+
+TEST_F(PeakEditorTest, OpeningRoundsThroughTheBarsAndCancelRestoresAfterReDraw) {
+    editor().HideEditor();
+    peak().Position = 284.567f;
+    peak().FWHM = 0.3f;
+    ComputeRegionEnvelope(project(), gui->host());  // its curve to match
+    const Peak before = peak();
+    main().PeakButton(10)->click();
+    ASSERT_TRUE(editor().isVisible());
+    EXPECT_EQ(Text("PosVal"), "284.57");
+    EXPECT_EQ(Text("FWHMVal"), "0.5");
+
+    // A bar moved by the user rewrites its box; ReDraw applies the boxes and stays open.
+    auto* bar = In<QScrollBar>(editor(), "ScPos");
+    bar->setValue(bar->value() + 10);
+    EXPECT_EQ(Text("PosVal"), "284.67");
+    Box("GLVal")->setText(QStringLiteral("35"));
+    Click("ReDraw");
+    EXPECT_TRUE(editor().isVisible());
+    EXPECT_FLOAT_EQ(peak().Position, 284.67f);
+    EXPECT_FLOAT_EQ(peak().FWHM, 0.5f);
+    EXPECT_EQ(peak().PercentGL, 35);
+
+    Click("PeakCancel");
+    EXPECT_FALSE(editor().isVisible());
+    EXPECT_EQ(gui->regionWindow().Plot()->SelectedPeak(), -1);
+    EXPECT_TRUE(peak() == before) << "the peak as it was when opened";
+
+    // The title-bar X restores the same way.
+    main().PeakButton(10)->click();
+    Box("FWHMVal")->setText(QStringLiteral("0.3"));
+    Click("ReDraw");
+    EXPECT_FLOAT_EQ(peak().FWHM, 0.3f);  // typed below the bar's range, kept
+    Box("AreaVal")->setText(QStringLiteral("12345"));
+    Click("ReDraw");
+    QCloseEvent close;
+    QCoreApplication::sendEvent(&editor(), &close);
+    EXPECT_TRUE(close.isAccepted());
+    EXPECT_FALSE(editor().isVisible());
+    EXPECT_TRUE(peak() == before);
+}
+
+TEST_F(PeakEditorTest, AcceptLimitsTailAndKeepsTheTypeForAnUnknownText) {
+    auto* type = In<QComboBox>(editor(), "PeakType");
+    type->setCurrentText(QStringLiteral("p"));
+    Click("ReDraw");
+    EXPECT_EQ(peak().PeakType, 2);
+    type->setEditText(QStringLiteral("q"));
+    Box("TSVal")->setText(QStringLiteral("1.7"));
+    Box("TLVal")->setText(QStringLiteral("0"));
+    Box("PosVal")->setText(QStringLiteral("285.123"));
+    Click("PeakAccept");
+    EXPECT_FALSE(editor().isVisible());
+    EXPECT_EQ(peak().PeakType, 2);
+    EXPECT_EQ(peak().TailScale, 1.0f);
+    EXPECT_EQ(peak().TailLength, 0.01f);
+    EXPECT_FLOAT_EQ(peak().Position, 285.123f);  // typed text is not rounded by the bar
+    EXPECT_EQ(Text("TSVal"), "1");
+    EXPECT_EQ(Text("TLVal"), "0.01");
+
+    Reopen();
+    Box("TLVal")->setText(QStringLiteral("500"));
+    Click("PeakAccept");
+    EXPECT_EQ(peak().TailLength, 200.0f);
+}
+
+TEST_F(PeakEditorTest, FixBoxesWriteTheirFlagAtOnce) {
+    ASSERT_FALSE(IsSet(peak().FixPosition));
+    In<QCheckBox>(editor(), "ChkPos")->setChecked(true);
+    EXPECT_TRUE(IsSet(peak().FixPosition));
+    In<QCheckBox>(editor(), "ChkGL")->setChecked(true);
+    EXPECT_TRUE(IsSet(peak().FixGL));
+    EXPECT_FALSE(IsSet(peak().FixArea));
+}
+
+TEST_F(PeakEditorTest, DeletePeakEmptiesTheSlotAndTheButton) {
+    Click("DeletePeak");
+    EXPECT_FALSE(editor().isVisible());
+    EXPECT_FALSE(IsSet(peak().InUse));
+    EXPECT_EQ(project().Current().PeakCount, 0);
+    EXPECT_FALSE(main().PeakButton(10)->isEnabled());
+    EXPECT_EQ(gui->regionWindow().Plot()->SelectedPeak(), -1);
+}
+
+TEST_F(PeakEditorTest, OptimiseButtonsFitTheOnePeakAndWriteTheBoxes) {
+    // Start the peak off the C 1s maximum: the position search must move it.
+    Box("PosVal")->setText(QStringLiteral("283.5"));
+    Click("ReDraw");
+    const float chiBefore = project().Current().ChiSquare;
+    Click("OptPos");
+    EXPECT_NE(peak().Position, 283.5f);
+    EXPECT_EQ(Text("PosVal"), FormatGeneral(peak().Position));
+    Click("Optpeak");
+    EXPECT_LT(project().Current().ChiSquare, chiBefore);
+    EXPECT_EQ(Text("AreaVal"), FormatGeneral(peak().Area));
+    EXPECT_TRUE(editor().isEnabled()) << "enabled again after the fit";
+}
+
+class ConstraintDialogTest : public PeakEditorTest {
+protected:
+    void SetUp() override {
+        PeakEditorTest::SetUp();
+        first = slot;
+        Click("PeakAccept");
+        Menu("AddPeak");
+        slot = project().CurrentPeak;
+    }
+    QLineEdit* CntBox(const char* name) { return In<QLineEdit>(cnt(), name); }
+    void Ok() { In<QPushButton>(cnt(), "CntOK")->click(); }
+    int first = -1;
+};
+
+TEST_F(ConstraintDialogTest, LinkingToItselfIsRefusedThenALinkIsStored) {
+    Click("PosCnt");
+    ASSERT_TRUE(cnt().isVisible());
+    EXPECT_EQ(cnt().windowTitle(), QStringLiteral("Constraints for Peak Position"));
+    EXPECT_EQ(In<QLabel>(cnt(), "PeakLabel")->text(), QString::number(slot));
+
+    In<QCheckBox>(cnt(), "Use")->setChecked(true);
+    CntBox("RefPeak")->setText(QString::number(slot));
+    Ok();
+    ASSERT_EQ(sink.messages, (std::vector<std::string>{"Wrong Reference Peak"}));
+    EXPECT_TRUE(cnt().isVisible());
+    EXPECT_EQ(CntBox("RefPeak")->text(), QString::number(slot)) << "entries kept";
+    EXPECT_FALSE(IsSet(project().Constraints[slot].Position.Linked));
+
+    CntBox("RefPeak")->setText(QString::number(first));
+    In<QComboBox>(cnt(), "ArgType")->setCurrentText(QStringLiteral("-"));
+    CntBox("Arg")->setText(QStringLiteral("1.5"));
+    Ok();
+    EXPECT_EQ(sink.messages.size(), 1u);
+    EXPECT_FALSE(cnt().isVisible());
+    const ParameterConstraint& c = project().Constraints[slot].Position;
+    EXPECT_TRUE(IsSet(c.Linked));
+    EXPECT_EQ(c.RefPeak, first);
+    EXPECT_EQ(c.Operation, 1);
+    EXPECT_EQ(c.Argument, 1.5f);
+    EXPECT_TRUE(IsSet(project().Constraints[first].Position.IsReference));
+
+    // Accept applies the relation: this peak sits 1.5 eV below the first.
+    Click("PeakAccept");
+    EXPECT_FLOAT_EQ(peak().Position, project().Peaks[first].Position - 1.5f);
+}
+
+TEST_F(ConstraintDialogTest, ALimitRefusalKeepsTheRelationStored) {
+    Click("AreaCnt");
+    EXPECT_EQ(cnt().windowTitle(), QStringLiteral("Constraints for Peak Area"));
+    In<QCheckBox>(cnt(), "Use")->setChecked(true);
+    CntBox("RefPeak")->setText(QString::number(first));
+    In<QComboBox>(cnt(), "ArgType")->setCurrentText(QStringLiteral("*"));
+    CntBox("Arg")->setText(QStringLiteral("0.5"));
+    In<QCheckBox>(cnt(), "Range")->setChecked(true);
+    CntBox("Low")->setText(QStringLiteral("-1"));
+    CntBox("High")->setText(QStringLiteral("10"));
+    Ok();
+    EXPECT_EQ(sink.messages, (std::vector<std::string>{"Negative range value"}));
+    EXPECT_TRUE(cnt().isVisible());
+    EXPECT_TRUE(IsSet(project().Constraints[slot].Area.Linked));
+    EXPECT_FALSE(IsSet(project().Constraints[slot].Area.UseLimits));
+
+    // Another region's choice closes the dialog with the editor.
+    main().RegionButton(4)->click();
+    EXPECT_FALSE(cnt().isVisible());
+    EXPECT_FALSE(editor().isVisible());
+}
+
+}  // namespace
+}  // namespace molvera::test
