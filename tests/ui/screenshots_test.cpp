@@ -10,8 +10,11 @@
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
 #include "ui/backgrounddialog.h"
+#include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
+#include "ui/peakeditor.h"
+#include "ui/plotwidget.h"
 
 namespace molvera::test {
 namespace {
@@ -61,6 +64,14 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Menu("Background");
     gui->backgroundDialog().findChild<QPushButton*>("BGAccept")->click();  // shows the area
     Save(gui->backgroundDialog(), dir, "background-dialog.png");
+    gui->backgroundDialog().hide();
+
+    // The second peak in the editor, highlighted in the plot, with its area constraint open.
+    main().PeakButton(11)->click();
+    Save(gui->peakEditor(), dir, "peak-editor.png");
+    Save(region(), dir, "region-window-selected-peak.png");
+    gui->peakEditor().findChild<QPushButton*>("AreaCnt")->click();
+    Save(gui->constraintDialog(), dir, "constraint-dialog.png");
 }
 
 }  // namespace
