@@ -54,8 +54,8 @@ asan-test: deps
 bench: build
 	$(BUILD)/bench/molvera_bench
 
-# Pictures of the main window, the region window with a fitted spectrum and the
-# options dialog, as PNG files in out/screenshots/.
+# Pictures of the main window, the region window with a fitted spectrum, the options,
+# background and constraint dialogs and the peak editor, as PNG files in out/screenshots/.
 screenshots: build
 	mkdir -p out/screenshots
 	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/out/screenshots \

@@ -12,16 +12,10 @@
 #include <functional>
 
 #include "session/backgroundoptimise.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
 namespace {
-
-QString Q(const std::string& latin1) {
-    return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
-}
-std::string S(const QString& text) {
-    return text.toLatin1().toStdString();
-}
 
 // The program's host, which the dialog's boxes and the plot follow during a search:
 // before every yield the trial values go into the boxes and a redraw asked for since
@@ -68,9 +62,9 @@ private:
 };
 
 void SetChoice(QComboBox* box, const std::string& text) {
-    const int index = box->findText(Q(text));
+    const int index = box->findText(FromLatin1(text));
     if (index >= 0) box->setCurrentIndex(index);
-    box->setEditText(Q(text));
+    box->setEditText(FromLatin1(text));
 }
 
 }  // namespace
@@ -145,12 +139,7 @@ BackgroundDialog::BackgroundDialog(Project& project, Host& host, QWidget* parent
     ShowForm();
 }
 
-QLineEdit* BackgroundDialog::Box(const char* name) {
-    auto* box = new QLineEdit(this);
-    box->setObjectName(QLatin1String(name));
-    box->setFixedWidth(120);
-    return box;
-}
+QLineEdit* BackgroundDialog::Box(const char* name) { return NamedBox(this, QLatin1String(name), 120); }
 
 QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) {
     // Editable, as the boxes are: a typed text that is not an item is refused by Accept.
@@ -164,30 +153,25 @@ QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) 
 }
 
 void BackgroundDialog::ShowForm() {
-    lbe_->setText(Q(form_.LBE));
-    hbe_->setText(Q(form_.HBE));
+    lbe_->setText(FromLatin1(form_.LBE));
+    hbe_->setText(FromLatin1(form_.HBE));
     SetChoice(averPt_, form_.AverPt);
     SetChoice(bg_, form_.BG);
-    slope_->setText(Q(form_.ShirleySlope));
-    touB1_->setText(Q(form_.TouB1));
-    area_->setText(Q(form_.Area));
+    slope_->setText(FromLatin1(form_.ShirleySlope));
+    touB1_->setText(FromLatin1(form_.TouB1));
+    area_->setText(FromLatin1(form_.Area));
     for (QLineEdit* box : {lbe_, hbe_, slope_, touB1_, area_}) box->setCursorPosition(0);
-    if (!form_.caption.empty()) setWindowTitle(Q(form_.caption));
-    if (form_.visible) {
-        show();
-        raise();
-    } else {
-        hide();
-    }
+    if (!form_.caption.empty()) setWindowTitle(FromLatin1(form_.caption));
+    ShowOrHide(*this, form_.visible);
 }
 
 void BackgroundDialog::ReadForm() {
-    form_.LBE = S(lbe_->text());
-    form_.HBE = S(hbe_->text());
-    form_.AverPt = S(averPt_->currentText());
-    form_.BG = S(bg_->currentText());
-    form_.ShirleySlope = S(slope_->text());
-    form_.TouB1 = S(touB1_->text());
+    form_.LBE = ToLatin1(lbe_->text());
+    form_.HBE = ToLatin1(hbe_->text());
+    form_.AverPt = ToLatin1(averPt_->currentText());
+    form_.BG = ToLatin1(bg_->currentText());
+    form_.ShirleySlope = ToLatin1(slope_->text());
+    form_.TouB1 = ToLatin1(touB1_->text());
 }
 
 void BackgroundDialog::Open() {
@@ -200,8 +184,8 @@ void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
     running_ = true;
     ReadForm();
     EchoHost host(host_, [this](bool redrawn) {
-        slope_->setText(Q(form_.ShirleySlope));
-        touB1_->setText(Q(form_.TouB1));
+        slope_->setText(FromLatin1(form_.ShirleySlope));
+        touB1_->setText(FromLatin1(form_.TouB1));
         if (redrawn && repaintPlot) repaintPlot();
     });
     handler(project_, host, form_);

@@ -10,25 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/widgets.h"
+
 namespace molvera::ui {
-namespace {
-
-QString Q(const std::string& s) { return QString::fromStdString(s); }
-
-QLineEdit* Box(QWidget* parent, const QString& name, int width) {
-    auto* box = new QLineEdit(parent);
-    box->setObjectName(name);
-    box->setFixedWidth(width);
-    return box;
-}
-
-void SetBoxText(QLineEdit* box, const std::string& text) {
-    box->setText(Q(text));
-    box->setCursorPosition(0);
-}
-
-}  // namespace
-
 ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host) {
     setObjectName(QStringLiteral("CntForm"));
@@ -44,7 +28,7 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
     auto* relationLine = new QHBoxLayout(relation);
     use_ = new QCheckBox(QStringLiteral("Use"), relation);
     use_->setObjectName(QStringLiteral("Use"));
-    refPeak_ = Box(relation, QStringLiteral("RefPeak"), 50);
+    refPeak_ = NamedBox(relation, QStringLiteral("RefPeak"), 50);
     argType_ = new QComboBox(relation);
     argType_->setObjectName(QStringLiteral("ArgType"));
     argType_->setEditable(true);
@@ -53,7 +37,7 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
     operationFont.setPointSize(11);
     argType_->setFont(operationFont);
     argType_->setFixedWidth(55);
-    arg_ = Box(relation, QStringLiteral("Arg"), 80);
+    arg_ = NamedBox(relation, QStringLiteral("Arg"), 80);
     relationLine->addWidget(use_);
     relationLine->addSpacing(12);
     relationLine->addWidget(new QLabel(QStringLiteral("= Peak"), relation));
@@ -66,8 +50,8 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
     auto* limitLine = new QHBoxLayout(limits);
     range_ = new QCheckBox(QStringLiteral("Use"), limits);
     range_->setObjectName(QStringLiteral("Range"));
-    low_ = Box(limits, QStringLiteral("Low"), 90);
-    high_ = Box(limits, QStringLiteral("High"), 90);
+    low_ = NamedBox(limits, QStringLiteral("Low"), 90);
+    high_ = NamedBox(limits, QStringLiteral("High"), 90);
     limitLine->addWidget(range_);
     limitLine->addSpacing(12);
     limitLine->addWidget(new QLabel(QStringLiteral("Low"), limits));
@@ -79,10 +63,8 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("CntOK"));
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("CntCancel"));
+    QPushButton* ok = NamedButton(this, QStringLiteral("OK"), QStringLiteral("CntOK"));
+    QPushButton* cancel = NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("CntCancel"));
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
 
@@ -98,31 +80,26 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
 }
 
 void ConstraintDialog::ShowForm() {
-    setWindowTitle(Q(form_.Caption));
-    peak_->setText(Q(form_.PeakLabel));
+    setWindowTitle(FromLatin1(form_.Caption));
+    peak_->setText(FromLatin1(form_.PeakLabel));
     use_->setChecked(form_.Use);
     SetBoxText(refPeak_, form_.RefPeak);
-    argType_->setCurrentText(Q(form_.ArgType));
+    argType_->setCurrentText(FromLatin1(form_.ArgType));
     SetBoxText(arg_, form_.Arg);
     range_->setChecked(form_.Range);
     SetBoxText(low_, form_.Low);
     SetBoxText(high_, form_.High);
-    if (form_.Visible) {
-        show();
-        raise();
-    } else {
-        hide();
-    }
+    ShowOrHide(*this, form_.Visible);
 }
 
 void ConstraintDialog::ReadForm() {
     form_.Use = use_->isChecked();
-    form_.RefPeak = refPeak_->text().toStdString();
-    form_.ArgType = argType_->currentText().toStdString();
-    form_.Arg = arg_->text().toStdString();
+    form_.RefPeak = ToLatin1(refPeak_->text());
+    form_.ArgType = ToLatin1(argType_->currentText());
+    form_.Arg = ToLatin1(arg_->text());
     form_.Range = range_->isChecked();
-    form_.Low = low_->text().toStdString();
-    form_.High = high_->text().toStdString();
+    form_.Low = ToLatin1(low_->text());
+    form_.High = ToLatin1(high_->text());
 }
 
 void ConstraintDialog::Open(ConstraintKind kind) {

@@ -12,12 +12,11 @@
 
 #include "fitting/optionfile.h"
 #include "ui/filechooser.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
 namespace {
 constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
-
-QString Q(const std::string& s) { return QString::fromStdString(s); }
 }  // namespace
 
 OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host, FileDialog& files,
@@ -161,7 +160,7 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
 }
 
 void OptionsWindow::ReadForm() {
-    for (auto& t : texts_) t.field(form_) = t.box->text().toStdString();
+    for (auto& t : texts_) t.field(form_) = ToLatin1(t.box->text());
     for (auto& c : checks_) c.field(form_) = c.box->isChecked();
     form_.UseSearch = useSearch_->isChecked();
     form_.UseNewton = useNewton_->isChecked();
@@ -171,7 +170,7 @@ void OptionsWindow::ReadForm() {
 
 void OptionsWindow::ShowForm() {
     for (auto& t : texts_) {
-        t.box->setText(Q(t.field(form_)));
+        t.box->setText(FromLatin1(t.field(form_)));
         t.box->setCursorPosition(0);  // long numbers show their leading digits
     }
     for (auto& c : checks_) c.box->setChecked(c.field(form_));

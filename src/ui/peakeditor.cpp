@@ -16,27 +16,9 @@
 #include "session/peakoptimise.h"
 #include "ui/constraintdialog.h"
 #include "ui/plotwidget.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
-namespace {
-
-QString Q(const std::string& s) { return QString::fromStdString(s); }
-
-void SetBoxText(QLineEdit* box, const std::string& text) {
-    if (box->text() == Q(text)) return;
-    box->setText(Q(text));
-    box->setCursorPosition(0);  // long numbers show their leading digits
-}
-
-QPushButton* Button(QWidget* parent, const QString& caption, const QString& name) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
-
-}  // namespace
-
 PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, ConstraintDialog& constraints,
                        QWidget* parent)
     : QWidget(parent, Qt::Window),
@@ -59,7 +41,7 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
     top->addWidget(type_);
     top->addSpacing(16);
     top->addWidget(new QLabel(QStringLiteral("S.O.S."), this));
-    splitting_ = Box(QStringLiteral("SplittingVal"), 80);
+    splitting_ = NamedBox(this, QStringLiteral("SplittingVal"), 80);
     top->addWidget(splitting_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("Actual FWHM:"), this));
@@ -81,11 +63,11 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
     layout->addWidget(AsymmetryFrame());
 
     auto* buttons = new QHBoxLayout;
-    QPushButton* optpeak = Button(this, QStringLiteral("Optimise Peak"), QStringLiteral("Optpeak"));
-    QPushButton* redraw = Button(this, QStringLiteral("ReDraw"), QStringLiteral("ReDraw"));
-    QPushButton* accept = Button(this, QStringLiteral("Accept"), QStringLiteral("PeakAccept"));
-    QPushButton* cancel = Button(this, QStringLiteral("Cancel"), QStringLiteral("PeakCancel"));
-    QPushButton* remove = Button(this, QStringLiteral("Delete Peak"), QStringLiteral("DeletePeak"));
+    QPushButton* optpeak = NamedButton(this, QStringLiteral("Optimise Peak"), QStringLiteral("Optpeak"));
+    QPushButton* redraw = NamedButton(this, QStringLiteral("ReDraw"), QStringLiteral("ReDraw"));
+    QPushButton* accept = NamedButton(this, QStringLiteral("Accept"), QStringLiteral("PeakAccept"));
+    QPushButton* cancel = NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("PeakCancel"));
+    QPushButton* remove = NamedButton(this, QStringLiteral("Delete Peak"), QStringLiteral("DeletePeak"));
     buttons->addWidget(optpeak);
     buttons->addWidget(redraw);
     buttons->addStretch();
@@ -103,25 +85,18 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
     ShowForm();
 }
 
-QLineEdit* PeakEditor::Box(const QString& name, int width) {
-    auto* box = new QLineEdit(this);
-    box->setObjectName(name);
-    box->setFixedWidth(width);
-    return box;
-}
-
 QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
                                       ConstraintKind kind) {
     auto* frame = new QGroupBox(title, this);
     auto* line = new QHBoxLayout(frame);
-    row.box = Box(prefix + QStringLiteral("Val"), 90);
+    row.box = NamedBox(frame, prefix + QStringLiteral("Val"), 90);
     row.scroll = new QScrollBar(Qt::Horizontal, frame);
     row.scroll->setObjectName(QStringLiteral("Sc") + prefix);
     row.scroll->setMinimumWidth(220);
     row.fix = new QCheckBox(QStringLiteral("Fix"), frame);
     row.fix->setObjectName(QStringLiteral("Chk") + prefix);
-    QPushButton* optimise = Button(frame, QStringLiteral("Optimise"), QStringLiteral("Opt") + prefix);
-    QPushButton* constraints = Button(frame, QStringLiteral("Constraints"), prefix + QStringLiteral("Cnt"));
+    QPushButton* optimise = NamedButton(frame, QStringLiteral("Optimise"), QStringLiteral("Opt") + prefix);
+    QPushButton* constraints = NamedButton(frame, QStringLiteral("Constraints"), prefix + QStringLiteral("Cnt"));
     line->addWidget(row.box);
     line->addWidget(row.scroll, 1);
     line->addWidget(row.fix);
@@ -140,8 +115,8 @@ QGroupBox* PeakEditor::AsymmetryFrame() {
     asymmetry_ = new QGroupBox(QStringLiteral("Asymmetry (TS=0 for symmetry)"), this);
     asymmetry_->setObjectName(QStringLiteral("AsyFrame"));
     auto* line = new QHBoxLayout(asymmetry_);
-    ts_ = Box(QStringLiteral("TSVal"), 90);
-    tl_ = Box(QStringLiteral("TLVal"), 90);
+    ts_ = NamedBox(asymmetry_, QStringLiteral("TSVal"), 90);
+    tl_ = NamedBox(asymmetry_, QStringLiteral("TLVal"), 90);
     line->addWidget(new QLabel(QStringLiteral("TS"), asymmetry_));
     line->addWidget(ts_);
     line->addWidget(new QLabel(QStringLiteral("0-1"), asymmetry_));
@@ -155,10 +130,10 @@ QGroupBox* PeakEditor::AsymmetryFrame() {
 
 void PeakEditor::ShowForm() {
     showing_ = true;
-    setWindowTitle(Q(form_.caption));
-    if (type_->currentText() != Q(form_.PeakType)) type_->setCurrentText(Q(form_.PeakType));
+    setWindowTitle(FromLatin1(form_.caption));
+    if (type_->currentText() != FromLatin1(form_.PeakType)) type_->setCurrentText(FromLatin1(form_.PeakType));
     SetBoxText(splitting_, form_.SplittingVal);
-    actFWHM_->setText(Q(form_.ActFWHM));
+    actFWHM_->setText(FromLatin1(form_.ActFWHM));
     SetBoxText(ts_, form_.TSVal);
     SetBoxText(tl_, form_.TLVal);
     for (ParameterRow& row : rows_) {
@@ -169,22 +144,17 @@ void PeakEditor::ShowForm() {
         row.fix->setChecked(form_.*row.check);
     }
     showing_ = false;
-    if (form_.visible) {
-        show();
-        raise();
-    } else {
-        hide();
-    }
+    ShowOrHide(*this, form_.visible);
     SyncHighlight();
 }
 
 void PeakEditor::ReadForm() {
-    form_.PeakType = type_->currentText().toStdString();
-    form_.SplittingVal = splitting_->text().toStdString();
-    form_.TSVal = ts_->text().toStdString();
-    form_.TLVal = tl_->text().toStdString();
+    form_.PeakType = ToLatin1(type_->currentText());
+    form_.SplittingVal = ToLatin1(splitting_->text());
+    form_.TSVal = ToLatin1(ts_->text());
+    form_.TLVal = ToLatin1(tl_->text());
     for (ParameterRow& row : rows_) {
-        form_.*row.text = row.box->text().toStdString();
+        form_.*row.text = ToLatin1(row.box->text());
         form_.*row.check = row.fix->isChecked();
     }
 }

@@ -70,7 +70,6 @@ private:
     QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
                               ConstraintKind kind);
     QGroupBox* AsymmetryFrame();
-    QLineEdit* Box(const QString& name, int width);
     void BarMoved(ParameterRow& row, int position);
     void FixToggled(ParameterRow& row, bool checked);
     void SyncHighlight();

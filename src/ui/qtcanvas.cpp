@@ -5,16 +5,14 @@
 
 #include <QFontMetricsF>
 
+#include "ui/widgets.h"
+
 namespace molvera::ui {
 
 namespace {
 
 // Far outside any surface, small enough for QPainter's fixed-point paths.
 constexpr double kLogicalLimit = 1e6;
-
-QString FromLatin1(const std::string& text) {
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 

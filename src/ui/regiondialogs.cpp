@@ -6,26 +6,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "ui/widgets.h"
+
 namespace molvera::ui {
-namespace {
-
-QString Q(const std::string& latin1) {
-    return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
-}
-std::string S(const QString& text) {
-    return text.toLatin1().toStdString();
-}
-
-void ShowOrHide(QWidget& w, bool visible) {
-    if (visible) {
-        w.show();
-        w.raise();
-    } else {
-        w.hide();
-    }
-}
-
-}  // namespace
 
 RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), shiftText_(new QLineEdit(this)) {
@@ -44,7 +27,7 @@ RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
 }
 
 void RegionShiftDialog::ShowForm() {
-    shiftText_->setText(Q(form_.ShiftText));
+    shiftText_->setText(FromLatin1(form_.ShiftText));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -54,7 +37,7 @@ void RegionShiftDialog::Open() {
 }
 
 void RegionShiftDialog::AcceptClicked() {
-    form_.ShiftText = S(shiftText_->text());
+    form_.ShiftText = ToLatin1(shiftText_->text());
     AcceptRegionShift(project_, form_);
     ShowForm();
 }
@@ -79,7 +62,7 @@ RegionCaptionDialog::RegionCaptionDialog(Project& project, Host& host, QWidget* 
 }
 
 void RegionCaptionDialog::ShowForm() {
-    text_->setText(Q(form_.Text));
+    text_->setText(FromLatin1(form_.Text));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -89,7 +72,7 @@ void RegionCaptionDialog::Open() {
 }
 
 void RegionCaptionDialog::OkClicked() {
-    form_.Text = S(text_->text());
+    form_.Text = ToLatin1(text_->text());
     AcceptRegionCaption(project_, host_, form_);
     ShowForm();
 }

@@ -1,0 +1,44 @@
+#include "ui/widgets.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace molvera::ui {
+
+QString FromLatin1(const std::string& latin1) {
+    return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
+}
+
+std::string ToLatin1(const QString& text) { return text.toLatin1().toStdString(); }
+
+QLineEdit* NamedBox(QWidget* parent, const QString& name, int width) {
+    auto* box = new QLineEdit(parent);
+    box->setObjectName(name);
+    box->setFixedWidth(width);
+    return box;
+}
+
+void SetBoxText(QLineEdit* box, const std::string& text) {
+    const QString q = FromLatin1(text);
+    if (box->text() == q) return;
+    box->setText(q);
+    box->setCursorPosition(0);
+}
+
+QPushButton* NamedButton(QWidget* parent, const QString& caption, const QString& name) {
+    auto* b = new QPushButton(caption, parent);
+    b->setObjectName(name);
+    b->setAutoDefault(false);
+    return b;
+}
+
+void ShowOrHide(QWidget& window, bool visible) {
+    if (visible) {
+        window.show();
+        window.raise();
+    } else {
+        window.hide();
+    }
+}
+
+}  // namespace molvera::ui

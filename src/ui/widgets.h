@@ -1,0 +1,28 @@
+#pragma once
+// Small pieces the windows share: texts between the records' Latin-1 and Qt, named
+// text boxes and buttons, and showing a window as its form says.
+
+#include <QString>
+#include <string>
+
+class QLineEdit;
+class QPushButton;
+class QWidget;
+
+namespace molvera::ui {
+
+/// Latin-1 bytes of the records as a QString.
+QString FromLatin1(const std::string& latin1);
+/// A QString as Latin-1 bytes (characters outside Latin-1 become '?').
+std::string ToLatin1(const QString& text);
+
+/// A text box of fixed width with the object name the tests find it by.
+QLineEdit* NamedBox(QWidget* parent, const QString& name, int width);
+/// Writes `text` into `box` when it differs, showing its leading characters.
+void SetBoxText(QLineEdit* box, const std::string& text);
+/// A button with an object name; Enter in a text box does not press it.
+QPushButton* NamedButton(QWidget* parent, const QString& caption, const QString& name);
+/// Shows and raises `window`, or hides it.
+void ShowOrHide(QWidget& window, bool visible);
+
+}  // namespace molvera::ui
