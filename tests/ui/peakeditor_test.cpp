@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScrollBar>
 #include <cmath>
 
@@ -16,6 +17,7 @@
 #include "spectral/envelope.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
+#include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
 
@@ -74,7 +76,13 @@ TEST_F(PeakEditorTest, AddPeakOpensTheEditorOnTheNewPeakHighlighted) {
     EXPECT_EQ(In<QPushButton>(editor(), "Optpeak")->text(), QStringLiteral("Optimise Peak"));
     EXPECT_EQ(In<QCheckBox>(editor(), "ChkArea")->text(), QStringLiteral("Fix"));
     // The asymmetry frame follows the line shape of the options.
-    EXPECT_EQ(In<QGroupBox>(editor(), "AsyFrame")->isEnabled(), project().Options.GLSum != 0);
+    auto* asymmetry = In<QGroupBox>(editor(), "AsyFrame");
+    EXPECT_EQ(asymmetry->isEnabled(), project().Options.GLSum != 0);
+    main().findChild<QPushButton*>("Command1")->click();  // Options
+    In<QRadioButton>(gui->optionsWindow(), "GLSum")->click();
+    EXPECT_TRUE(asymmetry->isEnabled());
+    In<QRadioButton>(gui->optionsWindow(), "GLProduct")->click();
+    EXPECT_FALSE(asymmetry->isEnabled());
 
     // The bars: position in 0.01 eV steps over the background range, area around its middle.
     const Region& reg = project().Current();
