@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "fileio/asciiimport.h"
-#include "fileio/import_test_util.h"
+#include "support/files.h"
 #include "fileio/kratos.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileio/import_test_util.h"
+#include "support/files.h"
 #include "model/messages.h"
 #include "spectral/lineshape.h"
 #include "support/recording_host.h"

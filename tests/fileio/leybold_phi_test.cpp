@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileio/import_test_util.h"
+#include "support/files.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"
 #include "fileio/kratos.h"

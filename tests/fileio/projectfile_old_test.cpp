@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "fileio/projectfile.h"
 #include "model/messages.h"
+#include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"
 #include "support/recording_host.h"
@@ -19,11 +19,6 @@ using test::LeBytes;
 using test::RecordingHost;
 
 constexpr int kBlock = 2001;
-
-void WriteBytes(const std::filesystem::path& p, const std::string& bytes) {
-    std::ofstream out(p, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 // A fixed block of 2001 Singles whose first elements are `values`.
 void Block(LeBytes& b, std::initializer_list<float> values) {
@@ -76,7 +71,7 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
     b.I16(8).I16(3).Raw("old");
 
     const auto dir = test::ScratchDir();
-    WriteBytes(dir / "v3.xps", b.bytes);
+    test::WriteBytes(dir / "v3.xps", b.bytes);
     Project q;
     q.Peaks[4].TailScale = 0.7f;
     q.Peaks[4].TailLength = 9;
@@ -139,7 +134,7 @@ std::string OldLayoutFile() {
 
 TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
     const auto dir = test::ScratchDir();
-    WriteBytes(dir / "sf.xps", OldLayoutFile());
+    test::WriteBytes(dir / "sf.xps", OldLayoutFile());
     Project q;
     q.Constraints[20].Area.UseLimits = kTrue;
     q.Constraints[20].Area.LowLimit = -4;
@@ -184,7 +179,7 @@ TEST(ProjectFileOldLayout, TruncatedFilesFail) {
     // Every length up to the end of the first region, then a coarser walk.
     for (std::size_t len = 0; len < desc; len += (len < 200 ? 1 : 397)) {
         const auto file = dir / ("t" + std::to_string(len) + ".xps");  // new files: faster than truncating
-        WriteBytes(file, b.substr(0, len));
+        test::WriteBytes(file, b.substr(0, len));
         Project q;
         RecordingHost host;
         EXPECT_EQ(LoadProject(q, host, file.string()).message(), msg::kErrorReadingFile) << len;

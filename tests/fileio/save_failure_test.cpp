@@ -5,9 +5,7 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -18,41 +16,31 @@
 #include "fitting/optionfile.h"
 #include "model/messages.h"
 #include "model/regionops.h"
-#include "support/paths.h"
+#include "support/files.h"
 #include "support/sample_region.h"
 
 namespace molvera {
 namespace {
 
 namespace fs = std::filesystem;
-
-using Writer = std::function<Status(const std::string&)>;
+using test::ReadBytes;
 
 struct NamedWriter {
     const char* name;
-    Writer write;
+    std::function<Status(const std::string&)> write;
 };
-
-std::string ReadBytes(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 // Region 0: 60 points, a Shirley background and two peaks; every file it gives is
 // well over 100 bytes.
-Project SampleProject() {
-    Project p;
-    test::FillSampleRegion(p, 0, 60, 295.0f, 0.25f);
-    test::GiveSampleBackground(p, 0);
-    AddPeak(p, QuietHost());
-    AddPeak(p, QuietHost());
-    p.Description = "sample";
-    return p;
-}
-
 class SaveFailure : public ::testing::Test {
 protected:
-    Project project = SampleProject();
+    void SetUp() override {
+        test::FillSampleRegion(project, 0, 60, 295.0f, 0.25f);
+        test::GiveSampleBackground(project, 0);
+        AddPeak(project, QuietHost());
+        AddPeak(project, QuietHost());
+    }
+    Project project;
     std::vector<NamedWriter> writers{
         {"project", [this](const std::string& f) { return SaveProject(project, f); }},
         {"region parameters", [this](const std::string& f) { return SaveRegionParameters(project, f); }},
@@ -68,9 +56,8 @@ TEST_F(SaveFailure, MissingFolderAndDirectoryPathAreReported) {
         EXPECT_EQ(w.write((dir / "no" / "such" / "file").string()).message(), msg::kErrorWritingFile) << w.name;
         const fs::path folder = dir / (std::string(w.name) + ".d");
         fs::create_directory(folder);
-        std::ofstream(folder / "inside") << "kept";
+        test::WriteBytes(folder / "inside", "kept");
         EXPECT_EQ(w.write(folder.string()).message(), msg::kErrorWritingFile) << w.name;
-        EXPECT_TRUE(fs::is_directory(folder)) << w.name;
         EXPECT_EQ(ReadBytes(folder / "inside"), "kept") << w.name;
     }
     EXPECT_FALSE(fs::exists(dir / "no"));
@@ -83,8 +70,9 @@ TEST_F(SaveFailure, WriteCutShortByTheFileSizeLimitKeepsThePreviousFile) {
         // The complete output is larger than the limit below.
         ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
         ASSERT_GT(fs::file_size(target), 100u) << w.name;
-        std::ofstream(target, std::ios::binary | std::ios::trunc) << "previous contents";
+        test::WriteBytes(target, "previous contents");
 
+        // A file size limit makes the write itself fail (even for a privileged user).
         rlimit old{};
         ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
         rlimit small = old;
@@ -107,7 +95,7 @@ TEST_F(SaveFailure, SuccessfulSaveReplacesThePreviousFileWhole) {
         const fs::path target = dir / "target";
         ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
         const std::string fresh = ReadBytes(target);
-        std::ofstream(target, std::ios::binary | std::ios::trunc) << std::string(100000, 'x');
+        test::WriteBytes(target, std::string(100000, 'x'));
         ASSERT_TRUE(w.write(target.string()).ok()) << w.name;
         EXPECT_EQ(ReadBytes(target), fresh) << w.name << ": no tail of the longer old file";
     }

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include <gtest/gtest.h>
+
 namespace molvera::test {
 
 /// Appends little-endian values to a byte string.
@@ -65,6 +67,23 @@ inline float F32At(const std::string& b, std::size_t at) {
     float f;
     std::memcpy(&f, &u, 4);
     return f;
+}
+
+/// One expected value in a byte string: kind 'h' Int16, 'i' Int32, 'f' Single.
+struct ValueAt {
+    std::size_t offset;
+    char kind;
+    double value;
+};
+
+/// Checks every row against the bytes at its offset (plus `base`).
+inline void ExpectValuesAt(const std::string& b, std::size_t base, std::initializer_list<ValueAt> rows) {
+    for (const ValueAt& r : rows) {
+        const std::size_t at = base + r.offset;
+        const double got = r.kind == 'h' ? I16At(b, at) : r.kind == 'i' ? I32At(b, at) : F32At(b, at);
+        const double want = r.kind == 'f' ? static_cast<float>(r.value) : r.value;
+        EXPECT_EQ(got, want) << "at " << base << " + " << r.offset;
+    }
 }
 
 }  // namespace molvera::test

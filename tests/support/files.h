@@ -1,9 +1,10 @@
 #pragma once
-// Helpers shared by the import tests: files written into a scratch folder, real
-// files found in the shared set or in the bundled copies, and line scanning.
+// Files for tests: whole-file reads and writes, scratch files, real data files and
+// line scanning.
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -11,10 +12,21 @@
 
 namespace molvera::test {
 
+/// The whole file as bytes ("" when missing).
+inline std::string ReadBytes(const std::filesystem::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// Replaces the file with `bytes`.
+inline void WriteBytes(const std::filesystem::path& p, const std::string& bytes) {
+    std::ofstream(p, std::ios::binary | std::ios::trunc) << bytes;
+}
+
 /// Writes `text` byte for byte to a file in the test's scratch folder.
 inline std::string WriteScratch(const std::string& name, const std::string& text) {
     const std::filesystem::path p = ScratchDir() / name;
-    std::ofstream(p, std::ios::binary) << text;
+    WriteBytes(p, text);
     return p.string();
 }
 
