@@ -5,27 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "model/messages.h"
 #include "support/le_bytes.h"
-#include "support/paths.h"
+#include "support/files.h"
 
 namespace molvera {
 namespace {
 
-using test::F32At;
-using test::I16At;
 
-std::string ReadBytes(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-void WriteBytes(const std::filesystem::path& p, const std::string& bytes) {
-    std::ofstream out(p, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using test::ReadBytes;
+using test::WriteBytes;
 
 // Every field a different value, so that a swapped or shifted field shows.
 FitOptions DistinctOptions() {
@@ -47,52 +37,26 @@ FitOptions DistinctOptions() {
     return o;
 }
 
-TEST(OptionFile, TableFollowsTheStatedLayout) {
-    FitOptions o;
-    const std::vector<OptionField> fields = OptionFileFields(o);
-    ASSERT_EQ(fields.size(), 4u + 4u * (3u * 3u + 3u * 2u) + 1u);
-    EXPECT_EQ(fields.front().name, "Method");
-    EXPECT_EQ(fields.back().name, "GLSum");
-    EXPECT_EQ(fields.back().offset, 204u);
-    std::size_t expectedNext = 0;
-    for (const OptionField& f : fields) {
-        EXPECT_EQ(f.offset, expectedNext) << f.name;  // no gaps, no padding
-        expectedNext = f.offset + (std::holds_alternative<float*>(f.value) ? 4 : 2);
-    }
-    EXPECT_EQ(expectedNext, kOptionFileSize);
-    // Level L's block starts at 12 + 48 (L - 1); its rows at 0, 10, 20, 30, 36, 42.
-    auto offsetOf = [&](const std::string& name) {
-        for (const OptionField& f : fields)
-            if (f.name == name) return f.offset;
-        ADD_FAILURE() << name;
-        return std::size_t{0};
-    };
-    EXPECT_EQ(offsetOf("Tolerance"), 8u);
-    EXPECT_EQ(offsetOf("PositionSearch[1].Use"), 12u);
-    EXPECT_EQ(offsetOf("AreaSearch[2].Range"), 12u + 48u + 10u + 2u);
-    EXPECT_EQ(offsetOf("FWHMSearch[3].Step"), 12u + 96u + 20u + 6u);
-    EXPECT_EQ(offsetOf("PositionNewton[4].Delta"), 12u + 144u + 30u + 2u);
-    EXPECT_EQ(offsetOf("FWHMNewton[4].Delta"), 12u + 144u + 42u + 2u);
-}
-
 TEST(OptionFile, WrittenBytesAtTheirOffsets) {
     const auto dir = test::ScratchDir();
     const FitOptions o = DistinctOptions();
     ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
     const std::string b = ReadBytes(dir / "a.opa");
     ASSERT_EQ(b.size(), 206u);
-    EXPECT_EQ(F32At(b, 0), 1.0f);
-    EXPECT_EQ(I16At(b, 4), 17);
-    EXPECT_EQ(I16At(b, 6), 23);
-    EXPECT_EQ(F32At(b, 8), 0.0001f);
-    EXPECT_EQ(I16At(b, 12 + 48), -1);             // PositionSearch[2].Use
-    EXPECT_EQ(F32At(b, 12 + 48 + 2), 0.5f);       // PositionSearch[2].Range
-    EXPECT_EQ(F32At(b, 12 + 48 + 6), 0.1f / 2);     // PositionSearch[2].Step
-    EXPECT_EQ(F32At(b, 12 + 10 + 2), 21.0f);      // AreaSearch[1].Range
-    EXPECT_EQ(F32At(b, 12 + 96 + 20 + 6), 0.05f * 3);  // FWHMSearch[3].Step
-    EXPECT_EQ(I16At(b, 12 + 144 + 36), 3);        // AreaNewton[4].Use
-    EXPECT_EQ(F32At(b, 12 + 144 + 42 + 2), 0.007f * 4);  // FWHMNewton[4].Delta
-    EXPECT_EQ(I16At(b, 204), -1);
+    // Method, trials, tolerance; level L's block starts at 12 + 48 (L - 1) with its
+    // rows at 0, 10, 20, 30, 36, 42; GLSum last.
+    test::ExpectValuesAt(b, 0, {{0, 'f', 1},
+                                {4, 'h', 17},
+                                {6, 'h', 23},
+                                {8, 'f', 0.0001},
+                                {12 + 48, 'h', -1},                   // PositionSearch[2].Use
+                                {12 + 48 + 2, 'f', 0.5},              // PositionSearch[2].Range
+                                {12 + 48 + 6, 'f', 0.1f / 2},         // PositionSearch[2].Step
+                                {12 + 10 + 2, 'f', 21},               // AreaSearch[1].Range
+                                {12 + 96 + 20 + 6, 'f', 0.05f * 3},   // FWHMSearch[3].Step
+                                {12 + 144 + 36, 'h', 3},              // AreaNewton[4].Use
+                                {12 + 144 + 42 + 2, 'f', 0.007f * 4},  // FWHMNewton[4].Delta
+                                {204, 'h', -1}});
 }
 
 TEST(OptionFile, RoundTripIsBitExact) {
@@ -107,12 +71,15 @@ TEST(OptionFile, RoundTripIsBitExact) {
     EXPECT_EQ(ReadBytes(dir / "a.opa"), ReadBytes(dir / "b.opa"));
 }
 
-TEST(OptionFile, FileEndingBeforeGLSumKeepsThePreviousGLSum) {
+TEST(OptionFile, ShortLongAndMissingFiles) {
     const auto dir = test::ScratchDir();
     FitOptions o = DistinctOptions();
     o.GLSum = 0;
     ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    WriteBytes(dir / "short.opa", ReadBytes(dir / "a.opa").substr(0, 204));
+    const std::string bytes = ReadBytes(dir / "a.opa");
+
+    // Ending before GLSum: the previous GLSum stays, the file is good.
+    WriteBytes(dir / "short.opa", bytes.substr(0, 204));
     FitOptions back;
     back.GLSum = -1;
     const Status st = ReadOptionFile(back, (dir / "short.opa").string());
@@ -120,42 +87,27 @@ TEST(OptionFile, FileEndingBeforeGLSumKeepsThePreviousGLSum) {
     EXPECT_EQ(back.GLSum, -1);
     back.GLSum = 0;
     EXPECT_EQ(back, o);
-}
 
-TEST(OptionFile, ShorterFileKeepsTheFieldsReadBeforeTheEnd) {
-    const auto dir = test::ScratchDir();
-    const FitOptions o = DistinctOptions();
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    // 63 bytes: level 2's PositionSearch.Use (60..61) is complete, its Range (62..65) is not.
-    WriteBytes(dir / "short.opa", ReadBytes(dir / "a.opa").substr(0, 63));
-    FitOptions back;
-    back.PositionSearch[1].Range = 42;
-    back.FWHMNewton[3].Delta = 43;
-    EXPECT_EQ(ReadOptionFile(back, (dir / "short.opa").string()).message(), msg::kErrorReadingFile);
-    EXPECT_EQ(back.NewtonTrials, 23);
-    EXPECT_EQ(back.FWHMNewton[0], o.FWHMNewton[0]);
-    EXPECT_EQ(back.PositionSearch[1].Use, o.PositionSearch[1].Use);
-    EXPECT_EQ(back.PositionSearch[1].Range, 42.0f);
-    EXPECT_EQ(back.FWHMNewton[3].Delta, 43.0f);
-}
+    // 63 bytes: level 2's PositionSearch.Use (60..61) is complete, its Range (62..65)
+    // is not; what was read before the end is kept.
+    WriteBytes(dir / "short.opa", bytes.substr(0, 63));
+    FitOptions part;
+    part.PositionSearch[1].Range = 42;
+    part.FWHMNewton[3].Delta = 43;
+    EXPECT_EQ(ReadOptionFile(part, (dir / "short.opa").string()).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(part.NewtonTrials, 23);
+    EXPECT_EQ(part.FWHMNewton[0], o.FWHMNewton[0]);
+    EXPECT_EQ(part.PositionSearch[1].Use, o.PositionSearch[1].Use);
+    EXPECT_EQ(part.PositionSearch[1].Range, 42.0f);
+    EXPECT_EQ(part.FWHMNewton[3].Delta, 43.0f);
 
-TEST(OptionFile, LongerFileReadsItsFirst206Bytes) {
-    const auto dir = test::ScratchDir();
-    const FitOptions o = DistinctOptions();
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    WriteBytes(dir / "long.opa", ReadBytes(dir / "a.opa") + std::string(1000, '\x7f'));
-    FitOptions back;
-    ASSERT_TRUE(ReadOptionFile(back, (dir / "long.opa").string()).ok());
-    EXPECT_EQ(back, o);
-}
-
-TEST(OptionFile, FailuresToOpenOrWrite) {
-    const auto dir = test::ScratchDir();
-    FitOptions o = DistinctOptions();
-    EXPECT_EQ(ReadOptionFile(o, (dir / "missing.opa").string()).message(), msg::kErrorReadingFile);
-    EXPECT_EQ(o, DistinctOptions());
-    EXPECT_EQ(WriteOptionFile(o, (dir / "no" / "x.opa").string()).message(), msg::kErrorWritingFile);
-    EXPECT_EQ(WriteOptionFile(o, dir.string()).message(), msg::kErrorWritingFile);
+    // A longer file is read for its first 206 bytes; a missing one changes nothing.
+    WriteBytes(dir / "long.opa", bytes + std::string(1000, '\x7f'));
+    FitOptions longer;
+    ASSERT_TRUE(ReadOptionFile(longer, (dir / "long.opa").string()).ok());
+    EXPECT_EQ(longer, o);
+    EXPECT_EQ(ReadOptionFile(longer, (dir / "missing.opa").string()).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(longer, o);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "plot/spectrumplot.h"
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -49,28 +50,19 @@ std::vector<double> TickPositions(const RecordingCanvas& c) {
     return out;
 }
 
-TEST(PlotTicks, StepIsFirstNonZeroDecimalFifth) {
-    EXPECT_DOUBLE_EQ(TickStep(20), 4);
-    EXPECT_DOUBLE_EQ(TickStep(3), 0.6);
-    EXPECT_DOUBLE_EQ(TickStep(0.07), 0.01);
-    EXPECT_DOUBLE_EQ(TickStep(24.4), 4);    // floor(4.98) = 4
-    EXPECT_DOUBLE_EQ(TickStep(24.6), 5);    // floor(4.92 + 0.1) = 5
-    EXPECT_DOUBLE_EQ(TickStep(1000), 200);
-    EXPECT_GT(TickStep(1e-30), 0);          // beyond every decade: a fifth of the span
-    EXPECT_DOUBLE_EQ(TickStep(0), 1);
-    EXPECT_DOUBLE_EQ(TickStep(std::numeric_limits<double>::quiet_NaN()), 1);
-}
-
-TEST(PlotTicks, FirstTickIsSmallestMultipleNotBelowMinimum) {
-    EXPECT_DOUBLE_EQ(FirstTick(280, 4), 280);
-    EXPECT_DOUBLE_EQ(FirstTick(281, 4), 284);
-    EXPECT_NEAR(FirstTick(285, 0.6), 285, 1e-9);
-    EXPECT_NEAR(FirstTick(285.1, 0.6), 285.6, 1e-9);
-    EXPECT_DOUBLE_EQ(FirstTick(0, 0.6), 0);
-    // At or below zero the first tick lies strictly above the minimum.
-    EXPECT_NEAR(FirstTick(-1, 0.4), -0.8, 1e-12);
-    EXPECT_NEAR(FirstTick(-0.8, 0.4), -0.4, 1e-12);
-    EXPECT_NEAR(FirstTick(-10, 1), -9, 1e-12);
+TEST(PlotTicks, StepAndFirstTick) {
+    // The step is a fifth of the span cut to its first non-zero decimal.
+    const std::pair<double, double> steps[] = {{20, 4},  {3, 0.6},     {0.07, 0.01}, {24.4, 4},  // floor(4.98)
+                                               {24.6, 5},  // floor(4.92 + 0.1)
+                                               {1000, 200}, {0, 1},    {std::nan(""), 1}};
+    for (const auto& [span, step] : steps) EXPECT_NEAR(TickStep(span), step, 1e-12) << span;
+    EXPECT_GT(TickStep(1e-30), 0);  // beyond every decade: a fifth of the span
+    // The first tick is the smallest multiple not below the minimum, strictly above
+    // it at or below zero.
+    const std::array<double, 3> firsts[] = {{280, 4, 280},      {281, 4, 284},      {285, 0.6, 285},
+                                            {285.1, 0.6, 285.6}, {0, 0.6, 0},       {-1, 0.4, -0.8},
+                                            {-0.8, 0.4, -0.4},   {-10, 1, -9}};
+    for (const auto& [min, step, first] : firsts) EXPECT_NEAR(FirstTick(min, step), first, 1e-9) << min << " " << step;
 }
 
 TEST(PlotRegion, Region280To300HasTicksEvery4eVWith300AtTheLeft) {

@@ -107,17 +107,6 @@ protected:
     TrialHost host;
 };
 
-TEST_F(BackgroundOptimiseTest, SlopeSearchLeavesABackgroundBelowTheDataAlone) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "5");
-    ASSERT_FALSE(CrossesByHand(reg));
-    const Region before = reg;
-    const BackgroundForm formBefore = form;
-    ShirleyOptimiseClick(project, host, form);
-    EXPECT_EQ(reg, before);
-    EXPECT_EQ(form.ShirleySlope, formBefore.ShirleySlope);
-    EXPECT_EQ(host.yields + host.redraws + host.beeps, 0);
-}
-
 TEST_F(BackgroundOptimiseTest, SlopeSearchFromZeroStartsAtTwoAndEndsAtTheSmallestSafeSlope) {
     Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
     ASSERT_TRUE(CrossesByHand(reg));
@@ -187,16 +176,6 @@ TEST_F(BackgroundOptimiseTest, SlopeSearchOnlyForShirleyAndOnlyOnTenPointsOrMore
     }
 }
 
-TEST_F(BackgroundOptimiseTest, TougaardSearchDoesNothingForAnotherType) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
-    form.BG = "Tougaard";
-    const Region before = reg;
-    OptimiseTougaardB1(project, host, form);
-    EXPECT_EQ(reg, before);
-    EXPECT_EQ(form.TouB1, "3000");
-    EXPECT_EQ(host.yields + host.redraws + host.regionWindowShows, 0);
-}
-
 TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheStageFactors) {
     Region& reg = Accepted(RisingTailAndPeak(40), "Tougaard", "", "3000");
     ASSERT_GT(BestB1ByHand(reg), 3000 * 1.9 * 1.09 * 1.009 * 1.1);
@@ -242,18 +221,6 @@ TEST_F(BackgroundOptimiseTest, B1StaysWhenNoTrialIsStrictlyBetter) {
     EXPECT_EQ(form.TouB1, "2500");
 }
 
-TEST_F(BackgroundOptimiseTest, ZeroB1StaysZero) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Tougaard", "", "3000");
-    reg.BackgroundParameter = 0;
-    ComputeTougaard(reg);
-    RefineTougaardB1(project, host, form);
-    EXPECT_EQ(host.yields, 57);
-    for (const std::string& b : host.b1s) EXPECT_EQ(b, "0");
-    EXPECT_EQ(reg.BackgroundParameter, 0.0f);
-    EXPECT_EQ(form.TouB1, "0");
-    EXPECT_EQ(reg.BackgroundCurve[1], reg.RangeIntensity[40]);
-}
-
 TEST_F(BackgroundOptimiseTest, TougaardButtonRunsBusyAndStoresTheSearchedBackground) {
     Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
     form.BG = "Tougaard";
@@ -290,16 +257,6 @@ TEST_F(BackgroundOptimiseTest, TougaardButtonRefusesWithoutStoring) {
     EXPECT_EQ(host.busyEnds, 2);
     EXPECT_EQ(project.Idle, kTrue);
     EXPECT_EQ(host.yields, 0);
-}
-
-TEST_F(BackgroundOptimiseTest, TougaardButtonOnAShortRangeFitsAllItsPoints) {
-    Region& reg = Accepted({900, 700, 520, 380, 300, 260}, "Tougaard", "", "3000");
-    ASSERT_EQ(reg.RangeCount, 6);
-    const double best = BestB1ByHand(reg);
-    form.TouB1 = FormatGeneral(static_cast<float>(1.2 * best));
-    TougaardOptimiseClick(project, host, form);
-    EXPECT_EQ(host.yields, 57);
-    EXPECT_NEAR(reg.BackgroundParameter, best, best * 0.0006);
 }
 
 }  // namespace

@@ -1,17 +1,16 @@
-// Options dialog: filling, the OK checks in their order, the immediate handlers, and
-// the Load/Save Parameters commands.
+// Options dialog: filling, the OK checks in their order, the method buttons, and the
+// Load/Save Parameters commands.
 
 #include "session/optionsform.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "fitting/optionfile.h"
 #include "model/messages.h"
 #include "model/records.h"
-#include "support/paths.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 
 namespace molvera {
@@ -43,7 +42,6 @@ TEST(OptionsDialogFill, CopiesEveryControl) {
     FitOptions o;
     o.Method = 2;  // any non-zero value is Newton's method
     o.SearchTrials = 5;
-    o.NewtonTrials = 150;
     o.Tolerance = 0.25f;
     o.AreaSearch[3] = {-1, 12.5f, 0.5f};
     o.FWHMNewton[1] = {1, 0.001f};
@@ -55,7 +53,6 @@ TEST(OptionsDialogFill, CopiesEveryControl) {
     EXPECT_FALSE(f.UseSearch);
     EXPECT_TRUE(f.UseNewton);
     EXPECT_EQ(f.SearchTrial, "5");
-    EXPECT_EQ(f.NewtonTrial, "150");
     EXPECT_EQ(f.TolVal, "25");
     EXPECT_TRUE(f.AreaSearchCheck[3]);
     EXPECT_EQ(f.AreaRange[3], "12.5");
@@ -64,10 +61,7 @@ TEST(OptionsDialogFill, CopiesEveryControl) {
     EXPECT_EQ(f.FWHMDelta[1], "0.001");
     EXPECT_FALSE(f.PosSearchCheck[0]);
     EXPECT_EQ(f.PosRange[0], "1234567");
-    EXPECT_EQ(f.PosStep[0], "0.1");
-    EXPECT_EQ(f.PosDelta[2], "0");
     EXPECT_TRUE(f.GLSum);
-    EXPECT_FALSE(f.GLProduct);
     EXPECT_TRUE(f.AsymmetryFrameEnabled);
 
     o.Method = 0;
@@ -84,7 +78,9 @@ TEST(OptionsDialogFill, CopiesEveryControl) {
 
 TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
     OptionsForm f = ValidForm();
+    f.AreaDelta[3] = "-5";  // not ticked, so not read
     FitOptions o;
+    o.AreaNewton[3] = {-1, 0.02f};
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
     EXPECT_FALSE(f.Visible);
     EXPECT_EQ(o.Method, 0.0f);
@@ -95,32 +91,30 @@ TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
     EXPECT_EQ(o.AreaSearch[1].Step, 0.25f);
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
     EXPECT_EQ(o.PositionNewton[2].Use, kFalse);
+    EXPECT_EQ(o.AreaNewton[3].Use, kFalse);  // unticked: off, its value kept
+    EXPECT_EQ(o.AreaNewton[3].Delta, 0.02f);
     f.UseSearch = false;
     f.UseNewton = true;
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
     EXPECT_EQ(o.Method, 1.0f);
 }
 
-TEST(OptionsDialogApply, Tolerance) {
+TEST(OptionsDialogApply, ToleranceFrom0To100PerCent) {
+    struct Case {
+        const char* text;
+        bool ok;
+        float stored;
+    };
+    const Case cases[] = {{"0.01", true, 0.0001f}, {"abc", true, 0}, {"100", true, 1},  // no number reads as 0
+                          {"-0.5", false, 1},      {"100.001", false, 1}, {"1e5", false, 1}};
     FitOptions o;
     OptionsForm f = ValidForm();
-    f.TolVal = "0.01";
-    ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
-    EXPECT_EQ(o.Tolerance, 0.0001f);
-    for (const char* ok : {"0", "100", "abc"}) {  // text without a number reads as 0
-        f.TolVal = ok;
-        EXPECT_TRUE(ApplyOptionsDialog(f, o).ok()) << ok;
-    }
-    EXPECT_EQ(o.Tolerance, 0.0f);
-    f.TolVal = "100";
-    ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
-    EXPECT_EQ(o.Tolerance, 1.0f);
-    for (const char* bad : {"-0.5", "100.001", "1e5"}) {
-        f.TolVal = bad;
+    for (const Case& c : cases) {
+        f.TolVal = c.text;
         f.Visible = true;
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), msg::kToleranceRange) << bad;
-        EXPECT_EQ(o.Tolerance, 1.0f) << bad;
-        EXPECT_TRUE(f.Visible);
+        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.ok ? "" : msg::kToleranceRange) << c.text;
+        EXPECT_EQ(o.Tolerance, c.stored) << c.text;
+        EXPECT_EQ(f.Visible, !c.ok) << c.text;
     }
 }
 
@@ -159,36 +153,6 @@ TEST(OptionsDialogApply, Trials) {
     }
 }
 
-TEST(OptionsDialogApply, UntickedLevelKeepsItsValues) {
-    FitOptions o;
-    o.PositionSearch[2] = {-1, 3.5f, 0.7f};
-    o.AreaNewton[3] = {-1, 0.02f};
-    OptionsForm f = ValidForm();
-    f.PosRange[2] = "0";  // not checked, so not read
-    f.AreaDelta[3] = "-5";
-    ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
-    EXPECT_EQ(o.PositionSearch[2].Use, kFalse);
-    EXPECT_EQ(o.PositionSearch[2].Range, 3.5f);
-    EXPECT_EQ(o.PositionSearch[2].Step, 0.7f);
-    EXPECT_EQ(o.AreaNewton[3].Use, kFalse);
-    EXPECT_EQ(o.AreaNewton[3].Delta, 0.02f);
-}
-
-TEST(OptionsDialogApply, TickedLevelWithZeroRangeIsRefusedAndStaysInUse) {
-    FitOptions o;
-    o.PositionSearch[0] = {0, 9.0f, 9.0f};
-    o.AreaSearch[0] = {0, 9.0f, 9.0f};
-    OptionsForm f = ValidForm();
-    f.PosRange[0] = "0";
-    const Status st = ApplyOptionsDialog(f, o);
-    EXPECT_EQ(st.message(), "Range value for Position of level 1 must be >0");
-    EXPECT_EQ(o.PositionSearch[0].Use, kTrue);
-    EXPECT_EQ(o.PositionSearch[0].Range, 9.0f);
-    EXPECT_EQ(o.PositionSearch[0].Step, 9.0f);  // its step comes later
-    EXPECT_EQ(o.AreaSearch[0].Use, kFalse);     // so does the next row
-    EXPECT_TRUE(f.Visible);
-}
-
 TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
     struct Case {
         std::array<std::string, kLevels> OptionsForm::*box;
@@ -196,6 +160,7 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
         const char* message;
     };
     const Case cases[] = {
+        {&OptionsForm::PosRange, 1, "Range value for Position of level 1 must be >0"},
         {&OptionsForm::PosStep, 1, "Step value for Position of level 1 must be >0"},
         {&OptionsForm::AreaRange, 2, "Range value for Area of level 2 must be >0"},
         {&OptionsForm::AreaStep, 1, "Step value for Area of level 1 must be >0"},
@@ -208,8 +173,10 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
     for (const Case& c : cases) {
         OptionsForm f = ValidForm();
         (f.*c.box)[c.level - 1] = "-1";
+        (f.*c.box)[2] = "0";  // level 3 is not ticked: not read
         FitOptions o;
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.message);
+        EXPECT_TRUE(f.Visible);
     }
     // Level 1 is checked whole before level 2: a bad level-2 position range comes
     // after every row of level 1 has been stored.
@@ -222,7 +189,7 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
     EXPECT_EQ(o.FWHMNewton[1].Use, kFalse);
 }
 
-TEST(OptionsDialogClicks, MethodButtonsStayExclusive) {
+TEST(OptionsDialogClicks, MethodAndLineShapeButtonsStayExclusiveAndTakeEffectAtOnce) {
     OptionsForm f;
     FitOptions o;
     f.UseNewton = true;
@@ -237,11 +204,6 @@ TEST(OptionsDialogClicks, MethodButtonsStayExclusive) {
     UseNewtonClick(f, o);
     EXPECT_TRUE(f.UseSearch);
     EXPECT_EQ(o.Method, 0.0f);
-}
-
-TEST(OptionsDialogClicks, LineShapeTakesEffectAtOnce) {
-    OptionsForm f;
-    FitOptions o;
     f.GLSum = true;
     GLSumClick(f, o);
     EXPECT_EQ(o.GLSum, -1);
@@ -251,51 +213,44 @@ TEST(OptionsDialogClicks, LineShapeTakesEffectAtOnce) {
     GLProductClick(f, o);
     EXPECT_EQ(o.GLSum, 0);
     EXPECT_FALSE(f.AsymmetryFrameEnabled);
-    EXPECT_FALSE(f.GLSum);
 }
 
-TEST(OptionsDialogFiles, ProposedName) {
+TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     EXPECT_EQ(ProposeOptionFileName("C:/data/run1.xps"), "C:/data/run1.opa");
     EXPECT_EQ(ProposeOptionFileName("a.b.c"), "a.opa");
     EXPECT_EQ(ProposeOptionFileName("noext"), "noext");
-}
 
-TEST(OptionsDialogFiles, SaveAfterAFailedCheckStillWrites) {
+    // Save Parameters stores what the checks got to, then writes.
     const auto dir = test::ScratchDir();
     OptionsForm f = ValidForm();
     f.NewtonTrial = "0";
+    f.SearchTrial = "33";
     FitOptions o;
+    o.GLSum = -1;
     RecordingHost host;
     ASSERT_TRUE(SaveOptionsCommand((dir / "a.opa").string(), f, o, host).ok());
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNewtonTrialsRange});
     EXPECT_EQ(std::filesystem::file_size(dir / "a.opa"), kOptionFileSize);
     FitOptions back;
     ASSERT_TRUE(ReadOptionFile(back, (dir / "a.opa").string()).ok());
-    EXPECT_EQ(back.SearchTrials, 10);  // stored before the failing step
+    EXPECT_EQ(back.SearchTrials, 33);  // stored before the failing step
     EXPECT_EQ(back, o);
-}
 
-TEST(OptionsDialogFiles, LoadRefreshesOnlyOnSuccess) {
-    const auto dir = test::ScratchDir();
-    FitOptions saved;
-    saved.SearchTrials = 33;
-    saved.GLSum = -1;
-    ASSERT_TRUE(WriteOptionFile(saved, (dir / "a.opa").string()).ok());
-    {
-        std::ofstream(dir / "short.opa", std::ios::binary) << std::string(10, '\0');
-    }
-    OptionsForm f;
-    FitOptions o;
-    RecordingHost host;
-    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), f, o, host).message(), msg::kErrorReadingFile);
+    // Load refreshes the dialog only on success.
+    test::WriteBytes(dir / "short.opa", std::string(10, '\0'));
+    OptionsForm g;
+    FitOptions p;
+    host.messages.clear();
+    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, p, host).message(), msg::kErrorReadingFile);
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFile});
-    EXPECT_FALSE(f.Visible);
-    EXPECT_EQ(f.SearchTrial, "");
-    ASSERT_TRUE(LoadOptionsCommand((dir / "a.opa").string(), f, o, host).ok());
-    EXPECT_TRUE(f.Visible);
-    EXPECT_EQ(f.SearchTrial, "33");
-    EXPECT_TRUE(f.AsymmetryFrameEnabled);
+    EXPECT_FALSE(g.Visible);
+    EXPECT_EQ(g.SearchTrial, "");
+    ASSERT_TRUE(LoadOptionsCommand((dir / "a.opa").string(), g, p, host).ok());
+    EXPECT_TRUE(g.Visible);
+    EXPECT_EQ(g.SearchTrial, "33");
+    EXPECT_TRUE(g.AsymmetryFrameEnabled);
 
+    // At start-up: defaults when the file is missing, and the dialog stays hidden.
     OptionsForm start;
     FitOptions startOptions;
     LoadDefaultOptions((dir / "missing.opa").string(), start, startOptions);

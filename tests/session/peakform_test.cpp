@@ -163,32 +163,6 @@ TEST_F(PeakFormTest, CancelRestoresThePeakEvenAfterReDraw) {
     EXPECT_EQ(host.hides, 1);
 }
 
-TEST_F(PeakFormTest, ClosingRestoresThePeakAndLeavesTheTotal) {
-    const Peak original = project.Peaks[0];
-    const float chi = project.Regions[1].ChiSquare;
-    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    MoveScrollBar(form, PeakParameter::Position, 300);
-    PeakReDraw(project, host, form);
-    const float totalAfterReDraw = project.TotalChiSquare;
-    ASSERT_NE(project.Regions[1].ChiSquare, chi);
-
-    ClosePeakEditor(project, host, form);
-    EXPECT_EQ(project.Peaks[0], original);
-    EXPECT_EQ(project.Regions[1].ChiSquare, chi);
-    EXPECT_EQ(project.TotalChiSquare, totalAfterReDraw);
-    EXPECT_FALSE(form.visible);
-}
-
-TEST_F(PeakFormTest, ValuesOutsideABarLeaveBarAndText) {
-    project.Peaks[0].Position = 300;  // 2000 steps above 280: beyond the bar
-    project.Peaks[0].FWHM = 6;        // 600 > 500
-    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    EXPECT_EQ(form.ScPos.value, 0);
-    EXPECT_EQ(form.PosVal, "300");
-    EXPECT_EQ(form.ScFWHM.value, 30);
-    EXPECT_EQ(form.FWHMVal, "6");
-}
-
 TEST_F(PeakFormTest, AreaBarUnit) {
     project.Peaks[0].Area = 0;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
@@ -221,16 +195,6 @@ TEST_F(PeakFormTest, ScrollBarMovesRewriteTheirBoxes) {
     EXPECT_EQ(form.ScPos.value, 1);
 }
 
-TEST_F(PeakFormTest, FixChecksWriteAtOnce) {
-    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    SetFixCheck(project, form, PeakParameter::Position, true);
-    SetFixCheck(project, form, PeakParameter::GL, false);
-    EXPECT_EQ(project.Peaks[0].FixPosition, 1);
-    EXPECT_EQ(project.Peaks[0].FixGL, 0);
-    EXPECT_TRUE(form.ChkPos);
-    EXPECT_FALSE(form.ChkGL);
-}
-
 TEST_F(PeakFormTest, ButtonsWithoutAPeakDoNothing) {
     project.CurrentPeak = 7;
     EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));
@@ -253,14 +217,6 @@ TEST_F(PeakFormTest, AcceptAppliesRelations) {
     form.PosVal = "284";
     PeakAccept(project, host, form);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
-}
-
-TEST_F(PeakFormTest, DeleteRemovesThePeakAndHides) {
-    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    PeakDelete(project, host, form);
-    EXPECT_FALSE(IsSet(project.Peaks[0].InUse));
-    EXPECT_EQ(project.Regions[1].PeakCount, 0);
-    EXPECT_FALSE(form.visible);
 }
 
 }  // namespace

@@ -80,17 +80,6 @@ TEST_F(PeakOptimiseTest, GLIsSearchedEvenWhenNewtonIsChosen) {
     EXPECT_EQ(form.GLVal, "30");
 }
 
-TEST_F(PeakOptimiseTest, AreaBoxCarriesTheHeightWithIt) {
-    form.PosVal = "285.037";
-    OptimiseParameterClick(project, host, form, PeakParameter::Position);
-    form.AreaVal = "900";
-    OptimiseParameterClick(project, host, form, PeakParameter::Area);
-    EXPECT_GT(peak().Area, 900.0f);
-    EXPECT_NEAR(peak().Area, 1000, 10);
-    EXPECT_NEAR(peak().HeightPercent, AreaToHeightPercent(project, peak()), 1e-3);
-    EXPECT_EQ(form.AreaVal, FormatGeneral(peak().Area));
-}
-
 TEST_F(PeakOptimiseTest, OptimisePeakAppliesTheEditorAndRefreshesTheFourBoxes) {
     form.PosVal = "284.8";
     form.AreaVal = "900";
