@@ -3,14 +3,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "cli/jsondump.h"
-#include "support/paths.h"
+#include "support/files.h"
 
 namespace molvera::test {
 namespace {
@@ -23,12 +22,6 @@ struct CliRun {
     std::string err;
 };
 
-std::string Slurp(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
 
 class Cli : public ::testing::Test {
 protected:
@@ -42,7 +35,7 @@ protected:
         const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args +
                                 " > out.txt 2> err.txt";
         int status = std::system(cmd.c_str());
-        return {WEXITSTATUS(status), Slurp(dir / "out.txt"), Slurp(dir / "err.txt")};
+        return {WEXITSTATUS(status), ReadBytes(dir / "out.txt"), ReadBytes(dir / "err.txt")};
     }
     // A region 1 with a Shirley background and three peaks.
     void BuildFit() {
@@ -134,11 +127,11 @@ TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
         << fit.out;
     EXPECT_LT(after, before / 10);
     ASSERT_EQ(Cmd("save f.xps -o g.xps").code, 0);
-    EXPECT_EQ(Slurp(dir / "f.xps"), Slurp(dir / "g.xps"));
+    EXPECT_EQ(ReadBytes(dir / "f.xps"), ReadBytes(dir / "g.xps"));
     EXPECT_EQ(Cmd("dump f.xps").out, Cmd("dump g.xps").out);
     ASSERT_EQ(Cmd("export-spectrum f.xps --region 1 -o f.dat").code, 0);
     ASSERT_EQ(Cmd("export-spectrum g.xps --region 1 -o g.dat").code, 0);
-    EXPECT_EQ(Slurp(dir / "f.dat"), Slurp(dir / "g.dat"));
+    EXPECT_EQ(ReadBytes(dir / "f.dat"), ReadBytes(dir / "g.dat"));
 }
 
 // The .par text with the area column (the third zone) blanked.
@@ -167,7 +160,7 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
     ASSERT_EQ(r.code, 0) << r.err;
     ASSERT_EQ(Cmd("export-peaks f.xps --region 1 -o f.par").code, 0);
     ASSERT_EQ(Cmd("export-peaks w.xps --region 1 -o w.par").code, 0);
-    const std::string source = Slurp(dir / "f.par"), applied = Slurp(dir / "w.par");
+    const std::string source = ReadBytes(dir / "f.par"), applied = ReadBytes(dir / "w.par");
     EXPECT_EQ(WithoutAreas(source), WithoutAreas(applied));
     EXPECT_NE(source, applied);  // the areas follow the other spectrum's intensities
     auto f = nlohmann::json::parse(Cmd("dump f.xps").out)["Regions"][0];

@@ -3,24 +3,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "support/paths.h"
+#include "support/files.h"
 
 namespace molvera::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string ReadAll(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
 
 class Render : public ::testing::Test {
 protected:
@@ -39,7 +32,7 @@ protected:
         const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args +
                                 " > out.txt 2> err.txt";
         const int status = std::system(cmd.c_str());
-        err = ReadAll(dir / "err.txt");
+        err = ReadBytes(dir / "err.txt");
         return WEXITSTATUS(status);
     }
     fs::path dir;
@@ -60,13 +53,13 @@ TEST_F(Render, PngAndPdfOfARegion) {
     ASSERT_EQ(Run("render p.xps --region 1 -o plain.png"), 0) << err;
     ASSERT_EQ(Run("render p.xps --region 1 -o table.PNG --with-peaks"), 0) << err;
     ASSERT_EQ(Run("render p.xps --region 1 -o page.pdf --with-peaks"), 0) << err;
-    const std::string plain = ReadAll(dir / "plain.png");
-    const std::string table = ReadAll(dir / "table.PNG");
+    const std::string plain = ReadBytes(dir / "plain.png");
+    const std::string table = ReadBytes(dir / "table.PNG");
     ASSERT_GT(plain.size(), 24u);
     EXPECT_EQ(plain.substr(0, 8), "\x89PNG\r\n\x1a\n");
     EXPECT_EQ(PngSize(plain), std::make_pair(1200, 800));
     EXPECT_NE(plain, table);  // the peak table is drawn only on request
-    EXPECT_EQ(ReadAll(dir / "page.pdf").substr(0, 5), "%PDF-");
+    EXPECT_EQ(ReadBytes(dir / "page.pdf").substr(0, 5), "%PDF-");
 }
 
 TEST_F(Render, RefusesEmptyRegionsBadNamesAndUnwritablePaths) {

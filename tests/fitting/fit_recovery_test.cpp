@@ -1,16 +1,14 @@
 // Whole fits: known peaks recovered from rough guesses, and a real C 1s spectrum.
 
-#include <algorithm>
-#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "fileio/numtext.h"
+#include "fileio/asciiimport.h"
 #include "fit_fixture.h"
 #include "fitting/driver.h"
 #include "spectral/background.h"
-#include "support/paths.h"
+#include "support/files.h"
 
 namespace molvera {
 namespace {
@@ -67,28 +65,9 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, FitRecovery, ::testing::ValuesIn(kScenarios)
 /// The C 1s spectrum (BE, counts; one header line) in region 0 with a Shirley background
 /// over 276..295 eV.
 bool LoadC1s(Project& project, Host& host, const std::string& path) {
-    std::ifstream in(path);
-    std::string line;
-    std::getline(in, line);
-    std::vector<std::pair<float, float>> points;
-    while (std::getline(in, line) && points.size() < kMaxPoints) {
-        const auto comma = line.find(',');
-        if (comma == std::string::npos) continue;
-        points.emplace_back(static_cast<float>(LeadingNumber(line.substr(0, comma))),
-                            static_cast<float>(LeadingNumber(line.substr(comma + 1))));
-    }
-    if (points.size() < 100) return false;
     ClearProject(project, host);
+    if (!ReadAscii(project, host, path).ok()) return false;
     Region& region = project.Regions[0];
-    const int n = static_cast<int>(points.size());
-    ResizeRegionArrays(region, n);
-    region.PointCount = static_cast<Int16>(n);
-    for (int i = 1; i <= n; ++i) {
-        region.BindingEnergy[i] = points[i - 1].first;
-        region.RawIntensity[i] = points[i - 1].second;
-    }
-    region.HasData = kTrue;
-    UpdateDataExtents(region);
     region.BackgroundType = 0;
     region.BackgroundLowBE = 276;
     region.BackgroundHighBE = 295;
@@ -99,8 +78,8 @@ bool LoadC1s(Project& project, Host& host, const std::string& path) {
 }
 
 TEST(RealFit, C1sReachesItsBestChiSquareWithBothMethods) {
-    const std::string path = test::SharedRealFile("lg4x/C1s_sample.csv");
-    if (path.empty()) GTEST_SKIP() << "shared real data (lg4x/C1s_sample.csv) not present";
+    const std::string path = test::RealFile("lg4x/C1s_sample.csv");
+    if (path.empty()) GTEST_SKIP() << "lg4x/C1s_sample.csv not present";
     const KnownPeak guesses[] = {{284.5f, 0, 1.2f, 30}, {286.0f, 0, 1.5f, 30}, {288.0f, 0, 1.5f, 30},
                                  {290.5f, 0, 2.0f, 30}};
     const float heights[] = {80, 20, 8, 4};

@@ -43,17 +43,6 @@ protected:
     BackgroundForm form;
 };
 
-TEST_F(BackgroundFormTest, RegionWithoutBackgroundOpensWithDataExtent) {
-    EXPECT_TRUE(form.visible);
-    EXPECT_EQ(form.caption, "Region 2");
-    EXPECT_EQ(form.LBE, "280");
-    EXPECT_EQ(form.HBE, "290");
-    EXPECT_EQ(form.AverPt, "None");
-    EXPECT_EQ(form.BG, "Shirley");
-    EXPECT_EQ(form.TouB1, "3000");
-    EXPECT_EQ(form.Area, "-----");
-}
-
 TEST_F(BackgroundFormTest, RegionWithBackgroundOpensWithItsSettings) {
     Region& r = project.Regions[2];
     r.HasBackground = kTrue;
@@ -133,28 +122,6 @@ TEST_F(BackgroundFormTest, UnknownAveragingIsRefusedBeforeTheSlopeIsCorrected) {
     EXPECT_EQ(form.AverPt, "None");
     EXPECT_EQ(form.BG, "Foo");
     EXPECT_EQ(form.ShirleySlope, "");
-}
-
-TEST_F(BackgroundFormTest, UnknownTypeIsRefusedAfterTheBoxCorrections) {
-    form.BG = "Foo";
-    form.ShirleySlope = "";
-    form.TouB1 = "abc";
-    ExpectRefused();
-    EXPECT_EQ(form.BG, "Shirley");
-    EXPECT_EQ(form.ShirleySlope, "0");
-    EXPECT_EQ(form.TouB1, "3000");
-}
-
-TEST_F(BackgroundFormTest, ZeroB1BecomesThreeThousand) {
-    form.BG = "Tougaard";
-    form.TouB1 = "0";
-    form.AverPt = "3";
-    test::RecordingHost host;
-    ASSERT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(form.TouB1, "3000");
-    EXPECT_EQ(project.Regions[2].BackgroundType, 2);
-    EXPECT_EQ(project.Regions[2].BackgroundParameter, 3000.0f);
-    EXPECT_EQ(project.Regions[2].EndPointAverage, 3);
 }
 
 TEST_F(BackgroundFormTest, EmptySlopeGivesPureShirleyAndNegativeSlopeIsKept) {

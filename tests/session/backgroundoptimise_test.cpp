@@ -221,43 +221,5 @@ TEST_F(BackgroundOptimiseTest, B1StaysWhenNoTrialIsStrictlyBetter) {
     EXPECT_EQ(form.TouB1, "2500");
 }
 
-TEST_F(BackgroundOptimiseTest, TougaardButtonRunsBusyAndStoresTheSearchedBackground) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
-    form.BG = "Tougaard";
-    form.TouB1 = "0";  // Accept inside the search makes it 3000
-    TougaardOptimiseClick(project, host, form);
-    EXPECT_EQ(host.busyBegins, 1);
-    EXPECT_EQ(host.busyEnds, 1);
-    EXPECT_EQ(project.Idle, kTrue);
-    ASSERT_EQ(host.idle.size(), 57u);
-    for (Flag f : host.idle) EXPECT_EQ(f, kFalse);
-    EXPECT_EQ(reg.BackgroundType, 2);
-    EXPECT_NEAR(reg.BackgroundParameter, 3000 * 1.9 * 1.09 * 1.009, 0.01);
-    EXPECT_EQ(form.TouB1, FormatGeneral(reg.BackgroundParameter));
-    EXPECT_EQ(form.Area, FormatGeneral(static_cast<float>(NetArea(reg))));
-    EXPECT_TRUE(IsSet(reg.HasBackground));
-    EXPECT_GE(host.regionWindowShows, 1);
-    EXPECT_EQ(host.beeps, 0);
-}
-
-TEST_F(BackgroundOptimiseTest, TougaardButtonRefusesWithoutStoring) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
-    const Region before = reg;
-    TougaardOptimiseClick(project, host, form);  // BG still "Shirley"
-    EXPECT_EQ(host.beeps, 1);
-    EXPECT_EQ(reg, before);
-
-    form.BG = "Tougaard";
-    form.LBE = "200";  // below the data
-    TougaardOptimiseClick(project, host, form);
-    EXPECT_EQ(host.beeps, 2);
-    EXPECT_EQ(form.LBE, FormatGeneral(reg.MinBE));
-    EXPECT_EQ(reg, before);
-    EXPECT_EQ(host.busyBegins, 2);
-    EXPECT_EQ(host.busyEnds, 2);
-    EXPECT_EQ(project.Idle, kTrue);
-    EXPECT_EQ(host.yields, 0);
-}
-
 }  // namespace
 }  // namespace molvera

