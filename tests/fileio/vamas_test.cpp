@@ -56,46 +56,6 @@ SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = 
     return b;
 }
 
-TEST(Vamas, BindingAbscissaFallingIsStoredAsRead) {
-    Project project;
-    RecordingHost host;
-    const std::string path = test::WriteScratch("b.vms", MakeVamas({Ramp(4, 290, -0.5)}));
-    ASSERT_TRUE(ReadVamas(project, host, path).ok());
-    const Region& r = project.Regions[0];
-    EXPECT_EQ(r.PointCount, 4);
-    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289.5, 289, 288.5}));
-    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 100, 101, 102, 103}));
-    EXPECT_EQ(r.Caption.Str(), "1s                  ");
-    EXPECT_EQ(project.Description, "Sample A");
-    EXPECT_TRUE(IsSet(r.HasData));
-    EXPECT_FALSE(IsSet(r.HasBackground));
-    EXPECT_EQ(r.MaxBE, 290);
-    EXPECT_EQ(r.MinIntensity, 100);
-    EXPECT_TRUE(host.messages.empty());
-    EXPECT_EQ(host.regionWindowShows, 1);
-}
-
-TEST(Vamas, KineticAbscissaBecomesDescendingBindingEnergy) {
-    Project project;
-    RecordingHost host;
-    // hv 1486.6, KE 1196.6 rising by 2: BE 290, 288, 286 -> already falling.
-    SynthBlock rising = Ramp(3, 1196.6, 2, "Kinetic Energy");
-    // KE falling: BE rising, stored reversed.
-    SynthBlock falling = Ramp(3, 1200.6, -2, "kinetic energy");
-    const std::string path = test::WriteScratch("k.vms", MakeVamas({rising, falling}));
-    ASSERT_TRUE(ReadVamas(project, host, path).ok());
-    const Region& a = project.Regions[0];
-    EXPECT_FLOAT_EQ(a.BindingEnergy[1], 290.0f);
-    EXPECT_FLOAT_EQ(a.BindingEnergy[3], 286.0f);
-    EXPECT_EQ(a.RawIntensity[1], 100);
-    const Region& b = project.Regions[1];
-    EXPECT_FLOAT_EQ(b.BindingEnergy[1], 290.0f);  // hv - KE of the last value
-    EXPECT_FLOAT_EQ(b.BindingEnergy[3], 286.0f);
-    EXPECT_EQ(b.RawIntensity[1], 102);
-    EXPECT_EQ(b.RawIntensity[3], 100);
-    EXPECT_EQ(project.CurrentRegion, 0);
-}
-
 TEST(Vamas, MessagesOfRefusal) {
     Project project;
     RecordingHost host;
