@@ -27,24 +27,11 @@ protected:
         for (int i = 0; i < 10; ++i) y.push_back(100.0f + i);
         return MakeRegion(project, 0, FallingEnergies(10, 10, 1), y);
     }
-    /// A region set up for the background computations alone: range = spectrum,
-    /// end averages of one point, BackgroundWork the linear background.
+    /// A region set up for the background computations alone.
     Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type, float param) {
-        Region& reg = MakeRegion(project, 0, be, y);
-        const int m = static_cast<int>(be.size());
-        reg.RangeStart = 1;
-        reg.RangeEnd = static_cast<Int16>(m);
-        reg.RangeCount = static_cast<Int16>(m);
-        reg.EndPointAverage = 1;
+        Region& reg = test::WholeRange(project, 0, be, y);
         reg.BackgroundType = static_cast<Int16>(type);
         reg.BackgroundParameter = param;
-        for (int j = 1; j <= m; ++j) {
-            reg.RangeBE[j] = be[j - 1];
-            reg.RangeIntensity[j] = y[j - 1];
-        }
-        AverageEndPoints(reg);
-        const double step = (double(reg.EndAverage) - reg.StartAverage) / (m - 1);
-        for (int j = 1; j <= m; ++j) reg.BackgroundWork[j] = static_cast<float>(reg.StartAverage + (j - 1) * step);
         return reg;
     }
     /// A step-and-peak spectrum from 300 to 280 eV: higher on the high-energy side.

@@ -13,22 +13,10 @@ namespace molvera {
 namespace {
 
 using test::FallingEnergies;
-using test::MakeRegion;
 
-// A range of m points laid directly into the range arrays (range = spectrum).
-Region& DirectRange(Project& project, const std::vector<float>& y, float step = 0.5f) {
-    const int m = static_cast<int>(y.size());
-    Region& reg = MakeRegion(project, 0, FallingEnergies(m, 300, step), y);
-    reg.RangeStart = 1;
-    reg.RangeEnd = static_cast<Int16>(m);
-    reg.RangeCount = static_cast<Int16>(m);
-    for (int j = 1; j <= m; ++j) {
-        reg.RangeBE[j] = reg.BindingEnergy[j];
-        reg.RangeIntensity[j] = y[j - 1];
-        reg.BackgroundWork[j] =
-            y[0] + (y[m - 1] - y[0]) * static_cast<float>(j - 1) / static_cast<float>(m - 1);
-    }
-    return reg;
+// A range of m points 0.5 eV apart from 300 eV (range = spectrum).
+Region& DirectRange(Project& project, const std::vector<float>& y) {
+    return test::WholeRange(project, 0, FallingEnergies(static_cast<int>(y.size()), 300, 0.5f), y);
 }
 
 TEST(BackgroundCrossingTest, ComparesWithTheNinePointMeanOverPoints5ToMMinus5) {

@@ -14,23 +14,9 @@ namespace molvera {
 namespace {
 
 using test::AddTestPeak;
-using test::MakeRegion;
 using test::RecordingHost;
 
-/// A region whose range is its whole spectrum, with a given background.
-Region& RangeRegion(Project& project, int r, const std::vector<float>& be, const std::vector<float>& y,
-                    const std::vector<float>& bg) {
-    Region& reg = MakeRegion(project, r, be, y);
-    const int m = static_cast<int>(be.size());
-    reg.RangeCount = static_cast<Int16>(m);
-    for (int j = 1; j <= m; ++j) {
-        reg.RangeBE[j] = be[j - 1];
-        reg.RangeIntensity[j] = y[j - 1];
-        reg.BackgroundCurve[j] = bg[j - 1];
-    }
-    reg.HasBackground = kTrue;
-    return reg;
-}
+using test::WholeRange;
 
 class EnvelopeTest : public ::testing::Test {
 protected:
@@ -39,7 +25,7 @@ protected:
 };
 
 TEST_F(EnvelopeTest, NoPeaksLeavesBackgroundAsEnvelopeAndWeightsZeroCountsByOne) {
-    Region& reg = RangeRegion(project, 2, {5, 4, 3, 2}, {10, 0, -4, 6}, {8, 2, 1, 6});
+    Region& reg = WholeRange(project, 2, {5, 4, 3, 2}, {10, 0, -4, 6}, {8, 2, 1, 6});
     ComputeRegionEnvelope(project, host);
     // Residuals 2, -2, -5, 0; weights 10, 1 (zero count), 4, 6.
     const float res[] = {2, -2, -5, 0};
@@ -54,7 +40,7 @@ TEST_F(EnvelopeTest, NoPeaksLeavesBackgroundAsEnvelopeAndWeightsZeroCountsByOne)
 }
 
 TEST_F(EnvelopeTest, PeaksSitOnTheBackgroundAndAdd) {
-    Region& reg = RangeRegion(project, 0, {3, 2, 1, 0, -1}, {20, 40, 90, 40, 20}, {10, 10, 10, 10, 10});
+    Region& reg = WholeRange(project, 0, {3, 2, 1, 0, -1}, {20, 40, 90, 40, 20}, {10, 10, 10, 10, 10});
     reg.Shift = 0.5f;
     const int a = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
     const int b = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
@@ -78,7 +64,7 @@ TEST_F(EnvelopeTest, TrialAfterResidualWithoutPeakEqualsEnvelopeChiSquare) {
         y.push_back(100 + 80 * std::exp(-std::pow((be.back() - 286.5f) / 0.8f, 2.0f)) + (i % 7));
         bg.push_back(100 + 0.05f * i);
     }
-    Region& reg = RangeRegion(project, 1, be, y, bg);
+    Region& reg = WholeRange(project, 1, be, y, bg);
     const int p1 = AddTestPeak(project, 1, 286.4f, 120, 1.4f, 30);
     const int p2 = AddTestPeak(project, 1, 287.9f, 20, 1.0f, 60);
     project.Peaks[p2].PeakType = 2;
@@ -105,11 +91,11 @@ TEST_F(EnvelopeTest, TrialAfterResidualWithoutPeakEqualsEnvelopeChiSquare) {
 }
 
 TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
-    RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    WholeRange(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
     AddTestPeak(project, 0, 1, 5, 1, 50);
-    RangeRegion(project, 4, {2, 1, 0}, {3, 7, 3}, {1, 1, 1});
+    WholeRange(project, 4, {2, 1, 0}, {3, 7, 3}, {1, 1, 1});
     AddTestPeak(project, 4, 1, 4, 1, 50);
-    RangeRegion(project, 6, {2, 1, 0}, {3, 3, 3}, {2, 2, 2});  // background, no peaks
+    WholeRange(project, 6, {2, 1, 0}, {3, 3, 3}, {2, 2, 2});  // background, no peaks
 
     project.CurrentRegion = 0;
     ComputeRegionEnvelope(project, host);
@@ -164,7 +150,7 @@ TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
 }
 
 TEST_F(EnvelopeTest, ArithmeticFailuresAreSkipped) {
-    Region& reg = RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    Region& reg = WholeRange(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
     const int q = AddTestPeak(project, 0, 1, 5, 0, 50);  // FWHM 0
     project.Peaks[q].Curve.assign(4, 7.0f);
     ComputeRegionEnvelope(project, host);
@@ -182,7 +168,7 @@ TEST_F(EnvelopeTest, ArithmeticFailuresAreSkipped) {
 }
 
 TEST_F(EnvelopeTest, InconsistentStoredFieldsStayInBounds) {
-    Region& reg = RangeRegion(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
+    Region& reg = WholeRange(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
     const int q = AddTestPeak(project, 0, 1, 5, 1, 50);
     project.Peaks[q].Curve.clear();  // damaged: no curve at all
     reg.RangeCount = 500;           // more than the arrays hold

@@ -25,6 +25,30 @@ inline Region& MakeRegion(Project& project, int r, const std::vector<float>& be,
     return reg;
 }
 
+/// Region r whose background range is its whole spectrum: end averages of one point,
+/// BackgroundWork the straight line between the ends, and `bg` (if given) as its
+/// background curve.
+inline Region& WholeRange(Project& project, int r, const std::vector<float>& be, const std::vector<float>& y,
+                          const std::vector<float>& bg = {}) {
+    Region& reg = MakeRegion(project, r, be, y);
+    const int m = static_cast<int>(be.size());
+    reg.RangeStart = 1;
+    reg.RangeEnd = static_cast<Int16>(m);
+    reg.RangeCount = static_cast<Int16>(m);
+    reg.EndPointAverage = 1;
+    reg.StartAverage = y.front();
+    reg.EndAverage = y.back();
+    const double step = m > 1 ? (double(y.back()) - y.front()) / (m - 1) : 0;
+    for (int j = 1; j <= m; ++j) {
+        reg.RangeBE[j] = be[j - 1];
+        reg.RangeIntensity[j] = y[j - 1];
+        reg.BackgroundWork[j] = static_cast<float>(y.front() + (j - 1) * step);
+        if (!bg.empty()) reg.BackgroundCurve[j] = bg[j - 1];
+    }
+    reg.HasBackground = bg.empty() ? kFalse : kTrue;
+    return reg;
+}
+
 /// Evenly spaced binding energies from `first` down by `step`.
 inline std::vector<float> FallingEnergies(int n, float first, float step) {
     std::vector<float> be(n);
