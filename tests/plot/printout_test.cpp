@@ -15,19 +15,10 @@ namespace {
 using test::CanvasOp;
 using test::RecordingCanvas;
 
+// Eleven points from highBE to lowBE, intensities 100 .. 1100.
 void FillRegion(Project& p, double highBE, double lowBE) {
-    Region& r = p.Regions[0];
-    const int n = 11;
-    ResizeRegionArrays(r, n);
-    r.PointCount = n;
-    for (int i = 1; i <= n; ++i) {
-        r.BindingEnergy[i] = static_cast<float>(highBE + (lowBE - highBE) * (i - 1) / (n - 1));
-        r.RawIntensity[i] = static_cast<float>(100 * i);
-    }
-    r.HasData = kTrue;
-    r.Caption = Text20::From("O 1s");
-    UpdateDataExtents(r);
-    p.CurrentRegion = 0;
+    test::FillRegion(p, 11, highBE, lowBE, 100, 1100);
+    p.Regions[0].Caption = Text20::From("O 1s");
     p.Description = "Sample A";
 }
 

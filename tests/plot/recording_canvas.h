@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "model/project.h"
 #include "plot/canvas.h"
+#include "spectral/background.h"
 
 namespace molvera::test {
 
@@ -87,5 +89,22 @@ private:
     int width_ = 1;
     bool bold_ = false, opaque_ = false;
 };
+
+/// Region 0 (current) with n points from highBE down to lowBE, intensities lowI..highI
+/// on a ramp, caption "C 1s".
+inline void FillRegion(Project& p, int n, double highBE, double lowBE, double lowI, double highI) {
+    Region& r = p.Regions[0];
+    ResizeRegionArrays(r, n);
+    r.PointCount = static_cast<Int16>(n);
+    for (int i = 1; i <= n; ++i) {
+        const double f = n > 1 ? (i - 1) / static_cast<double>(n - 1) : 0;
+        r.BindingEnergy[i] = static_cast<float>(highBE + (lowBE - highBE) * f);
+        r.RawIntensity[i] = static_cast<float>(lowI + (highI - lowI) * f);
+    }
+    r.HasData = kTrue;
+    r.Caption = Text20::From("C 1s");
+    UpdateDataExtents(r);
+    p.CurrentRegion = 0;
+}
 
 }  // namespace molvera::test

@@ -18,21 +18,7 @@ namespace {
 using test::CanvasOp;
 using test::RecordingCanvas;
 
-// Region 0 with n points from highBE down to lowBE, intensities lowI..highI on a ramp.
-void FillRegion(Project& p, int n, double highBE, double lowBE, double lowI, double highI) {
-    Region& r = p.Regions[0];
-    ResizeRegionArrays(r, n);
-    r.PointCount = static_cast<Int16>(n);
-    for (int i = 1; i <= n; ++i) {
-        const double f = n > 1 ? (i - 1) / static_cast<double>(n - 1) : 0;
-        r.BindingEnergy[i] = static_cast<float>(highBE + (lowBE - highBE) * f);
-        r.RawIntensity[i] = static_cast<float>(lowI + (highI - lowI) * f);
-    }
-    r.HasData = kTrue;
-    r.Caption = Text20::From("C 1s");
-    UpdateDataExtents(r);
-    p.CurrentRegion = 0;
-}
+using test::FillRegion;
 
 // Tick label texts: the unemphasised texts other than the axis title.
 std::vector<std::string> TickLabels(const RecordingCanvas& c) {
