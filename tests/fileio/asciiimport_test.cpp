@@ -15,10 +15,9 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
+using AsciiImport = test::ImportTest;
 
-TEST(AsciiImport, RisingIsStoredFallingFallingAsRead) {
-    Project project;
-    RecordingHost host;
+TEST_F(AsciiImport, RisingIsStoredFallingFallingAsRead) {
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("r.txt", "280 5\n281 6\n282 7\n")).ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 282, 281, 280}));
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 7, 6, 5}));
@@ -29,9 +28,7 @@ TEST(AsciiImport, RisingIsStoredFallingFallingAsRead) {
     EXPECT_TRUE(host.messages.empty());
 }
 
-TEST(AsciiImport, HeaderCommentsTabsSemicolonsAndBlankLinesAreTolerated) {
-    Project project;
-    RecordingHost host;
+TEST_F(AsciiImport, HeaderCommentsTabsSemicolonsAndBlankLinesAreTolerated) {
     const std::string text =
         "BE/eV,Intensity\n# measured 2 May, 1 scan\n// note 3\n\n290\t10\n289;11\n288 ;\t12\n"
         "  287 , 13  \n# a comment between data lines\n286  14\n";
@@ -44,9 +41,7 @@ TEST(AsciiImport, HeaderCommentsTabsSemicolonsAndBlankLinesAreTolerated) {
     EXPECT_EQ(r.MinBE, 286);
 }
 
-TEST(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
-    Project project;
-    RecordingHost host;
+TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
     // A lone number, a "Key: value" line and a third column are not data.
     const std::string text = "2\nDate: 2017 6 6\n300 1 0.5\n299 2 0.5\n298\t3\t\t0.5\n";
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("c.txt", text)).ok());
@@ -54,11 +49,9 @@ TEST(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 1, 2, 3}));
 }
 
-TEST(AsciiImport, SixThousandLinesKeep5000) {
+TEST_F(AsciiImport, SixThousandLinesKeep5000) {
     std::string text;
     for (int i = 0; i < 6000; ++i) text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
-    Project project;
-    RecordingHost host;
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("6000.txt", text)).ok());
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kOnly5000Points});
     const Region& r = project.Regions[0];
@@ -67,9 +60,7 @@ TEST(AsciiImport, SixThousandLinesKeep5000) {
     EXPECT_EQ(r.RawIntensity[5000], 0);
 }
 
-TEST(AsciiImport, RefusalsLeaveTheRegionAlone) {
-    Project project;
-    RecordingHost host;
+TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("ok.txt", "2 1\n1 1\n")).ok());
     const Region before = project.Regions[0];
     for (const char* text : {"", "only text\n", "3\n4\n", "Energy: 1 2\n"}) {
@@ -82,9 +73,7 @@ TEST(AsciiImport, RefusalsLeaveTheRegionAlone) {
     EXPECT_FALSE(ReadAscii(project, host, (test::ScratchDir() / "missing.txt").string()).ok());
 }
 
-TEST(AsciiImport, ReplacesTheCurrentRegionOnly) {
-    Project project;
-    RecordingHost host;
+TEST_F(AsciiImport, ReplacesTheCurrentRegionOnly) {
     project.CurrentRegion = 4;
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("a.txt", "3 1\n2 1\n1 1\n")).ok());
     ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("b.txt", "9 1\n8 2\n")).ok());

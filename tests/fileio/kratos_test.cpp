@@ -15,6 +15,7 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
+using Kratos = test::ImportTest;
 
 // Binding energies 290 .. 280 in steps of 1 (hv 1486.6 minus rising kinetic energies).
 const std::vector<double> kCounts = {50, 52, 60, 80, 120, 100, 70, 55, 45, 42, 40};
@@ -57,9 +58,7 @@ std::string KratosFile(const FitBlock* fit, const std::string& comment = "Test s
     return t;
 }
 
-TEST(Kratos, DataOnlyWithoutRegions) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, DataOnlyWithoutRegions) {
     ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("a.des", KratosFile(nullptr))).ok());
     const Region& r = project.Regions[0];
     ASSERT_EQ(r.PointCount, 11);
@@ -85,9 +84,7 @@ TEST(Kratos, DataOnlyWithoutRegions) {
     EXPECT_EQ(project.Description, "mine");
 }
 
-TEST(Kratos, FitWithLinearBackgroundAndThreeShapes) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     project.CurrentRegion = 2;
     project.Peaks[1].InUse = kTrue;  // a peak of another region: skipped
     project.Peaks[1].Region = 5;
@@ -142,9 +139,7 @@ TEST(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     EXPECT_GT(r.ChiSquare, 0);
 }
 
-TEST(Kratos, ShirleyBackgroundMeetsBothEnds) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
     FitBlock fit;
     fit.background = "SHIRLEY";
     fit.shapes = {"Gaussian"};
@@ -159,9 +154,7 @@ TEST(Kratos, ShirleyBackgroundMeetsBothEnds) {
     EXPECT_GT(std::fabs(r.BackgroundCurve[5] - 47), 0.1);
 }
 
-TEST(Kratos, FitWithoutComponentsHasNoBackground) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, FitWithoutComponentsHasNoBackground) {
     FitBlock fit;
     ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("z.des", KratosFile(&fit))).ok());
     EXPECT_FALSE(IsSet(project.Regions[0].HasBackground));
@@ -169,9 +162,7 @@ TEST(Kratos, FitWithoutComponentsHasNoBackground) {
     EXPECT_EQ(project.Regions[0].PointCount, 11);
 }
 
-TEST(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     FitBlock good;
     good.shapes = {"Gau", "Lo"};
     ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("g.des", KratosFile(&good))).ok());
@@ -208,9 +199,7 @@ TEST(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     }
 }
 
-TEST(Kratos, NoFreePeakSlotRefuses) {
-    Project project;
-    RecordingHost host;
+TEST_F(Kratos, NoFreePeakSlotRefuses) {
     for (int s = 0; s < kPeakSlots - 1; ++s) {
         project.Peaks[static_cast<std::size_t>(s)].InUse = kTrue;
         project.Peaks[static_cast<std::size_t>(s)].Region = 9;

@@ -14,6 +14,8 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
+using Leybold = test::ImportTest;
+using Phi = test::ImportTest;
 
 const std::string kTooManyPoints = "Too many points.  Only 5000 points have been read.";
 
@@ -30,9 +32,7 @@ std::string LeyboldFile(int regions, int points = 3) {
     return t;
 }
 
-TEST(Leybold, ReadsRegionsDescriptionAndCaptions) {
-    Project project;
-    RecordingHost host;
+TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
     std::string t = "\"Sample, annealed\"\nRegions = 2\n" + LeyboldRegion("C 1s", 3, 280, 1) +
                     LeyboldRegion("O 1s", 2, 531, -1);
     ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("a.dat", t)).ok());
@@ -49,9 +49,7 @@ TEST(Leybold, ReadsRegionsDescriptionAndCaptions) {
     EXPECT_EQ(project.CurrentRegion, 0);
 }
 
-TEST(Leybold, SixThousandPointsThenTheNextRegion) {
-    Project project;
-    RecordingHost host;
+TEST_F(Leybold, SixThousandPointsThenTheNextRegion) {
     std::string t = "d\nRegions = 2\n" + LeyboldRegion("big", 6000, 6000, -1) + LeyboldRegion("next", 2, 9, -1);
     ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("big.dat", t)).ok());
     EXPECT_EQ(host.messages, std::vector<std::string>{kTooManyPoints});
@@ -61,7 +59,7 @@ TEST(Leybold, SixThousandPointsThenTheNextRegion) {
     EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 9, 8}));
 }
 
-TEST(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
+TEST_F(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
     for (int regions : {10, 11}) {
         Project project;
         RecordingHost host;
@@ -72,9 +70,7 @@ TEST(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
     }
 }
 
-TEST(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
-    Project project;
-    RecordingHost host;
+TEST_F(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
     // A fitted Kratos spectrum with two peaks in slot 8.
     std::string k = "Dataset:\tx\nObject name:\ty\n# ord = 5\nSource energy = 100\nRegions\n";
     const char* region[] = {"1", "C", "0", "92", "98", "0", "0", "Shirley", "0", "0", "0", "2"};
@@ -104,7 +100,7 @@ TEST(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
     EXPECT_EQ(project.Regions[8].Caption.Str().substr(0, 8), "Region 1");
 }
 
-TEST(Leybold, DamagedFiles) {
+TEST_F(Leybold, DamagedFiles) {
     const std::string good = LeyboldFile(2);
     struct Case {
         std::string text;
@@ -137,9 +133,7 @@ std::string PhiRegion(const std::string& caption, int n, double start, double st
     return t + "\n0\n";
 }
 
-TEST(Phi, RegionsWithRisingAndFallingEnergies) {
-    Project project;
-    RecordingHost host;
+TEST_F(Phi, RegionsWithRisingAndFallingEnergies) {
     const std::string t = PhiRegion("C 1s", 3, 280, 0.5) + PhiRegion("O 1s", 3, 535, -1);
     ASSERT_TRUE(ReadPhi(project, host, test::WriteScratch("a.asc", t)).ok());
     EXPECT_EQ(project.Description, "Phi 5600 Sample 7");
@@ -152,9 +146,7 @@ TEST(Phi, RegionsWithRisingAndFallingEnergies) {
     EXPECT_TRUE(host.messages.empty());
 }
 
-TEST(Phi, OverflowAndTooManyRegions) {
-    Project project;
-    RecordingHost host;
+TEST_F(Phi, OverflowAndTooManyRegions) {
     std::string t = PhiRegion("big", 6000, 0, 1);
     for (int k = 0; k < 10; ++k) t += PhiRegion("r" + std::to_string(k), 2, 10 + k, -1);
     project.CurrentRegion = 3;
@@ -167,9 +159,7 @@ TEST(Phi, OverflowAndTooManyRegions) {
     EXPECT_EQ(project.CurrentRegion, 3);
 }
 
-TEST(Phi, DamagedFilesAndTheMultiPakTextExport) {
-    Project project;
-    RecordingHost host;
+TEST_F(Phi, DamagedFilesAndTheMultiPakTextExport) {
     const std::string full = PhiRegion("C", 8, 1, 1);
     EXPECT_EQ(ReadPhi(project, host, test::WriteScratch("c.asc", full.substr(0, full.size() - 12))).message(),
               msg::kErrorReadingFileImport);

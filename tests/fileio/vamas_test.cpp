@@ -16,6 +16,7 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
+using Vamas = test::ImportTest;
 
 struct SynthBlock {
     std::string technique = "XPS";
@@ -56,9 +57,7 @@ SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = 
     return b;
 }
 
-TEST(Vamas, MessagesOfRefusal) {
-    Project project;
-    RecordingHost host;
+TEST_F(Vamas, MessagesOfRefusal) {
     Status s = ReadVamas(project, host, test::WriteScratch("x.vms", "\n\nSome other file\n1\n"));
     EXPECT_EQ(s.message(), msg::kNotVamas);
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotVamas});
@@ -78,9 +77,7 @@ TEST(Vamas, MessagesOfRefusal) {
     EXPECT_FALSE(IsSet(project.Regions[1].HasData));
 }
 
-TEST(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
-    Project project;
-    RecordingHost host;
+TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
     SynthBlock ups = Ramp(2, 20, -1);
     ups.technique = "UPS";
     SynthBlock aes = Ramp(2, 100, 1, "Kinetic Energy");
@@ -92,7 +89,7 @@ TEST(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));
 }
 
-TEST(Vamas, TenBlocksFitElevenDoNot) {
+TEST_F(Vamas, TenBlocksFitElevenDoNot) {
     std::vector<SynthBlock> blocks;
     for (int k = 0; k < 11; ++k) blocks.push_back(Ramp(2, 100 + k, -1));
     for (std::size_t n : {10u, 11u}) {
@@ -110,9 +107,7 @@ TEST(Vamas, TenBlocksFitElevenDoNot) {
     }
 }
 
-TEST(Vamas, StartingAtSlot7WrapsAndReplacesOldData) {
-    Project project;
-    RecordingHost host;
+TEST_F(Vamas, StartingAtSlot7WrapsAndReplacesOldData) {
     for (int slot : {8, 0}) {
         project.CurrentRegion = static_cast<Int16>(slot);
         ImportedSpectrum old;
@@ -134,11 +129,9 @@ TEST(Vamas, StartingAtSlot7WrapsAndReplacesOldData) {
     EXPECT_FALSE(IsSet(project.Regions[1].HasData));
 }
 
-TEST(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
+TEST_F(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
     const std::string full = MakeVamas({Ramp(5, 20, -1), Ramp(5, 30, -1)});
     const std::string cut = full.substr(0, full.size() - 30);  // inside block 2's values
-    Project project;
-    RecordingHost host;
     const Status s = ReadVamas(project, host, test::WriteScratch("cut.vms", cut));
     EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFileImport});
@@ -154,13 +147,11 @@ TEST(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
     EXPECT_EQ(untouched.Description, before.Description);
 }
 
-TEST(Vamas, HugeDeclaredCountsDoNotRunAway) {
+TEST_F(Vamas, HugeDeclaredCountsDoNotRunAway) {
     std::string t = MakeVamas({Ramp(3, 20, -1)});
     const std::size_t at = t.find("\n3\n0\n1\n");  // the value count of the block
     ASSERT_NE(at, std::string::npos);
     t.replace(at, 3, "\n1000000000\n");
-    Project project;
-    RecordingHost host;
     EXPECT_EQ(ReadVamas(project, host, test::WriteScratch("huge.vms", t)).message(), msg::kErrorReadingFileImport);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }

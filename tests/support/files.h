@@ -1,6 +1,6 @@
 #pragma once
-// Files for tests: whole-file reads and writes, scratch files, real data files and
-// line scanning.
+// Files for tests: whole-file reads and writes, scratch files, real data files, line
+// scanning, and a fixture for the import tests.
 
 #include <filesystem>
 #include <fstream>
@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "model/records.h"
 #include "support/paths.h"
+#include "support/recording_host.h"
 
 namespace molvera::test {
 
@@ -49,5 +51,12 @@ inline std::vector<std::string> FileLines(const std::string& path) {
     }
     return lines;
 }
+
+/// An empty project and a recording host, for the import tests.
+class ImportTest : public ::testing::Test {
+protected:
+    Project project;
+    RecordingHost host;
+};
 
 }  // namespace molvera::test
