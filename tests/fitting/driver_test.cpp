@@ -67,17 +67,6 @@ TEST_F(DriverTest, SearchPeakVariesFWHMBeforeArea) {
     EXPECT_EQ(std::string(varied.begin(), varied.end()), "PFAG");
 }
 
-TEST_F(DriverTest, NewtonDriverSearchesGLToo) {
-    WatchVariedParameters();
-    project.Options.Method = 1;
-    project.Options.NewtonTrials = 1;
-    project.Peaks[1].FixPosition = project.Peaks[1].FixArea = project.Peaks[1].FixFWHM = 1;
-    OptimiseRegion(project, host);
-    ASSERT_FALSE(varied.empty());
-    EXPECT_EQ(varied.back(), 'G');
-    EXPECT_EQ(varied.front(), 'P');
-}
-
 TEST_F(DriverTest, AllFixedConvergesAtOnceUnlessToleranceIsZero) {
     for (int p : {0, 1}) project.Peaks[p].FixPosition = project.Peaks[p].FixArea = project.Peaks[p].FixFWHM = 1;
     project.Options.Tolerance = 0.001f;
@@ -145,14 +134,6 @@ TEST_F(DriverTest, OptimiseAllSkipsRegionsWithoutBackgroundAndRestoresCurrent) {
     EXPECT_NEAR(project.Peaks[5].Position, 285.0f, 0.02);
     EXPECT_EQ(project.Peaks[6].Position, 284.7f);
     EXPECT_NEAR(project.Peaks[0].Position, 284.6f, 0.02);
-}
-
-TEST_F(DriverTest, RegionCommandNeedsDataAndBackground) {
-    project.Regions[0].HasBackground = kFalse;
-    const Project before = project;
-    OptimiseRegionCommand(project, host);
-    EXPECT_TRUE(project.Peaks == before.Peaks);
-    EXPECT_EQ(host.yields, 0);
 }
 
 }  // namespace

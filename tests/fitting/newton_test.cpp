@@ -112,19 +112,6 @@ TEST_F(NewtonTest, FWHMSamplesAtOrBelowZeroAreTolerated) {
     }
 }
 
-TEST_F(NewtonTest, LinkedPositionNeverMoves) {
-    test::AddKnownPeak(project, 0, 1, {290.0f, 1, 1.0f, 30});
-    project.Constraints[0][Group::Position].Linked = kTrue;
-    project.Constraints[0][Group::Position].RefPeak = 1;
-    bool improved = true;
-    NewtonPosition(project, host, 0, 0.01f, improved);
-    EXPECT_TRUE(improved);  // left as the caller set it
-    test::RecordingHost quiet;
-    NewtonPeakPosition(project, quiet, 0);
-    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
-    EXPECT_EQ(quiet.regionWindowShows, 0);
-}
-
 TEST_F(NewtonTest, PeakOperationsConvergeOnTheData) {
     test::RecordingHost quiet;
     NewtonPeakPosition(project, quiet, 0);
