@@ -103,7 +103,6 @@ TEST_F(ExportsTest, SpectrumColumnStartsForManyPeaks) {
     std::string first, second;
     std::getline(lines, first);
     std::getline(lines, second);
-    EXPECT_EQ(first, " 5 " + Spaces(16) + " 10 \r");
     EXPECT_EQ(second.find("-0.25 "), 279u);
     EXPECT_EQ(second.substr(259, 3), " 1 ");
 }
