@@ -1,6 +1,5 @@
 // molvera-cli run as a process, as scripts use it.
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -9,33 +8,18 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/jsondump.h"
-#include "support/files.h"
+#include "support/cli_run.h"
 
 namespace molvera::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-struct CliRun {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-
-class Cli : public ::testing::Test {
+class Cli : public CliFolder {
 protected:
     void SetUp() override {
-        dir = ScratchDir();
-        fs::copy_file(fs::path(MOLVERA_SOURCE_DIR) / "default.opa", dir / "default.opa");
+        CliFolder::SetUp();
         spectrum = DataFile("real/lg4x/C1s_sample.csv");
-    }
-    // Runs molvera-cli in the scratch folder with `args` (already shell-quoted).
-    CliRun Cmd(const std::string& args) {
-        const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args +
-                                " > out.txt 2> err.txt";
-        int status = std::system(cmd.c_str());
-        return {WEXITSTATUS(status), ReadBytes(dir / "out.txt"), ReadBytes(dir / "err.txt")};
     }
     // A region 1 with a Shirley background and three peaks.
     void BuildFit() {
@@ -44,7 +28,6 @@ protected:
         for (const char* pos : {"284.5", "286", "288.5"})
             ASSERT_EQ(Cmd(std::string("add-peak p.xps --region 1 --position ") + pos + " --fwhm 1.2 -o p.xps").code, 0);
     }
-    fs::path dir;
     std::string spectrum;
 };
 

@@ -1,13 +1,12 @@
 // molvera-cli render run as a process: PNG and PDF files of a fitted region.
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
+#include "support/cli_run.h"
 
 namespace molvera::test {
 namespace {
@@ -15,27 +14,23 @@ namespace {
 namespace fs = std::filesystem;
 
 
-class Render : public ::testing::Test {
+class Render : public CliFolder {
 protected:
     void SetUp() override {
 #ifndef MOLVERA_CLI_RENDER
         GTEST_SKIP() << "molvera-cli was built without Qt, so it has no render command";
 #endif
-        dir = ScratchDir();
-        fs::copy_file(fs::path(MOLVERA_SOURCE_DIR) / "default.opa", dir / "default.opa");
+        CliFolder::SetUp();
         const std::string spectrum = DataFile("real/lg4x/C1s_sample.csv");
         ASSERT_EQ(Run("import ascii '" + spectrum + "' -o p.xps"), 0) << err;
         ASSERT_EQ(Run("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps"), 0);
         ASSERT_EQ(Run("add-peak p.xps --region 1 --position 284.5 --fwhm 1.2 -o p.xps"), 0);
     }
     int Run(const std::string& args) {
-        const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args +
-                                " > out.txt 2> err.txt";
-        const int status = std::system(cmd.c_str());
-        err = ReadBytes(dir / "err.txt");
-        return WEXITSTATUS(status);
+        const CliRun r = Cmd(args);
+        err = r.err;
+        return r.code;
     }
-    fs::path dir;
     std::string err;
 };
 

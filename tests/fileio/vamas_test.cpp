@@ -57,24 +57,10 @@ SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = 
     return b;
 }
 
-TEST_F(Vamas, MessagesOfRefusal) {
-    Status s = ReadVamas(project, host, test::WriteScratch("x.vms", "\n\nSome other file\n1\n"));
+TEST_F(Vamas, OtherFilesAreNotVamas) {
+    const Status s = ReadVamas(project, host, test::WriteScratch("x.vms", "\n\nSome other file\n1\n"));
     EXPECT_EQ(s.message(), msg::kNotVamas);
     EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotVamas});
-
-    // Existing data in the current region stays cleared after an AES file.
-    ImportedSpectrum sp;
-    sp.energy = {2, 1};
-    sp.intensity = {1, 1};
-    StoreSpectrum(project, sp, SortRule::ReverseIfRising);
-    SynthBlock aes = Ramp(3, 100, 1, "Kinetic Energy");
-    aes.technique = "AES diff";
-    host.messages.clear();
-    s = ReadVamas(project, host, test::WriteScratch("aes.vms", MakeVamas({aes, Ramp(3, 290, -1)})));
-    EXPECT_EQ(s.message(), msg::kNotXps);
-    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotXps});
-    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
-    EXPECT_FALSE(IsSet(project.Regions[1].HasData));
 }
 
 TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {

@@ -109,18 +109,6 @@ TEST_F(DriverTest, StopAtAParameterStepLeavesConsistentBestValues) {
     }
 }
 
-TEST_F(DriverTest, ZeroAreaBecomesOneBeforeNewtonArea) {
-    project.Options.Method = 1;
-    project.Options.NewtonTrials = 1;
-    project.Options.AreaNewton[0].Delta = 1.0f;  // relative: delta 1 once the area is 1
-    project.Peaks[0].Area = 0;
-    project.Peaks[0].FixPosition = project.Peaks[0].FixFWHM = 1;
-    project.Peaks[1].FixPosition = project.Peaks[1].FixArea = project.Peaks[1].FixFWHM = 1;
-    test::Settle(project);
-    OptimiseRegion(project, host);
-    EXPECT_GT(project.Peaks[0].Area, 1.0f);  // stepped from 1 towards the data
-}
-
 TEST_F(DriverTest, OptimiseAllSkipsRegionsWithoutBackgroundAndRestoresCurrent) {
     test::MakeSyntheticRegion(project, 3, 400, {{285.0f, 800, 1.2f, 30}});
     test::AddKnownPeak(project, 3, 5, {284.7f, 800, 1.2f, 30});

@@ -180,24 +180,6 @@ TEST(HeightConversion, MainLineHeightIsHPercentOfNetScaleAndRoundTrips) {
     }
 }
 
-TEST(HeightConversion, ProjectFormsUseCurrentRegionAndLineShapeChoice) {
-    Project project;
-    project.Regions[3].NetScale = 4;
-    project.Regions[0].NetScale = 1000;
-    project.CurrentRegion = 3;
-    Peak peak;
-    peak.PeakType = 1;
-    peak.FWHM = 2;
-    peak.PercentGL = 0;
-    peak.HeightPercent = 10;
-    peak.Area = 85.157362f;  // Gaussian of height 40 and FWHM 2: 40 * 2 * 1.06446702
-    project.Options.GLSum = kTrue;
-    EXPECT_NEAR(HeightPercentToArea(project, peak), 85.157362, 1e-4);
-    EXPECT_NEAR(AreaToHeightPercent(project, peak), 10, 1e-5);
-    project.Options.GLSum = kFalse;
-    EXPECT_NEAR(HeightPercentToArea(project, peak), 40 * 1.0 * std::sqrt(kPi / kTrueLn2), 1e-3);
-}
-
 TEST(ActualFWHM, MeasuresTheRightHalfAndFormatsTheLabel) {
     Project project;
     Peak& peak = project.Peaks[7];
