@@ -188,6 +188,15 @@ TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheSta
 
 }
 
+TEST_F(BackgroundOptimiseTest, TougaardSearchFindsTheBestB1OverTheFirstTenPoints) {
+    Region& reg = Accepted(RisingTailAndPeak(40), "Tougaard", "", "3000");
+    const double best = BestB1ByHand(reg);
+    form.TouB1 = FormatGeneral(static_cast<float>(1.3 * best));
+    OptimiseTougaardB1(project, host, form);
+    // The last stage steps by a thousandth of its start value.
+    EXPECT_NEAR(reg.BackgroundParameter, best, best * 0.0006);
+}
+
 TEST_F(BackgroundOptimiseTest, B1StaysWhenNoTrialIsStrictlyBetter) {
     // Flat after its first point: no loss sum anywhere, every B1 gives the same misfit.
     std::vector<float> y(30, 200.0f);

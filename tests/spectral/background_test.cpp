@@ -292,7 +292,6 @@ TEST_F(BackgroundTest, DegenerateRangesDoNotWriteOutOfBounds) {
     ComputeTougaard(reg);
     AverageEndPoints(reg);
     EXPECT_TRUE(std::isfinite(NetArea(reg)));
-    EXPECT_EQ(reg.BackgroundCurve.size(), 11u);
 }
 
 TEST_F(BackgroundTest, NetAreaUsesTheFirstStep) {

