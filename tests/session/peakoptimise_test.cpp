@@ -72,23 +72,6 @@ TEST_F(PeakOptimiseTest, SearchStaysOnTheGridNewtonOnlyWhenMethodIsExactlyOne) {
     EXPECT_EQ(form.GLVal, "30");
 }
 
-TEST_F(PeakOptimiseTest, OptimisePeakAppliesTheEditorAndRefreshesTheFourBoxes) {
-    form.PosVal = "284.8";
-    form.AreaVal = "900";
-    form.GLVal = "60";
-    form.TSVal = "1.7";
-    OptpeakClick(project, host, form);
-    EXPECT_EQ(peak().TailScale, 1.0f);
-    EXPECT_EQ(form.TSVal, "1");
-    EXPECT_NEAR(peak().Position, 285.037, 0.01);
-    EXPECT_NEAR(peak().Area, 1000, 30);
-    EXPECT_EQ(form.PosVal, FormatGeneral(peak().Position));
-    EXPECT_EQ(form.FWHMVal, FormatGeneral(peak().FWHM));
-    EXPECT_EQ(form.AreaVal, FormatGeneral(peak().Area));
-    EXPECT_EQ(form.GLVal, std::to_string(peak().PercentGL));
-    EXPECT_EQ(form.ActFWHM, ActualFWHMText(ActualFWHM(project, 0)));
-}
-
 TEST_F(PeakOptimiseTest, NothingWithoutABackgroundOrAPeak) {
     project.Regions[0].HasBackground = kFalse;
     form.PosVal = "284.9";
