@@ -134,20 +134,6 @@ TEST_F(SearchTest, LinkedParameterIsNotSearchedAndDisplayUntouched) {
     EXPECT_EQ(quiet.yields, 0);
 }
 
-TEST_F(SearchTest, AloneModeFindsBestAndKeepsChiConsistent) {
-    project.Peaks[0].Position = 284.3f;
-    test::Settle(project);
-    SearchPosition(project, host, 0);
-    EXPECT_NEAR(project.Peaks[0].Position, 285.0f, 0.006);
-    // The shortcut finish must agree with a full recomputation.
-    Project check = project;
-    ComputeRegionEnvelope(check, QuietHost());
-    EXPECT_EQ(check.Regions[0].PeakSumCurve, project.Regions[0].PeakSumCurve);
-    EXPECT_EQ(check.Regions[0].Residual, project.Regions[0].Residual);
-    EXPECT_FLOAT_EQ(check.Regions[0].ChiSquare, project.Regions[0].ChiSquare);
-    EXPECT_FLOAT_EQ(project.TotalChiSquare, project.Regions[0].ChiSquare);
-}
-
 TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
     // Peak 5 in region 1 follows peak 0's position (+0); region 1's data have their peak
     // 0.4 eV higher, so the best shared position lies between the two.
