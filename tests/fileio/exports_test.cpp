@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <sstream>
 #include <string>
 
 #include "model/messages.h"
@@ -84,27 +83,6 @@ TEST_F(ExportsTest, SpectrumColumnsCountedByHand) {
     const auto path = (dir / "c1s.dat").string();
     ASSERT_TRUE(ExportSpectrum(project, path).ok());
     EXPECT_EQ(ReadBytes(path), expected);
-}
-
-TEST_F(ExportsTest, SpectrumColumnStartsForManyPeaks) {
-    // Ten peaks: the residual starts at column 80 + 20 * 10 on every range line.
-    Region& r = project.Current();
-    r.PeakCount = 10;
-    for (int k = 0; k < 10; ++k) {
-        r.PeakIndex[k] = static_cast<Int16>(20 + k);
-        project.Peaks[20 + k].Curve = {0, 1, 2, 3};
-    }
-    const std::string text = SpectrumExportText(project);
-    std::istringstream lines(text);
-    std::string header;
-    std::getline(lines, header);
-    EXPECT_EQ(header.find("Peak 10 "), 79u + 20u * 9u);
-    EXPECT_EQ(header.find("difference"), 279u);
-    std::string first, second;
-    std::getline(lines, first);
-    std::getline(lines, second);
-    EXPECT_EQ(second.find("-0.25 "), 279u);
-    EXPECT_EQ(second.substr(259, 3), " 1 ");
 }
 
 TEST_F(ExportsTest, RegionWithoutPeaksHasTwoColumnsEvenWithBackground) {

@@ -1,5 +1,6 @@
 #include "spectral/background.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -46,43 +47,36 @@ protected:
 };
 
 TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
-    Region& reg = TenPoints();
-    reg.BackgroundLowBE = 3.2f;
-    reg.BackgroundHighBE = 7.9f;
-    reg.BackgroundType = 1;
-    RecomputeRegion(project, host);
-    EXPECT_EQ(reg.RangeStart, 3);
-    EXPECT_EQ(reg.RangeEnd, 8);
-    EXPECT_EQ(reg.RangeCount, 6);  // 4.7 eV at 1 eV per point, plus one, rounded
-    EXPECT_EQ(reg.RangeBE[2], 7.0f);
-    EXPECT_EQ(reg.RangeIntensity[5], 106.0f);
-    EXPECT_EQ(reg.RangeBE.size(), 11u);  // region arrays keep their bounds
-
-    // Halves of m round to even: 5.5 eV gives 6.5 -> 6 points.
-    reg.BackgroundLowBE = 2.25f;
-    reg.BackgroundHighBE = 7.75f;
-    RecomputeRegion(project, host);
-    EXPECT_EQ(reg.RangeCount, 6);
-    EXPECT_EQ(reg.RangeBE[6], 3.0f);  // 2 eV is nearest to 2.25 eV, but m stops the range at 3 eV
-}
-
-TEST_F(BackgroundTest, HalfwayBoundaryTakesTheHigherEnergyAndSwappedEndsAgree) {
-    Region& reg = TenPoints();
-    reg.BackgroundLowBE = 2.5f;
-    reg.BackgroundHighBE = 8.5f;
-    reg.BackgroundType = 0;
-    RecomputeRegion(project, host);
-    EXPECT_EQ(reg.RangeStart, 2);  // 9 eV, not 8 eV
-    EXPECT_EQ(reg.RangeEnd, 8);    // 3 eV, not 2 eV
-    EXPECT_EQ(reg.RangeCount, 7);
-    const Region ordered = reg;
-
-    reg.BackgroundLowBE = 8.5f;
-    reg.BackgroundHighBE = 2.5f;
-    RecomputeRegion(project, host);
-    EXPECT_EQ(reg.BackgroundLowBE, 2.5f);
-    EXPECT_EQ(reg.BackgroundHighBE, 8.5f);
-    EXPECT_EQ(reg, ordered);
+    struct Case {
+        float low, high;
+        int start, end, count;
+        const char* why;
+    };
+    const Case cases[] = {
+        {3.2f, 7.9f, 3, 8, 6, "4.7 eV at 1 eV per point, plus one, rounded"},
+        {2.25f, 7.75f, 3, 9, 6, "6.5 points round to even; 2 eV is nearest, but m stops the range at 3 eV"},
+        {2.5f, 8.5f, 2, 8, 7, "halfway boundaries take the higher energy"},
+        {8.5f, 2.5f, 2, 8, 7, "swapped ends are put in order"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        Region& reg = TenPoints();  // point p at 11 - p eV, intensity 99 + p
+        reg.BackgroundLowBE = c.low;
+        reg.BackgroundHighBE = c.high;
+        reg.BackgroundType = 1;
+        RecomputeRegion(project, host);
+        EXPECT_EQ(reg.RangeStart, c.start);
+        EXPECT_EQ(reg.RangeEnd, c.end);
+        EXPECT_EQ(reg.RangeCount, c.count);
+        EXPECT_EQ(reg.BackgroundLowBE, std::min(c.low, c.high));
+        for (int j = 1; j <= c.count; ++j) {
+            EXPECT_EQ(reg.RangeBE[j], 12.0f - static_cast<float>(c.start + j));
+            if (j > 1 && j < c.count) {  // the ends hold the end averages
+                EXPECT_EQ(reg.RangeIntensity[j], 98.0f + static_cast<float>(c.start + j));
+            }
+        }
+        EXPECT_EQ(reg.RangeBE.size(), 11u);  // region arrays keep their bounds
+    }
 }
 
 TEST_F(BackgroundTest, UnevenSpacingReadsStayInsideTheSpectrum) {
