@@ -26,7 +26,8 @@ using test::ExpectValuesAt;
 using test::ReadBytes;
 
 // Region 0 holds 11 points 290..280 eV with a Shirley background over 289..281 and
-// two peaks in slots 4 and 3 (listed in that order); slots 0..2 belong to region 5.
+// two peaks in slots 4 and 3 (listed in that order), saved to `path`; slots 0..2
+// belong to region 5.
 class RegionParamsTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -56,6 +57,8 @@ protected:
         project.Constraints[3].FWHM.LowLimit = 0.7f;
         project.Constraints[3].FWHM.HighLimit = 2.5f;
         ComputeRegionEnvelope(project, QuietHost());
+        project.CurrentRegion = 0;
+        ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     }
 
     void AddPeakAt(int slot, float position, int k) {
@@ -101,9 +104,7 @@ TEST_F(RegionParamsTest, RegionWithoutPeaksIsHeaderAndSixteenBytes) {
 }
 
 TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
-    project.CurrentRegion = 0;
     const Region& r = project.Regions[0];
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     const std::string b = ReadBytes(path);
     const std::size_t curve = 10 + 4 * (static_cast<std::size_t>(r.RangeCount) + 1);
     const std::size_t peakBytes = 64 + curve + 96;
@@ -120,8 +121,6 @@ TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
 }
 
 TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
-    project.CurrentRegion = 0;
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     test::FillSampleRegion(project, 3, 21, 295.0f, 1.0f);  // wider data, 295..275
     project.CurrentRegion = 3;
     test::RecordingHost host;
@@ -155,8 +154,6 @@ TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
 }
 
 TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
-    project.CurrentRegion = 0;
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     struct Case {
         int points;
         float high;
@@ -194,8 +191,6 @@ TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
 }
 
 TEST_F(RegionParamsTest, TooManyPeaksKeepsThePlacedOnesConsistent) {
-    project.CurrentRegion = 0;
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     // Fill every slot but 50 with peaks of other regions (10 each at most).
     const int others[] = {6, 7, 8, 9, 1, 2, 4};
     int o = 0;
@@ -224,8 +219,6 @@ TEST_F(RegionParamsTest, TooManyPeaksKeepsThePlacedOnesConsistent) {
 }
 
 TEST_F(RegionParamsTest, DamagedFilesAreReadErrorsAndChangeNothing) {
-    project.CurrentRegion = 0;
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
     const std::string good = ReadBytes(path);
     test::FillSampleRegion(project, 3);
     test::GiveSampleBackground(project, 3);
@@ -306,9 +299,7 @@ TEST_F(RegionParamsTest, OlderTaggedLayoutGivesSymmetricPeaks) {
 TEST_F(RegionParamsTest, LoadingReplacesTheRegionsOwnPeaks) {
     // Loading a region's own file back: its peaks are cleared first, so the same
     // slots 3 and 4 come back, now in slot order.
-    project.CurrentRegion = 0;
-    project.Regions[0].Caption = Text20::From("gone");
-    ASSERT_TRUE(SaveRegionParameters(project, path).ok());
+    project.Regions[0].Caption = Text20::From("gone");  // not in the file: the load clears it
     test::RecordingHost host;
     ASSERT_TRUE(LoadRegionParameters(project, host, path).ok());
     const Region& r = project.Regions[0];
