@@ -6,9 +6,10 @@
 #include "support/files.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"
-#include "fileio/kratos.h"
+#include "model/regionops.h"
 #include "model/messages.h"
 #include "support/recording_host.h"
+#include "support/sample_region.h"
 
 namespace molvera {
 namespace {
@@ -58,18 +59,11 @@ TEST_F(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
 }
 
 TEST_F(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
-    // A fitted Kratos spectrum with two peaks in slot 8.
-    std::string k = "Dataset:\tx\nObject name:\ty\n# ord = 5\nSource energy = 100\nRegions\n";
-    const char* region[] = {"1", "C", "0", "92", "98", "0", "0", "Shirley", "0", "0", "0", "2"};
-    for (const char* v : region) k += std::string("v = ") + v + "\n";
-    k += "components =\n";
-    for (int c = 0; c < 2; ++c)
-        for (int v = 1; v <= 27; ++v) k += "v = " + std::string(v == 2 ? "Gau" : v == 13 ? "95" : v == 25 ? "1" : "50") + "\n";
-    k += "(Counts)\n1 1\n3 4\n5 9\n7 4\n9 1\n";
-    project.CurrentRegion = 8;
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("k.des", k)).ok());
-    ASSERT_TRUE(IsSet(project.Peaks[0].InUse));
-    ASSERT_TRUE(IsSet(project.Peaks[1].InUse));
+    // A fitted spectrum with two peaks in slot 8.
+    test::FillSampleRegion(project, 8);
+    test::GiveSampleBackground(project, 8);
+    ASSERT_EQ(AddPeak(project, QuietHost()), 0);
+    ASSERT_EQ(AddPeak(project, QuietHost()), 1);
 
     project.CurrentRegion = 7;
     ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("w.dat", LeyboldFile(5))).ok());
