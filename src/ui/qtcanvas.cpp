@@ -102,7 +102,7 @@ QPen QtCanvas::Pen(Rgb colour) const {
     QPen pen(QColor(colour.r, colour.g, colour.b));
     pen.setWidthF(std::max(1, lineWidth_) * penScale_);
     pen.setCapStyle(Qt::RoundCap);
-    pen.setJoinStyle(Qt::RoundJoin);
+    pen.setJoinStyle(Qt::BevelJoin);  // round joins cost trigonometry per vertex and do not show at 1-2 px
     switch (style_) {
     case LineStyle::Solid: pen.setStyle(Qt::SolidLine); break;
     case LineStyle::Dash: pen.setStyle(Qt::DashLine); break;
