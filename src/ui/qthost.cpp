@@ -80,8 +80,8 @@ void QtHost::HideRegionDialogs() {
 
 void QtHost::Yield() {
     // A fit yields after every parameter step; input and paints are looked at every
-    // couple of milliseconds, which keeps Stop prompt and the fit fast.
-    constexpr qint64 kYieldGapMs = 2;
+    // few milliseconds, which keeps Stop prompt and the fit fast.
+    constexpr qint64 kYieldGapMs = 5;
     if (fitRunning_ && sinceYield_.isValid() && sinceYield_.elapsed() < kYieldGapMs) return;
     sinceYield_.restart();
     const int paintsBefore = region_ ? region_->Plot()->PaintCount() : 0;
