@@ -94,6 +94,106 @@ TEST_F(Vamas, HugeDeclaredCountsDoNotRunAway) {
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
+// ---- The line-counting rules: on files laid out as they expect (dated 1980-2009,
+// no experimental variable, one corresponding variable, no additional parameter)
+// the structured reader must give exactly what they give.
+
+struct LineRuleResult {
+    std::string description;
+    std::vector<std::string> captions;
+    std::vector<std::vector<float>> energies;  // file order
+    std::vector<std::vector<float>> counts;
+};
+
+LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
+    LineRuleResult out;
+    std::size_t i = 0;
+    auto next = [&]() -> const std::string& { return lines.at(i++); };
+    next();  // identification
+    std::string previous;
+    for (;;) {
+        const std::string& l = next();
+        if (l.size() >= 4 && (l.rfind("199", 0) == 0 || l.rfind("198", 0) == 0 || l.rfind("200", 0) == 0) &&
+            l[3] >= '0' && l[3] <= '9')
+            break;
+        previous = l;
+    }
+    out.description = previous;
+    while (next().find("XPS") == std::string::npos) {
+    }
+    next();
+    // Energies are formed in double from the file's numbers and rounded once.
+    double hv = LeadingNumber(next());
+    for (;;) {
+        std::string back2, back1;
+        for (;;) {
+            const std::string& l = next();
+            if (l.size() > 1 && (l.compare(1, 6, "inetic") == 0 || l.compare(1, 6, "inding") == 0)) {
+                const bool kinetic = l.compare(1, 6, "inetic") == 0;
+                out.captions.push_back(back2);
+                next();  // units
+                double start = LeadingNumber(next());
+                double step = LeadingNumber(next());
+                if (kinetic) {
+                    start = hv - start;
+                    step = -step;
+                }
+                for (int k = 0; k < 11; ++k) next();
+                const int m = static_cast<int>(LeadingNumber(next()));
+                next();
+                next();
+                out.energies.emplace_back();
+                out.counts.emplace_back();
+                for (int k = 0; k < m; ++k) {
+                    out.energies.back().push_back(static_cast<float>(start + k * step));
+                    out.counts.back().push_back(static_cast<float>(LeadingNumber(next())));
+                }
+                break;
+            }
+            back2 = back1;
+            back1 = l;
+        }
+        bool found = false;
+        while (i < lines.size() && !found) found = next().find("XPS") != std::string::npos;
+        if (!found) return out;
+        next();
+        hv = LeadingNumber(next());
+    }
+}
+
+void CompareWithLineRules(const std::string& path) {
+    Project project;
+    RecordingHost host;
+    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    const LineRuleResult rules = ReadByLineRules(test::FileLines(path));
+    EXPECT_EQ(project.Description, rules.description);
+    ASSERT_LE(rules.captions.size(), 10u);
+    for (std::size_t k = 0; k < rules.captions.size(); ++k) {
+        const Region& r = project.Regions[k];
+        EXPECT_EQ(r.Caption, Text20::From(rules.captions[k]));
+        const std::vector<float>& e = rules.energies[k];
+        const std::size_t n = e.size();
+        ASSERT_EQ(static_cast<std::size_t>(r.PointCount), n);
+        const bool reverse = e.front() < e.back();
+        for (std::size_t i = 1; i <= n; ++i) {
+            const std::size_t j = reverse ? n - i : i - 1;
+            ASSERT_EQ(r.BindingEnergy[i], e[j]) << path << " block " << k << " point " << i;
+            ASSERT_EQ(r.RawIntensity[i], rules.counts[k][j]) << path << " block " << k << " point " << i;
+        }
+    }
+}
+
+TEST(VamasLineRules, SameResultOnTheLayoutTheyWereWrittenFor) {
+    SynthBlock kinetic = Ramp(7, 1190.25, 0.25, "Kinetic Energy");
+    kinetic.transition = "2p3/2";
+    CompareWithLineRules(test::WriteScratch("l.vms", MakeVamas({Ramp(5, 290, -0.1), kinetic}, "1999")));
+    for (const char* rel : {"feranick-xps/2.vms", "feranick-xps/3.vms"}) {
+        const std::string path = test::RealFile(rel);
+        if (path.empty()) GTEST_SKIP() << rel << " is not available";
+        CompareWithLineRules(path);
+    }
+}
+
 // ---- Real files: every block against an independent scan of the file's values.
 
 struct RealBlock {
