@@ -9,57 +9,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
-#include <functional>
 
 #include "session/backgroundoptimise.h"
+#include "ui/qthost.h"
 #include "ui/widgets.h"
 
 namespace molvera::ui {
 namespace {
-
-// The program's host, which the dialog's boxes and the plot follow during a search:
-// before every yield the trial values go into the boxes and a redraw asked for since
-// the last yield is painted at once (the plot otherwise paints once per screen refresh).
-class EchoHost : public Host {
-public:
-    EchoHost(Host& inner, std::function<void(bool redrawn)> beforeYield)
-        : inner_(inner), beforeYield_(std::move(beforeYield)) {}
-    void Message(const std::string& text) override { inner_.Message(text); }
-    bool AskYesNo(const std::string& title, const std::string& text) override {
-        return inner_.AskYesNo(title, text);
-    }
-    void Beep() override { inner_.Beep(); }
-    void SetRegionChiText(int region, const std::string& text) override {
-        inner_.SetRegionChiText(region, text);
-    }
-    void SetTotalChiText(const std::string& text) override { inner_.SetTotalChiText(text); }
-    void SetPeakButton(int index, const std::string& caption, bool enabled) override {
-        inner_.SetPeakButton(index, caption, enabled);
-    }
-    void SetDescriptionText(const std::string& text) override { inner_.SetDescriptionText(text); }
-    void RedrawRegion() override {
-        redrawn_ = true;
-        inner_.RedrawRegion();
-    }
-    void ShowRegionWindow() override { inner_.ShowRegionWindow(); }
-    void RecolourRegionButtons() override { inner_.RecolourRegionButtons(); }
-    void HidePeakEditor() override { inner_.HidePeakEditor(); }
-    void HideRegionDialogs() override { inner_.HideRegionDialogs(); }
-    void Yield() override {
-        beforeYield_(redrawn_);
-        redrawn_ = false;
-        inner_.Yield();
-    }
-    void BeginFit() override { inner_.BeginFit(); }
-    void EndFit() override { inner_.EndFit(); }
-    void BeginBusy() override { inner_.BeginBusy(); }
-    void EndBusy() override { inner_.EndBusy(); }
-
-private:
-    Host& inner_;
-    std::function<void(bool)> beforeYield_;
-    bool redrawn_ = false;
-};
 
 void SetChoice(QComboBox* box, const std::string& text) {
     const int index = box->findText(FromLatin1(text));
@@ -69,7 +25,7 @@ void SetChoice(QComboBox* box, const std::string& text) {
 
 }  // namespace
 
-BackgroundDialog::BackgroundDialog(Project& project, Host& host, QWidget* parent)
+BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host) {
     setObjectName(QStringLiteral("BGForm"));
     setWindowTitle(QStringLiteral("Background"));
@@ -183,12 +139,17 @@ void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
     if (running_) return;
     running_ = true;
     ReadForm();
-    EchoHost host(host_, [this](bool redrawn) {
+    // Every trial shows in the boxes, and a redraw asked for since the last yield is
+    // painted at once (the plot otherwise paints once per screen refresh).
+    int redraws = host_.RedrawCount();
+    host_.beforeYield = [this, &redraws] {
         slope_->setText(FromLatin1(form_.ShirleySlope));
         touB1_->setText(FromLatin1(form_.TouB1));
-        if (redrawn && repaintPlot) repaintPlot();
-    });
-    handler(project_, host, form_);
+        if (host_.RedrawCount() != redraws && repaintPlot) repaintPlot();
+        redraws = host_.RedrawCount();
+    };
+    handler(project_, host_, form_);
+    host_.beforeYield = nullptr;
     running_ = false;
     ShowForm();
 }

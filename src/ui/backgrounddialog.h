@@ -13,11 +13,13 @@ class QLineEdit;
 
 namespace molvera::ui {
 
+class QtHost;
+
 /// The background dialog of the current region.
 class BackgroundDialog : public QWidget {
     Q_OBJECT
 public:
-    BackgroundDialog(Project& project, Host& host, QWidget* parent = nullptr);
+    BackgroundDialog(Project& project, QtHost& host, QWidget* parent = nullptr);
 
     /// ShowBackgroundDialog: filled from the current region and shown (not modal).
     void Open();
@@ -47,7 +49,7 @@ private:
     void Run(void (*handler)(Project&, Host&, BackgroundForm&));
 
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     BackgroundForm form_;
     bool running_ = false;  // a search yields to the event loop: no second click meanwhile
     QLineEdit* lbe_ = nullptr;

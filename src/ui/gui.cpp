@@ -5,11 +5,11 @@
 #include "model/project.h"
 #include "spectral/lineshape.h"
 #include "ui/backgrounddialog.h"
+#include "ui/constraintdialog.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
-#include "ui/constraintdialog.h"
-#include "ui/peakeditor.h"
 #include "ui/optionswindow.h"
+#include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
 #include "ui/regionwindow.h"
@@ -24,51 +24,36 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     fitting_ = std::make_unique<FittingWindow>(*project_);
     host_.Attach(main_.get(), region_.get(), fitting_.get());
     main_->openOptions = [this] { options_->Open(); };
-    AttachRegionDialogs();
-    BuildPeakWindows();
+    BuildDialogs();
 }
 
-void Gui::AttachRegionDialogs() {
+void Gui::BuildDialogs() {
     background_ = std::make_unique<BackgroundDialog>(*project_, host_);
     shift_ = std::make_unique<RegionShiftDialog>(*project_);
     caption_ = std::make_unique<RegionCaptionDialog>(*project_, host_);
+    constraints_ = std::make_unique<ConstraintDialog>(*project_, host_);
+    peakEditor_ = std::make_unique<PeakEditor>(*project_, host_, *region_->Plot(), *constraints_);
+
     background_->repaintPlot = [this] { region_->Plot()->RedrawNow(); };
     region_->openBackgroundDialog = [this] { background_->Open(); };
     region_->openRegionShift = [this] { shift_->Open(); };
     region_->openRegionCaption = [this] { caption_->Open(); };
-    // Other windows may share these host hooks: each adds its part to what is there.
-    host_.hideRegionDialogs = [this, before = host_.hideRegionDialogs] {
-        if (before) before();
-        background_->CloseClicked();
-    };
-    host_.enableDialogs = [this, before = host_.enableDialogs](bool enabled) {
-        if (before) before(enabled);
-        for (QWidget* w :
-             std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get()})
-            w->setEnabled(enabled);
-    };
-}
-
-void Gui::BuildPeakWindows() {
-    constraints_ = std::make_unique<ConstraintDialog>(*project_, host_);
-    peakEditor_ = std::make_unique<PeakEditor>(*project_, host_, *region_->Plot(), *constraints_);
     main_->openPeakEditor = [this](int buttonIndex) { peakEditor_->Open(buttonIndex); };
     // Add Peak has just appended the new peak to the current region.
     region_->openPeakEditor = [this] {
-        const Region& region = project_->Current();
-        peakEditor_->Open(10 * project_->CurrentRegion + region.PeakCount - 1);
+        peakEditor_->Open(10 * project_->CurrentRegion + project_->Current().PeakCount - 1);
     };
     options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
+
     host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };
-    // Other dialogs may hook here too: each hook keeps the one set before it.
-    host_.hideRegionDialogs = [this, before = host_.hideRegionDialogs] {
-        if (before) before();
+    host_.hideRegionDialogs = [this] {
+        background_->CloseClicked();
         constraints_->HideDialog();
     };
-    host_.enableDialogs = [this, before = host_.enableDialogs](bool enabled) {
-        if (before) before(enabled);
-        peakEditor_->setEnabled(enabled);
-        constraints_->setEnabled(enabled);
+    host_.enableDialogs = [this](bool enabled) {
+        for (QWidget* w : std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get(),
+                                                          constraints_.get(), peakEditor_.get()})
+            w->setEnabled(enabled);
     };
 }
 

@@ -58,14 +58,11 @@ private:
     std::unique_ptr<BackgroundDialog> background_;
     std::unique_ptr<RegionShiftDialog> shift_;
     std::unique_ptr<RegionCaptionDialog> caption_;
-
-    /// The background, region shift and region caption dialogs on their hooks.
-    void AttachRegionDialogs();
     std::unique_ptr<ConstraintDialog> constraints_;
     std::unique_ptr<PeakEditor> peakEditor_;
 
-    /// Peak editor and constraint dialog built and hooked to the other windows.
-    void BuildPeakWindows();
+    /// The peak editor and the region dialogs, built and hooked to the other windows.
+    void BuildDialogs();
 };
 
 }  // namespace molvera::ui

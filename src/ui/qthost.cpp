@@ -79,6 +79,7 @@ void QtHost::HideRegionDialogs() {
 }
 
 void QtHost::Yield() {
+    if (beforeYield) beforeYield();
     // A fit yields after every parameter step; input and paints are looked at every
     // few milliseconds, which keeps Stop prompt and the fit fast.
     constexpr qint64 kYieldGapMs = 5;

@@ -49,6 +49,8 @@ public:
     std::function<void()> hideRegionDialogs;
     /// Extra windows to disable during a fit (peak editor, constraint, background).
     std::function<void(bool enabled)> enableDialogs;
+    /// Called at every yield, before events run (a search showing its trials).
+    std::function<void()> beforeYield;
 
 private:
     /// Asks the plot for a repaint; during a fit at most one paint in every stretch of
