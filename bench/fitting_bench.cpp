@@ -8,7 +8,7 @@
 
 #include "fitting/driver.h"
 #include "fitting/newton.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"

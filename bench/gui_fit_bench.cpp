@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "fitting/driver.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "model/project.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"

@@ -8,7 +8,7 @@
 #include "fileio/exports.h"
 #include "model/host.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 

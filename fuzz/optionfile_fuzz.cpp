@@ -9,10 +9,10 @@
 #include <string>
 
 #include "fitting/driver.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "fuzz_support.h"
 #include "model/host.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 
 namespace {

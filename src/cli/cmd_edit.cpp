@@ -6,9 +6,9 @@
 
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "session/backgroundform.h"
 #include "session/peakform.h"
 #include "spectral/lineshape.h"

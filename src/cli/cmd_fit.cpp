@@ -6,7 +6,7 @@
 
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fitting/driver.h"
 #include "session/constraintform.h"
 

@@ -9,9 +9,9 @@
 #include "cli/common.h"
 #include "fileio/exports.h"
 #include "fileio/formats.h"
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fileio/regionparams.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
 
 namespace molvera::cli {

@@ -8,7 +8,7 @@
 #include "cli/command_list.h"
 #include "cli/common.h"
 #include "cli/jsondump.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "session/optionsform.h"
 
 namespace molvera::cli {

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <unistd.h>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fileio/projectfile.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 
 namespace molvera::cli {
 

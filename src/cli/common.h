@@ -9,7 +9,7 @@
 #include "cli/args.h"
 #include "model/host.h"
 #include "model/records.h"
-#include "model/status.h"
+#include "base/status.h"
 
 namespace molvera::cli {
 

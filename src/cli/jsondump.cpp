@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 
 namespace molvera::cli {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 
 namespace molvera {
 

@@ -4,11 +4,12 @@
 #include <utility>
 #include <vector>
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
+#include "fileio/files.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 
 namespace molvera {
 

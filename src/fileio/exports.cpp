@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <ostream>
 
-#include "fileio/binstream.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/binstream.h"
+#include "base/numtext.h"
+#include "base/messages.h"
+#include "fileio/files.h"
 
 namespace molvera {
 

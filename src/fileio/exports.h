@@ -4,7 +4,7 @@
 #include <string>
 
 #include "model/records.h"
-#include "model/status.h"
+#include "base/status.h"
 
 namespace molvera {
 

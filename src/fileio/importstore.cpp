@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 
 namespace molvera {

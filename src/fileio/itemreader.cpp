@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 
 namespace molvera {
 

@@ -5,12 +5,13 @@
 #include <string_view>
 #include <vector>
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
+#include "fileio/files.h"
 #include "fileio/importstore.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"

@@ -2,11 +2,12 @@
 
 #include <vector>
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
+#include "fileio/files.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
-#include "model/messages.h"
-#include "model/regionops.h"
+#include "base/messages.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 

@@ -6,7 +6,7 @@
 
 #include "model/host.h"
 #include "model/records.h"
-#include "model/status.h"
+#include "base/status.h"
 
 namespace molvera {
 

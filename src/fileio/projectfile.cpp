@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <string_view>
 
-#include "fileio/binstream.h"
-#include "fileio/numtext.h"
+#include "base/binstream.h"
+#include "base/numtext.h"
+#include "fileio/files.h"
 #include "fileio/records_io.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 
 namespace molvera {

@@ -4,6 +4,12 @@
 
 namespace molvera {
 
+Text20 ReadText20(BinaryReader& in) { return Text20::From(in.Bytes(20)); }
+
+void WriteText20(BinaryWriter& out, const Text20& text) {
+    out.Bytes(std::string_view(text.chars.data(), text.chars.size()));
+}
+
 namespace {
 
 void Require(bool condition) {
@@ -18,7 +24,7 @@ template <typename ReadArray>
 void ReadRegionFields(BinaryReader& in, Region& r, ReadArray readArray) {
     r.HasData = in.I16();
     r.ImportRegionNumber = in.I16();
-    r.Caption = in.ReadText20();
+    r.Caption = ReadText20(in);
     r.PointCount = in.I16();
     CheckRange(r.PointCount, 1, kMaxPoints);
     r.BindingEnergy = readArray(r.PointCount);
@@ -67,7 +73,7 @@ void ReadRegionFields(BinaryReader& in, Region& r, ReadArray readArray) {
 // The peak fields from InUse to Region.
 void ReadPeakHead(BinaryReader& in, Peak& p) {
     p.InUse = in.I16();
-    p.Label = in.ReadText20();
+    p.Label = ReadText20(in);
     p.PeakType = in.I16();
     CheckRange(p.PeakType, 0, 4);
     p.Splitting = in.F32();
@@ -106,7 +112,7 @@ constexpr Group kGroups[] = {Group::Position, Group::Area, Group::FWHM, Group::G
 void WriteRegion(BinaryWriter& out, const Region& r) {
     out.I16(r.HasData);
     out.I16(r.ImportRegionNumber);
-    out.WriteText20(r.Caption);
+    WriteText20(out, r.Caption);
     out.I16(r.PointCount);
     out.WriteSingleArray(r.BindingEnergy);
     out.WriteSingleArray(r.RawIntensity);
@@ -153,7 +159,7 @@ void ReadRegionOld(BinaryReader& in, Region& region) {
 
 void WritePeak(BinaryWriter& out, const Peak& p) {
     out.I16(p.InUse);
-    out.WriteText20(p.Label);
+    WriteText20(out, p.Label);
     out.I16(p.PeakType);
     out.F32(p.Splitting);
     out.F32(p.Position);

@@ -2,7 +2,7 @@
 // The project's records written and read field by field, shared by the project file
 // and the region parameter file.
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
 #include "model/records.h"
 
 namespace molvera {
@@ -11,6 +11,10 @@ namespace molvera {
 constexpr std::size_t kMaxArrayElements = 5001;
 /// Elements of a fixed array block of the older unversioned project layout.
 constexpr std::size_t kOldBlockElements = 2001;
+
+/// A Text20 field: 20 bytes as they stand.
+Text20 ReadText20(BinaryReader& in);
+void WriteText20(BinaryWriter& out, const Text20& text);
 
 /// A Region record with its eight arrays (current layout).
 void WriteRegion(BinaryWriter& out, const Region& region);

@@ -7,12 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "fileio/binstream.h"
-#include "fileio/numtext.h"
+#include "base/binstream.h"
+#include "base/numtext.h"
+#include "fileio/files.h"
 #include "fileio/records_io.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 
 namespace molvera {

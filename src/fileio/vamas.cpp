@@ -5,11 +5,12 @@
 #include <initializer_list>
 #include <vector>
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
+#include "fileio/files.h"
 #include "fileio/importstore.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
-#include "model/regionops.h"
+#include "base/numtext.h"
+#include "base/messages.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fitting/trialscore.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"

@@ -93,6 +93,38 @@ void ResizePeakCurve(Project& project, int slot, int m) {
     project.SavedPeaks[slot].Curve.assign(size, 0.0f);
 }
 
+void RecountDependents(Project& project, Group g, int ref) {
+    ParameterConstraint& rc = project.Constraints[ref][g];
+    bool any = false;
+    for (int i = 0; i < kPeakSlots; ++i) {
+        const ParameterConstraint& ic = project.Constraints[i][g];
+        if (IsSet(ic.Linked) && ic.RefPeak == ref) {
+            any = true;
+            rc.DependentPeak = static_cast<Int16>(i);
+        }
+    }
+    rc.IsReference = ToFlag(any);
+}
+
+void ReleaseTies(Project& project, int slot) {
+    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        ParameterConstraint& c = project.Constraints[slot][g];
+        if (IsSet(c.Linked)) {
+            c.Linked = kFalse;
+            if (c.RefPeak >= 0 && c.RefPeak < kPeakSlots) RecountDependents(project, g, c.RefPeak);
+        }
+        if (IsSet(c.IsReference)) {
+            c.IsReference = kFalse;
+            for (int i = 0; i < kPeakSlots; ++i) {
+                ParameterConstraint& ic = project.Constraints[i][g];
+                if (IsSet(ic.Linked) && ic.RefPeak == slot) ic.Linked = kFalse;
+            }
+        }
+    }
+    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL})
+        project.Constraints[slot][g].UseLimits = kFalse;
+}
+
 int FirstFreePeakSlot(const Project& project) {
     for (int s = 0; s < kPeakSlots; ++s)
         if (!IsSet(project.Peaks[s].InUse)) return s;

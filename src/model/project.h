@@ -27,6 +27,14 @@ void ResizePeakCurve(Project& project, int slot, int m);
 /// The lowest peak slot that is not in use, or -1.
 int FirstFreePeakSlot(const Project& project);
 
+/// IsReference and DependentPeak of peak `ref` in group `g` from the peaks now linked
+/// to it: the last of them is the dependent; with none, `ref` is no reference.
+void RecountDependents(Project& project, Group g, int ref);
+
+/// Unties a deleted slot in all four groups: its own link is removed (its reference
+/// recounted), the peaks that followed it are unlinked, and its limits are switched off.
+void ReleaseTies(Project& project, int slot);
+
 /// Number of the main-window peak button of position `k` in region `r`.
 constexpr int PeakButtonIndex(int r, int k) { return 10 * r + k; }
 

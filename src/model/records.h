@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "fitting/options.h"
-#include "model/limits.h"
+#include "model/options.h"
+#include "base/limits.h"
 
 namespace molvera {
 

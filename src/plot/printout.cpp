@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "fileio/numtext.h"
-#include "model/limits.h"
+#include "base/numtext.h"
+#include "base/limits.h"
 #include "plot/spectrumplot.h"
 
 namespace molvera {

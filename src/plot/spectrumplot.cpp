@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "fileio/numtext.h"
-#include "model/limits.h"
+#include "base/numtext.h"
+#include "base/limits.h"
 
 namespace molvera {
 

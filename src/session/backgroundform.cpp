@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <optional>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "session/formnumber.h"
 #include "spectral/background.h"
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "session/formnumber.h"
 #include "spectral/background.h"
 #include "spectral/bgoptimise.h"

@@ -2,8 +2,9 @@
 
 #include <array>
 
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
+#include "model/project.h"
 
 namespace molvera {
 
@@ -165,15 +166,7 @@ Status ConstraintOK(Project& project, ConstraintForm& form) {
         mine.Linked = kTrue;
     } else {
         mine.Linked = kFalse;
-        bool referenced = false;
-        for (int i = 0; i < kPeakSlots; ++i) {
-            const ParameterConstraint& ci = project.Constraints[i][g];
-            if (IsSet(ci.Linked) && ci.RefPeak == r) {
-                referenced = true;
-                theirs.DependentPeak = static_cast<Int16>(i);
-            }
-        }
-        theirs.IsReference = ToFlag(referenced);
+        RecountDependents(project, g, r);
     }
     mine.RefPeak = static_cast<Int16>(r);
     mine.Operation = operation;

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 
 namespace molvera {
 

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "fileio/numtext.h"
-#include "fitting/optionfile.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "fileio/optionfile.h"
+#include "base/messages.h"
 #include "model/records.h"
 
 namespace molvera {

@@ -4,9 +4,9 @@
 #include <array>
 #include <string>
 
-#include "fitting/options.h"
+#include "model/options.h"
 #include "model/host.h"
-#include "model/status.h"
+#include "base/status.h"
 
 namespace molvera {
 

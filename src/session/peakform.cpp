@@ -5,8 +5,8 @@
 #include <string>
 
 #include "constraints/propagation.h"
-#include "fileio/numtext.h"
-#include "model/regionops.h"
+#include "base/numtext.h"
+#include "spectral/regionedit.h"
 #include "session/formnumber.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -126,6 +126,11 @@ bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
 }
 
 }  // namespace
+
+std::string ActualFWHMText(const MeasuredWidth& w) {
+    if (!w.converged) return "---           ";
+    return FormatFixed(w.width, 3) + "eV   ";
+}
 
 bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonIndex) {
     if (buttonIndex < 0 || buttonIndex >= kRegionCount * kMaxPeaksPerRegion) return false;

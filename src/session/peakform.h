@@ -6,6 +6,7 @@
 
 #include "model/host.h"
 #include "model/records.h"
+#include "spectral/lineshape.h"
 
 namespace molvera {
 
@@ -43,6 +44,9 @@ struct PeakForm {
     float PositionBase = 0;  ///< BackgroundLowBE: the energy of ScPos position 0
     float AreaScale = 1;     ///< area of one step of ScArea
 };
+
+/// The text of the measured-width label for a measured width.
+std::string ActualFWHMText(const MeasuredWidth& w);
 
 /// Opens the editor from main-window peak button `buttonIndex` (10 x region + k):
 /// that peak becomes CurrentPeak, is saved for Cancel, fills the form and is shown.

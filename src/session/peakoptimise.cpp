@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fitting/driver.h"
 #include "session/formnumber.h"
 #include "spectral/envelope.h"

@@ -1,6 +1,6 @@
 #include "session/regiondialogs.h"
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "session/formnumber.h"
 
 namespace molvera {

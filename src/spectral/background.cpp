@@ -5,7 +5,7 @@
 #include <cmath>
 #include <utility>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"

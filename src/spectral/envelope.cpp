@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "spectral/lineshape.h"
 
 namespace molvera {

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 
-#include "fileio/numtext.h"
 
 namespace molvera {
 
@@ -226,11 +225,6 @@ MeasuredWidth ActualFWHM(const Project& project, int slot) {
     if (converged)
         result.width = static_cast<float>(static_cast<double>(prev) - p + 0.5 * w + S);
     return result;
-}
-
-std::string ActualFWHMText(const MeasuredWidth& w) {
-    if (!w.converged) return "---           ";
-    return FormatFixed(w.width, 3) + "eV   ";
 }
 
 }  // namespace molvera

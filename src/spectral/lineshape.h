@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <string>
 
 #include "model/records.h"
 
@@ -107,7 +106,5 @@ struct MeasuredWidth {
     float width = 0;
 };
 MeasuredWidth ActualFWHM(const Project& project, int slot);
-/// The text of the peak editor's `ActFWHM` label for a measured width.
-std::string ActualFWHMText(const MeasuredWidth& w);
 
 }  // namespace molvera

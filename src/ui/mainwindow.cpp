@@ -10,10 +10,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fileio/projectfile.h"
 #include "fitting/driver.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
 #include "session/mainwindow.h"
 #include "ui/filechooser.h"

@@ -7,7 +7,7 @@
 #include <functional>
 
 #include "model/host.h"
-#include "model/limits.h"
+#include "base/limits.h"
 #include "model/records.h"
 
 class QLabel;

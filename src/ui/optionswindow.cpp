@@ -10,7 +10,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "ui/filechooser.h"
 #include "ui/widgets.h"
 

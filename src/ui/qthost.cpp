@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <algorithm>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
 #include "ui/plotwidget.h"

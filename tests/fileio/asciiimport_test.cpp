@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "support/files.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "support/recording_host.h"
 
 namespace molvera {

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
 #include "support/files.h"
 

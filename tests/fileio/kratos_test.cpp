@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "support/files.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "spectral/lineshape.h"
 #include "support/recording_host.h"
 

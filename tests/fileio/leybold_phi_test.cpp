@@ -6,8 +6,8 @@
 #include "support/files.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"
-#include "model/regionops.h"
-#include "model/messages.h"
+#include "spectral/regionedit.h"
+#include "base/messages.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 

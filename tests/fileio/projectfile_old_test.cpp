@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "fileio/projectfile.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"

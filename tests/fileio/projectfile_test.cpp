@@ -6,10 +6,10 @@
 
 #include <filesystem>
 
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "support/files.h"
 #include "support/le_bytes.h"

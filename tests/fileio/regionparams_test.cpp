@@ -7,11 +7,11 @@
 #include <sstream>
 #include <string>
 
-#include "fileio/binstream.h"
+#include "base/binstream.h"
 #include "fileio/records_io.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
 #include "support/files.h"
@@ -261,7 +261,7 @@ TEST_F(RegionParamsTest, OlderTaggedLayoutGivesSymmetricPeaks) {
     w.I32(static_cast<std::int32_t>(bits >> 32));
     // Peak in the 3.0 form: fields up to Region, then Curve, no tail fields.
     w.I16(-1);
-    w.WriteText20(Text20::From("old"));
+    WriteText20(w, Text20::From("old"));
     w.I16(3);
     for (float v : {2.5f, 284.25f, 640.0f, 30.0f, 1.75f}) w.F32(v);
     for (Int16 v : {Int16{55}, Int16{1}, Int16{0}, Int16{1}, Int16{0}, Int16{8}}) w.I16(v);

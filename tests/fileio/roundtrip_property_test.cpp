@@ -10,9 +10,9 @@
 
 #include "fileio/projectfile.h"
 #include "fileio/regionparams.h"
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 #include "support/files.h"

@@ -13,9 +13,9 @@
 #include "fileio/exports.h"
 #include "fileio/projectfile.h"
 #include "fileio/regionparams.h"
-#include "fitting/optionfile.h"
-#include "model/messages.h"
-#include "model/regionops.h"
+#include "fileio/optionfile.h"
+#include "base/messages.h"
+#include "spectral/regionedit.h"
 #include "support/files.h"
 #include "support/sample_region.h"
 

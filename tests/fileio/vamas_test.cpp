@@ -8,8 +8,8 @@
 
 #include "support/files.h"
 #include "fileio/importstore.h"
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "support/recording_host.h"
 
 namespace molvera {

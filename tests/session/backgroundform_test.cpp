@@ -5,7 +5,7 @@
 #include <string>
 
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/lineshape.h"
 #include "support/recording_host.h"

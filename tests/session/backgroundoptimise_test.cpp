@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "model/project.h"
 #include "spectral/background.h"
 #include "spectral/region_builder.h"

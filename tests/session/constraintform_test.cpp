@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/messages.h"
+#include "base/messages.h"
 #include "model/project.h"
 #include "support/recording_host.h"
 

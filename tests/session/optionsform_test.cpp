@@ -7,8 +7,8 @@
 
 #include <filesystem>
 
-#include "fitting/optionfile.h"
-#include "model/messages.h"
+#include "fileio/optionfile.h"
+#include "base/messages.h"
 #include "model/records.h"
 #include "support/files.h"
 #include "support/recording_host.h"

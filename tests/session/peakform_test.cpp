@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "model/project.h"
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
 #include "support/recording_host.h"

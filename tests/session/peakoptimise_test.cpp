@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "fitting/fit_fixture.h"
 #include "spectral/lineshape.h"
 

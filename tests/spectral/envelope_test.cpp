@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "spectral/lineshape.h"
 #include "support/recording_host.h"
 #include "spectral/region_builder.h"

@@ -1,3 +1,4 @@
+#include "session/peakform.h"
 #include "spectral/lineshape.h"
 
 #include <cmath>

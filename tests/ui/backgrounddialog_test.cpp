@@ -7,7 +7,7 @@
 #include <QTimer>
 #include <set>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "spectral/background.h"
 #include "spectral/bgoptimise.h"
 #include "ui/backgrounddialog.h"

@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "fileio/projectfile.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 

@@ -7,8 +7,8 @@
 #include <QTimer>
 #include <filesystem>
 
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "ui/fittingwindow.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"

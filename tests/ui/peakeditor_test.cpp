@@ -13,7 +13,7 @@
 #include <QScrollBar>
 #include <cmath>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "spectral/envelope.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"

@@ -10,7 +10,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "support/paths.h"
 #include "support/recording_host.h"

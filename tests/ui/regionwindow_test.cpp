@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "model/messages.h"
+#include "base/messages.h"
 #include "ui/gui_fixture.h"
 
 namespace molvera::test {

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "fileio/numtext.h"
-#include "model/messages.h"
+#include "base/numtext.h"
+#include "base/messages.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"

@@ -12,7 +12,7 @@
 
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "model/messages.h"
+#include "base/messages.h"
 #include "ui/printing.h"
 
 namespace molvera::cli {

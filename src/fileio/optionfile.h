@@ -7,8 +7,8 @@
 #include <variant>
 #include <vector>
 
-#include "fitting/options.h"
-#include "model/status.h"
+#include "model/options.h"
+#include "base/status.h"
 
 namespace molvera {
 

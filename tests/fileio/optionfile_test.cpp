@@ -1,12 +1,12 @@
 // Option file: 206 bytes in the stated layout, bit-exact round trip, short files.
 
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "model/messages.h"
+#include "base/messages.h"
 #include "support/le_bytes.h"
 #include "support/files.h"
 

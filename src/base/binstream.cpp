@@ -1,10 +1,7 @@
-#include "fileio/binstream.h"
+#include "base/binstream.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <random>
 
 namespace molvera {
 
@@ -57,9 +54,7 @@ std::string BinaryReader::Bytes(std::size_t n) {
     return s;
 }
 
-Text20 BinaryReader::ReadText20() { return Text20::From(Bytes(20)); }
-
-SingleArray BinaryReader::ReadSingleArray(std::size_t maxCount) {
+std::vector<float> BinaryReader::ReadSingleArray(std::size_t maxCount) {
     const std::int16_t dims = I16();
     const std::int32_t count = I32();
     const std::int32_t lower = I32();
@@ -67,14 +62,14 @@ SingleArray BinaryReader::ReadSingleArray(std::size_t maxCount) {
         static_cast<std::size_t>(count) * 4 > Remaining()) {
         throw ReadError("bad array header");
     }
-    SingleArray a(static_cast<std::size_t>(count));
+    std::vector<float> a(static_cast<std::size_t>(count));
     for (float& v : a) v = F32();
     return a;
 }
 
-SingleArray BinaryReader::ReadFixedSingles(std::size_t count, std::size_t keep) {
+std::vector<float> BinaryReader::ReadFixedSingles(std::size_t count, std::size_t keep) {
     Need(count * 4);
-    SingleArray a(std::min(count, keep));
+    std::vector<float> a(std::min(count, keep));
     for (float& v : a) v = F32();
     pos_ += (count - a.size()) * 4;
     return a;
@@ -101,57 +96,11 @@ void BinaryWriter::F32(float v) {
 
 void BinaryWriter::Bytes(std::string_view s) { out_.write(s.data(), static_cast<std::streamsize>(s.size())); }
 
-void BinaryWriter::WriteText20(const Text20& t) { out_.write(t.chars.data(), 20); }
-
-void BinaryWriter::WriteSingleArray(const SingleArray& a) {
+void BinaryWriter::WriteSingleArray(const std::vector<float>& a) {
     I16(1);
     I32(static_cast<std::int32_t>(a.size()));
     I32(0);
     for (float v : a) F32(v);
-}
-
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes) {
-    std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) return false;
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
-    bytes.clear();
-    char buf[65536];
-    while (in) {
-        in.read(buf, sizeof buf);
-        bytes.append(buf, static_cast<std::size_t>(in.gcount()));
-        if (bytes.size() > maxBytes) return false;
-    }
-    return !in.bad();
-}
-
-bool WriteFileAtomically(const std::string& path,
-                         const std::function<bool(std::ostream&)>& write) {
-    namespace fs = std::filesystem;
-    std::error_code ec;
-    if (fs::is_directory(path, ec)) return false;
-    const fs::path target(path);
-    std::random_device rd;
-    const fs::path temp =
-        target.parent_path() / (target.filename().string() + ".tmp" + std::to_string(rd() % 1000000));
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (!out) return false;
-        bool ok = write(out);
-        out.flush();
-        ok = ok && static_cast<bool>(out);
-        out.close();
-        if (!ok || out.fail()) {
-            fs::remove(temp, ec);
-            return false;
-        }
-    }
-    fs::rename(temp, target, ec);
-    if (ec) {
-        fs::remove(temp, ec);
-        return false;
-    }
-    return true;
 }
 
 }  // namespace molvera

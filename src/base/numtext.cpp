@@ -1,4 +1,4 @@
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 
 #include <charconv>
 #include <cmath>

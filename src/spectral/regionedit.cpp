@@ -1,8 +1,8 @@
-#include "model/regionops.h"
+#include "spectral/regionedit.h"
 
 #include <string>
 
-#include "fileio/numtext.h"
+#include "base/numtext.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -11,40 +11,10 @@ namespace molvera {
 
 namespace {
 
-constexpr Group kGroups[] = {Group::Position, Group::Area, Group::FWHM, Group::GL};
-
 bool ValidSlot(int s) { return s >= 0 && s < kPeakSlots; }
 
 int ClampedPeakCount(const Region& r) {
     return r.PeakCount < 0 ? 0 : (r.PeakCount > kMaxPeaksPerRegion ? kMaxPeaksPerRegion : r.PeakCount);
-}
-
-// Releases the ties of a deleted slot in one constraint group.
-void ReleaseTies(Project& project, int slot, Group g) {
-    ParameterConstraint& c = project.Constraints[slot][g];
-    if (IsSet(c.Linked)) {
-        c.Linked = kFalse;
-        const int ref = c.RefPeak;
-        if (ValidSlot(ref)) {
-            ParameterConstraint& rc = project.Constraints[ref][g];
-            bool any = false;
-            for (int i = 0; i < kPeakSlots; ++i) {
-                const ParameterConstraint& ic = project.Constraints[i][g];
-                if (IsSet(ic.Linked) && ic.RefPeak == ref) {
-                    any = true;
-                    rc.DependentPeak = static_cast<Int16>(i);
-                }
-            }
-            rc.IsReference = ToFlag(any);
-        }
-    }
-    if (IsSet(c.IsReference)) {
-        c.IsReference = kFalse;
-        for (int i = 0; i < kPeakSlots; ++i) {
-            ParameterConstraint& ic = project.Constraints[i][g];
-            if (IsSet(ic.Linked) && ic.RefPeak == slot) ic.Linked = kFalse;
-        }
-    }
 }
 
 }  // namespace
@@ -106,8 +76,7 @@ void DeletePeak(Project& project, Host& host) {
         }
     }
 
-    for (Group g : kGroups) ReleaseTies(project, slot, g);
-    for (Group g : kGroups) project.Constraints[slot][g].UseLimits = kFalse;
+    ReleaseTies(project, slot);
 
     host.HidePeakEditor();
 

@@ -1,9 +1,10 @@
-#include "fitting/optionfile.h"
+#include "fileio/optionfile.h"
 
 #include <fstream>
 
-#include "fileio/binstream.h"
-#include "model/messages.h"
+#include "base/binstream.h"
+#include "base/messages.h"
+#include "fileio/files.h"
 
 namespace molvera {
 

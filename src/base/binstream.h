@@ -2,13 +2,11 @@
 // Little-endian binary reading and writing with explicit widths.
 
 #include <cstdint>
-#include <functional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-
-#include "model/records.h"
+#include <vector>
 
 namespace molvera {
 
@@ -28,12 +26,11 @@ public:
     float F32();
     double F64();
     std::string Bytes(std::size_t n);
-    Text20 ReadText20();
     /// An array header (Int16 dimensions 1, Int32 count, Int32 lower bound 0) and its
     /// elements; the count must be at most `maxCount` and fit in the remaining bytes.
-    SingleArray ReadSingleArray(std::size_t maxCount);
+    std::vector<float> ReadSingleArray(std::size_t maxCount);
     /// `count` Singles without a header; only the first `keep` are returned.
-    SingleArray ReadFixedSingles(std::size_t count, std::size_t keep);
+    std::vector<float> ReadFixedSingles(std::size_t count, std::size_t keep);
 
     std::size_t Remaining() const { return data_.size() - pos_; }
     std::size_t Position() const { return pos_; }
@@ -54,22 +51,12 @@ public:
     void I32(std::int32_t v);
     void F32(float v);
     void Bytes(std::string_view s);
-    void WriteText20(const Text20& t);
     /// Array header and every element from index 0.
-    void WriteSingleArray(const SingleArray& a);
+    void WriteSingleArray(const std::vector<float>& a);
     bool Good() const { return static_cast<bool>(out_); }
 
 private:
     std::ostream& out_;
 };
-
-/// Reads a whole file into memory; fails when it cannot be opened or is larger than
-/// `maxBytes`.
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes);
-
-/// Writes a file safely: `write` fills a temporary file in the same folder, which then
-/// replaces `path`; when anything fails the previous file stays as it was.
-bool WriteFileAtomically(const std::string& path,
-                         const std::function<bool(std::ostream&)>& write);
 
 }  // namespace molvera

@@ -1,0 +1,21 @@
+#pragma once
+// Whole files in and out: reading a file into memory with a size bound, and writing
+// one so that a failure never destroys the previous file.
+
+#include <cstddef>
+#include <functional>
+#include <ostream>
+#include <string>
+
+namespace molvera {
+
+/// Reads a whole file into memory; fails when it cannot be opened or is larger than
+/// `maxBytes`.
+bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes);
+
+/// Writes a file safely: `write` fills a temporary file in the same folder, which then
+/// replaces `path`; when anything fails the previous file stays as it was.
+bool WriteFileAtomically(const std::string& path,
+                         const std::function<bool(std::ostream&)>& write);
+
+}  // namespace molvera
