@@ -73,7 +73,7 @@ void MakeRegion(Project& project, int peaks) {
         region.PeakIndex[k] = static_cast<Int16>(k);
     }
     region.PeakCount = static_cast<Int16>(peaks);
-    RecomputeAllRegionsSilent(project);
+    RecomputeRegionsWithBackground(project, QuietHost());
 }
 
 void BM_NewtonStep(benchmark::State& state) {

@@ -74,7 +74,7 @@ Project SampleProject(bool crowded) {
 }
 
 void ExerciseProject(Project& project) {
-    RecomputeAllRegionsSilent(project);
+    RecomputeRegionsWithBackground(project, QuietHost());
     const Int16 current = project.CurrentRegion;
     for (int r = 0; r < kRegionCount; ++r) {
         if (!IsSet(project.Regions[r].HasData)) continue;

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 #include "fitting/driver.h"
 #include "fileio/optionfile.h"
@@ -48,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return p;
     }();
     Project project = sample;
-    if (!ReadOptionFile(project.Options, path)) return 0;
+    if (!ReadOptionBytes(project.Options, std::string_view(reinterpret_cast<const char*>(data), size))) return 0;
     if (size >= kOptionFileSize) {
         const std::string back = path + ".opa";
         if (!WriteOptionFile(project.Options, back)) std::abort();
@@ -59,6 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Options read from a file are not checked like the dialog's, so a fit may run for
     // thousands of trials: the user presses Stop Fitting, here after 20 yields.
     StopAfterYields host(project, 20);
-    OptimiseRegionCommand(project, host);
+    BeginFit(project, host);
+    OptimiseRegion(project, host);
+    EndFit(project, host);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "fileio/projectfile.h"
 #include "fuzz_support.h"
@@ -9,9 +10,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace molvera;
-    const std::string path = fuzz::InputFile("project", data, size);
     static const Project blank = fuzz::SampleProject(false);
     Project project = blank;  // loading over a project in use
-    if (LoadProject(project, QuietHost(), path)) fuzz::ExerciseProject(project);
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    if (LoadProjectBytes(project, QuietHost(), bytes)) fuzz::ExerciseProject(project);
     return 0;
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "fileio/regionparams.h"
 #include "fuzz_support.h"
@@ -11,11 +12,11 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace molvera;
-    const std::string path = fuzz::InputFile("regionparams", data, size);
     static const Project roomy = fuzz::SampleProject(false);
     static const Project crowded = fuzz::SampleProject(true);
     Project project = size % 2 == 0 ? roomy : crowded;
-    const Status st = LoadRegionParameters(project, QuietHost(), path);
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const Status st = ApplyRegionParameterBytes(project, QuietHost(), bytes);
     (void)st;  // "Too many peaks" still leaves a loaded region to work on
     fuzz::ExerciseProject(project);
     return 0;

@@ -23,11 +23,11 @@ const std::set<std::string> kPeakOptions = {"position", "fwhm", "area", "height"
 // Loads the options and the input project of a command with one file argument.
 bool Prepare(const Args& args, Session& s, int& exitCode) {
     if (Status st = LoadOptions(args, s); !st) {
-        exitCode = Refused(s, st);
+        exitCode = Refused(st);
         return false;
     }
     if (Status st = LoadInput(s, args.Positional()[0]); !st) {
-        exitCode = Refused(s, st);
+        exitCode = Refused(st);
         return false;
     }
     return true;
@@ -159,7 +159,7 @@ int RunBackground(int argc, char** argv) {
         return Fail(why);
     }
     std::fprintf(stderr, "Area (I*eV) %s\n", form.Area.c_str());
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 
@@ -184,7 +184,7 @@ int RunAddPeak(int argc, char** argv) {
         return Fail(r.PeakCount >= kMaxPeaksPerRegion ? RegionName(*region) + " already holds 10 peaks"
                                                      : "all 51 peak slots are in use");
     if (int rc = EditWithPeakEditor(s, args, slot); rc != 0) return rc;
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     std::printf("%d\n", slot);
     return 0;
 }
@@ -202,7 +202,7 @@ int RunEditPeak(int argc, char** argv) {
     int slot = -1;
     if (int rc = PeakSlotArg(args, s.project, slot); rc != 0) return rc;
     if (int rc = EditWithPeakEditor(s, args, slot); rc != 0) return rc;
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 
@@ -218,7 +218,7 @@ int RunDeletePeak(int argc, char** argv) {
     s.project.CurrentRegion = s.project.Peaks[slot].Region;
     s.project.CurrentPeak = static_cast<Int16>(slot);
     DeletePeak(s.project, s.host);
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 

@@ -7,7 +7,7 @@
 #include "cli/command_list.h"
 #include "cli/common.h"
 #include "base/numtext.h"
-#include "fitting/driver.h"
+#include "session/fitcommands.h"
 #include "session/constraintform.h"
 
 namespace molvera::cli {
@@ -19,7 +19,7 @@ namespace {
 class FitHost : public CliHost {
 public:
     FitHost(Project& project, bool progress) : CliHost(project), project_(project), progress_(progress) {}
-    void ShowRegionWindow() override {
+    void RegionInView() override {
         ++passes_;
         if (!progress_) return;
         std::fprintf(stderr, "\rpass %d  region %d  total chi-square %s        ", passes_,
@@ -44,8 +44,8 @@ int RunFit(int argc, char** argv) {
     if (args.Has("region") == args.Has("all")) return Fail("give --region N or --all");
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
-    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
-    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     FitHost host(s.project, isatty(STDERR_FILENO) != 0);
     if (args.Has("region")) {
         auto region = RegionArg(args);
@@ -66,7 +66,7 @@ int RunFit(int argc, char** argv) {
     std::printf("chi-square before %s\nchi-square after  %s\n", FormatGeneral(before).c_str(),
                 FormatGeneral(after).c_str());
     if (gInterrupted.load()) std::fprintf(stderr, "stopped: the best values reached are kept\n");
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 
@@ -87,8 +87,8 @@ int RunConstrain(int argc, char** argv) {
     if (args.Has("limits") && args.Has("no-limits"))
         return Fail("--limits and --no-limits exclude each other");
     Session s;
-    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
-    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     auto slot = IntArg(args, "peak", 0, kPeakSlots - 1);
     if (!slot) return Fail("--peak takes a slot number 0..50");
     if (!IsSet(s.project.Peaks[*slot].InUse)) return Fail("peak slot " + std::to_string(*slot) + " is empty");
@@ -116,10 +116,10 @@ int RunConstrain(int argc, char** argv) {
         form.Range = false;
     }
     if (Status st = ConstraintOK(s.project, form); !st) {
-        s.host.Message(st.message());
+        Print(st);
         return kExitRefused;
     }
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 

@@ -22,7 +22,7 @@ namespace {
 bool PrepareFrom(const Args& args, Session& s, const std::optional<std::string>& input,
                  int& exitCode) {
     if (Status st = LoadOptions(args, s); !st) {
-        exitCode = Refused(s, st);
+        exitCode = Refused(st);
         return false;
     }
     if (!input) {
@@ -30,7 +30,7 @@ bool PrepareFrom(const Args& args, Session& s, const std::optional<std::string>&
         return true;
     }
     if (Status st = LoadInput(s, *input); !st) {
-        exitCode = Refused(s, st);
+        exitCode = Refused(st);
         return false;
     }
     return true;
@@ -66,10 +66,10 @@ int ExportCommand(int argc, char** argv, const char* name, bool needBackground,
     if (!PrepareFrom(args, s, args.Positional()[0], code)) return code;
     if (int rc = RegionWithData(args, s, needBackground); rc != 0) return rc;
     if (Status st = write(s.project, *args.Value("o")); !st) {
-        s.host.Message(msg::kErrorSavingFile);
+        Print(msg::kErrorSavingFile);
         return kExitRefused;
     }
-    s.host.Message(msg::kDataFileExported);
+    Print(msg::kDataFileExported);
     return 0;
 }
 
@@ -93,12 +93,14 @@ int RunImport(int argc, char** argv) {
     const std::string file = args.Positional()[1];
     if (!std::filesystem::is_regular_file(file)) return Fail("cannot open " + file);
     const std::array<Region, kRegionCount> before = s.project.Regions;
-    if (Status st = format->read(s.project, s.host, file); !st) return Refused(s, st);
+    const ImportResult imported = ImportFile(s.project, s.host, *format, file);
+    for (const Status& notice : imported.notices) Print(notice);
+    if (!imported.status) return Refused(imported.status);
     for (int k = 0; k < kRegionCount; ++k) {
         const Region& r = s.project.Regions[k];
         if (IsSet(r.HasData) && !(r == before[k])) std::printf("%s\n", RegionLine(k, r).c_str());
     }
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 
@@ -119,10 +121,10 @@ int RunSaveParams(int argc, char** argv) {
     if (!PrepareFrom(args, s, args.Positional()[0], code)) return code;
     if (int rc = RegionWithData(args, s, true); rc != 0) return rc;
     if (Status st = SaveRegionParameters(s.project, *args.Value("o")); !st) {
-        s.host.Message(msg::kErrorSavingFile);
+        Print(msg::kErrorSavingFile);
         return kExitRefused;
     }
-    s.host.Message(msg::kParameterFileSaved);
+    Print(msg::kParameterFileSaved);
     return 0;
 }
 
@@ -136,8 +138,8 @@ int RunApplyParams(int argc, char** argv) {
     if (int rc = RegionWithData(args, s, false); rc != 0) return rc;
     const std::string params = args.Positional()[1];
     if (!std::filesystem::is_regular_file(params)) return Fail("cannot open " + params);
-    if (Status st = LoadRegionParameters(s.project, s.host, params); !st) return Refused(s, st);
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = LoadRegionParameters(s.project, s.host, params); !st) return Refused(st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 

@@ -17,8 +17,8 @@ int RunDump(int argc, char** argv) {
     Args args(argc, argv, 2, {});
     if (!CheckArgs(args, {}, 1, Usage("dump"))) return kExitUsage;
     Session s;
-    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
-    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     std::printf("%s\n", ProjectToJson(s.project).dump(1).c_str());
     return 0;
 }
@@ -28,9 +28,9 @@ int RunSave(int argc, char** argv) {
     if (!CheckArgs(args, {"o"}, 1, Usage("save"))) return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
-    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
-    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
-    if (Status st = SaveOutput(s, args); !st) return Refused(s, st);
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
+    if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }
 
@@ -39,7 +39,7 @@ int RunDumpOptions(int argc, char** argv) {
     if (!CheckArgs(args, {}, 1, Usage("dump-options"))) return kExitUsage;
     Session s;
     if (Status st = ReadOptionFile(s.project.Options, args.Positional()[0]); !st)
-        return Refused(s, st);
+        return Refused(st);
     std::printf("%s\n", OptionsToJson(s.project.Options).dump(1).c_str());
     return 0;
 }
@@ -99,7 +99,7 @@ int RunOptions(int argc, char** argv) {
     Session s;
     FitOptions& options = s.project.Options;
     if (auto from = args.Value("from")) {
-        if (Status st = ReadOptionFile(options, *from); !st) return Refused(s, st);
+        if (Status st = ReadOptionFile(options, *from); !st) return Refused(st);
     }
     OptionsForm form;
     FillOptionsDialog(options, form);
@@ -145,8 +145,8 @@ int RunOptions(int argc, char** argv) {
         form.GLSum = false;
         GLProductClick(form, options);
     }
-    if (Status st = ApplyOptionsDialog(form, options); !st) return Refused(s, st);
-    if (Status st = WriteOptionFile(options, *args.Value("o")); !st) return Refused(s, st);
+    if (Status st = ApplyOptionsDialog(form, options); !st) return Refused(st);
+    if (Status st = WriteOptionFile(options, *args.Value("o")); !st) return Refused(st);
     return 0;
 }
 

@@ -21,11 +21,6 @@ void OnInterrupt(int) {
 
 void InstallInterruptHandler() { std::signal(SIGINT, OnInterrupt); }
 
-void CliHost::Message(const std::string& text) {
-    lastMessage = text;
-    std::fprintf(stderr, "%s\n", Latin1ToUtf8(text).c_str());
-}
-
 void CliHost::Yield() {
     if (gInterrupted.load()) project_.StopRequested = true;
 }
@@ -72,9 +67,12 @@ int Fail(const std::string& text) {
     return kExitRefused;
 }
 
-int Refused(Session& s, const Status& status) {
-    if (s.host.lastMessage != status.message())
-        std::fprintf(stderr, "%s\n", Latin1ToUtf8(status.message()).c_str());
+void Print(const Status& status) { std::fprintf(stderr, "%s\n", status.Text().c_str()); }
+
+void Print(const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); }
+
+int Refused(const Status& status) {
+    Print(status);
     return kExitRefused;
 }
 

@@ -7,21 +7,19 @@
 #include <string>
 
 #include "cli/args.h"
-#include "model/host.h"
+#include "session/sessionhost.h"
 #include "model/records.h"
 #include "base/status.h"
 
 namespace molvera::cli {
 
-/// Messages go to stderr with their exact text; Ctrl-C asks a running fit to stop.
-class CliHost : public Host {
+/// The host of a command: nothing to show; Ctrl-C asks a running fit to stop.
+class CliHost : public SessionHost {
 public:
     explicit CliHost(Project& project) : project_(project) {}
-    void Message(const std::string& text) override;
     void Beep() override { ++beeps; }
     void Yield() override;
     int beeps = 0;
-    std::string lastMessage;  ///< the last text shown, so a refusal is not printed twice
 
 private:
     Project& project_;
@@ -57,9 +55,13 @@ std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int
 /// Prints "molvera-cli: text" to stderr and returns the exit code for a refusal.
 int Fail(const std::string& text);
 
-/// A refusal by the core: its message text as the program shows it (unless the host
-/// has just shown it), and the exit code for a refusal.
-int Refused(Session& s, const Status& status);
+/// Prints a message to stderr as the program shows it: the fixed text, and the detail on
+/// the next line when there is one.
+void Print(const Status& status);
+void Print(const std::string& text);
+
+/// A refusal: printed, and the exit code for a refusal.
+int Refused(const Status& status);
 
 /// Checks the options given against the known ones and the positional count; prints
 /// the problem and the usage and returns false when they do not fit.

@@ -4,8 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/binstream.h"
-#include "fileio/files.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
 #include "base/numtext.h"
@@ -46,18 +44,15 @@ bool StartsAgain(const std::vector<float>& energies, float energy) {
 
 }  // namespace
 
-Status ReadAscii(Project& project, Host& host, const std::string& path) {
-    std::string text;
-    if (!ReadWholeFile(path, text, kMaxImportBytes)) return ImportFailure(host, msg::kErrorReadingFileImport);
-
+ImportedData ReadAscii(std::string_view text) {
     ImportedSpectrum s;
     bool more = false;         // pairs beyond the 5000th
     bool interrupted = false;  // a skipped text line since the last pair
     std::size_t pos = 0;
     while (pos < text.size()) {
         std::size_t end = text.find_first_of("\r\n", pos);
-        if (end == std::string::npos) end = text.size();
-        const std::string_view line(text.data() + pos, end - pos);
+        if (end == std::string_view::npos) end = text.size();
+        const std::string_view line = text.substr(pos, end - pos);
         pos = end;
         if (pos < text.size() && text[pos] == '\r') ++pos;
         if (pos < text.size() && text[pos] == '\n') ++pos;
@@ -75,14 +70,14 @@ Status ReadAscii(Project& project, Host& host, const std::string& path) {
         s.energy.push_back(pair->first);
         s.intensity.push_back(pair->second);
     }
-    if (s.energy.empty()) return ImportFailure(host, msg::kErrorReadingFileImport);
-
-    PrepareRegionForImport(project, host);
-    if (more) host.Message(msg::kOnly5000Points);
-    StoreSpectrum(project, s, SortRule::ReverseUnlessFalling);
-    host.ShowRegionWindow();
-    host.RecolourRegionButtons();
-    return Status::Ok();
+    ImportedData data;
+    if (s.energy.empty()) {
+        data.status = Status::Error(msg::kErrorReadingFileImport, "no line holds a pair of numbers");
+        return data;
+    }
+    s.overflow = more;
+    data.spectra.push_back(std::move(s));
+    return data;
 }
 
 }  // namespace molvera

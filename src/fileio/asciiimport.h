@@ -1,18 +1,16 @@
 #pragma once
 // Plain two-column text import: binding energy and intensity.
 
-#include <string>
+#include <string_view>
 
-#include "model/host.h"
-#include "model/records.h"
-#include "base/status.h"
+#include "fileio/importstore.h"
 
 namespace molvera {
 
-/// Reads pairs (binding energy, intensity), one per line, into the current region.
-/// A comma, blank, tab or semicolon separates items; a line whose first item is not
-/// a number, a line with a single item and a line starting with "#" or "//" are
-/// skipped. At most 5000 pairs are kept; a second spectrum in the file is not read.
-Status ReadAscii(Project& project, Host& host, const std::string& path);
+/// Pairs (binding energy, intensity), one per line. A comma, blank, tab or semicolon
+/// separates items; a line whose first item is not a number, a line with a single item
+/// and a line starting with "#" or "//" are skipped. At most 5000 pairs are kept (more
+/// mark the spectrum as overflowing); a second spectrum in the file is not read.
+ImportedData ReadAscii(std::string_view text);
 
 }  // namespace molvera

@@ -6,19 +6,25 @@
 
 namespace molvera {
 
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes) {
+bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes,
+                   std::string* why) {
+    auto fail = [why](const std::string& reason) {
+        if (why) *why = reason;
+        return false;
+    };
     std::error_code ec;
-    if (std::filesystem::is_directory(path, ec)) return false;
+    if (std::filesystem::is_directory(path, ec)) return fail("a folder, not a file");
     std::ifstream in(path, std::ios::binary);
-    if (!in) return false;
+    if (!in) return fail(std::filesystem::exists(path, ec) ? "cannot be opened" : "no such file");
     bytes.clear();
     char buf[65536];
     while (in) {
         in.read(buf, sizeof buf);
         bytes.append(buf, static_cast<std::size_t>(in.gcount()));
-        if (bytes.size() > maxBytes) return false;
+        if (bytes.size() > maxBytes)
+            return fail("larger than the " + std::to_string(maxBytes) + " bytes it may have");
     }
-    return !in.bad();
+    return in.bad() ? fail("cannot be read") : true;
 }
 
 bool WriteFileAtomically(const std::string& path,

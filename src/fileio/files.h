@@ -10,8 +10,9 @@
 namespace molvera {
 
 /// Reads a whole file into memory; fails when it cannot be opened or is larger than
-/// `maxBytes`.
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes);
+/// `maxBytes`, and then says why in `why` when given ("no such file").
+bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxBytes,
+                   std::string* why = nullptr);
 
 /// Writes a file safely: `write` fills a temporary file in the same folder, which then
 /// replaces `path`; when anything fails the previous file stays as it was.

@@ -1,8 +1,11 @@
 #include "fileio/formats.h"
 
 #include <array>
+#include <filesystem>
 
+#include "base/messages.h"
 #include "fileio/asciiimport.h"
+#include "fileio/files.h"
 #include "fileio/kratos.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"
@@ -13,12 +16,31 @@ namespace molvera {
 namespace {
 
 constexpr std::array<ImportFormat, 5> kFormats{{
-    {"kratos", "Import Kratos Ascii format", "Kratos Files (*.des) |*.des|", &ReadKratos},
-    {"leybold", "Import Leybold Ascii format", "ASCII Files (*.dat) |*.dat|", &ReadLeybold},
-    {"phi", "Import Phi Ascii format", "ASCII Files (*.asc) |*.asc|", &ReadPhi},
-    {"vamas", "Import VAMAS format", "VAMAS Files (*.*) |*.*|", &ReadVamas},
-    {"ascii", "Import Ascii format (BE  Intensity)", "ASCII Files (*.*) |*.*|", &ReadAscii},
+    {"kratos", "Import (Kratos)", "Import Kratos Ascii format", "Kratos Files (*.des) |*.des|",
+     "des", kMaxKratosBytes, msg::kErrorReadingFile, {StoreRule::FittedRegion}, &ReadKratos},
+    {"leybold", "Import (Leybold)", "Import Leybold Ascii format", "ASCII Files (*.dat) |*.dat|",
+     "dat", kMaxImportBytes, msg::kErrorReadingFileImport,
+     {StoreRule::Regions, SortRule::ReverseUnlessFalling, true}, &ReadLeybold},
+    {"phi", "Import (Phi)", "Import Phi Ascii format", "ASCII Files (*.asc) |*.asc|", "asc",
+     kMaxImportBytes, msg::kErrorReadingFileImport,
+     {StoreRule::Regions, SortRule::ReverseIfRising, true}, &ReadPhi},
+    {"vamas", "Import (VAMAS)", "Import VAMAS format", "VAMAS Files (*.*) |*.*|", "vms npl",
+     kMaxImportBytes, msg::kErrorReadingFileImport,
+     {StoreRule::Regions, SortRule::ReverseIfRising, false}, &ReadVamas},
+    {"ascii", "Import (ASCII)", "Import Ascii format (BE  Intensity)", "ASCII Files (*.*) |*.*|",
+     "txt csv xy", kMaxImportBytes, msg::kErrorReadingFileImport,
+     {StoreRule::CurrentRegion, SortRule::ReverseUnlessFalling}, &ReadAscii},
 }};
+
+// The file's name and, after it, where and why.
+std::string Detail(const std::string& path, const std::string& detail) {
+    const std::string name = std::filesystem::path(path).filename().string();
+    return detail.empty() ? name : name + ": " + detail;
+}
+
+Status Named(const Status& status, const std::string& path) {
+    return status.ok() ? status : Status::Error(status.message(), Detail(path, status.detail()));
+}
 
 }  // namespace
 
@@ -28,6 +50,20 @@ const ImportFormat* FindImportFormat(std::string_view name) {
     for (const ImportFormat& f : kFormats)
         if (f.name == name) return &f;
     return nullptr;
+}
+
+ImportResult ImportFile(Project& project, Host& host, const ImportFormat& format,
+                        const std::string& path) {
+    std::string bytes;
+    std::string why;
+    if (!ReadWholeFile(path, bytes, format.maxBytes, &why)) {
+        ImportResult refused;
+        refused.status = Status::Error(format.unreadable, Detail(path, why));
+        return refused;
+    }
+    ImportResult result = StoreImport(project, host, format.parse(bytes), format.policy);
+    result.status = Named(result.status, path);
+    return result;
 }
 
 }  // namespace molvera

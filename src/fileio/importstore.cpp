@@ -4,16 +4,50 @@
 #include <string>
 
 #include "base/messages.h"
+#include "fileio/kratos.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 
-std::string TooManyPointsMessage() {
-    return std::string(msg::kTooManyPointsPrefix) + std::to_string(kMaxPoints) +
-           msg::kTooManyPointsSuffix;
+namespace {
+
+// "Too many points.  Only 5000 points have been read." for the spectrum stored in `region`.
+Status TooManyPoints(int region, const std::string& caption) {
+    return Status::Error(std::string(msg::kTooManyPointsPrefix) + std::to_string(kMaxPoints) +
+                             msg::kTooManyPointsSuffix,
+                         "region " + std::to_string(region + 1) + " (\"" + caption +
+                             "\"): the points after the first 5000 are left out");
 }
+
+// Spectra into consecutive slots from CurrentRegion, wrapping from 9 to 0, with their
+// notices; CurrentRegion is restored.
+void StoreRegions(Project& project, Host& host, const std::vector<ImportedSpectrum>& spectra,
+                  const StorePolicy& policy, std::vector<Status>& notices) {
+    const Int16 start = project.CurrentRegion;
+    for (std::size_t k = 0; k < spectra.size(); ++k) {
+        PrepareRegionForImport(project, host);
+        if (spectra[k].overflow) notices.push_back(TooManyPoints(project.CurrentRegion, spectra[k].caption));
+        StoreSpectrum(project, spectra[k], policy.sort);
+        if (k + 1 == spectra.size() && !policy.checkAfterLast) break;
+        project.CurrentRegion = static_cast<Int16>((project.CurrentRegion + 1) % kRegionCount);
+        if (project.CurrentRegion == start) {
+            notices.push_back(Status::Error(msg::kTooManyRegions,
+                                            "every region from region " + std::to_string(start + 1) +
+                                                " on has been filled; the spectra after that are left out"));
+            break;
+        }
+    }
+    project.CurrentRegion = start;
+}
+
+void SetDescription(Project& project, Host& host, const std::string& description) {
+    project.Description = description;
+    host.DescriptionChanged(project.Description);
+}
+
+}  // namespace
 
 void PrepareRegionForImport(Project& project, Host& host) {
     const Region& region = project.Current();
@@ -46,29 +80,38 @@ void StoreSpectrum(Project& project, const ImportedSpectrum& s, SortRule rule) {
     UpdateDataExtents(region);
 }
 
-int StoreRegions(Project& project, Host& host, const std::vector<ImportedSpectrum>& spectra,
-                 SortRule rule, bool checkAfterLast) {
-    const Int16 start = project.CurrentRegion;
-    int stored = 0;
-    for (std::size_t k = 0; k < spectra.size(); ++k) {
-        PrepareRegionForImport(project, host);
-        if (spectra[k].overflow) host.Message(TooManyPointsMessage());
-        StoreSpectrum(project, spectra[k], rule);
-        ++stored;
-        if (k + 1 == spectra.size() && !checkAfterLast) break;
-        project.CurrentRegion = static_cast<Int16>((project.CurrentRegion + 1) % kRegionCount);
-        if (project.CurrentRegion == start) {
-            host.Message(msg::kTooManyRegions);
-            break;
-        }
+ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
+                         const StorePolicy& policy) {
+    ImportResult result;
+    if (data.clearsOnRefusal) {
+        // The current region is emptied and the description taken before the reader
+        // learns that the file holds no XPS.
+        if (IsSet(project.Current().HasData)) DeleteRegionData(project, host);
+        if (data.description) SetDescription(project, host, *data.description);
+        result.status = data.status;
+        return result;
     }
-    project.CurrentRegion = start;
-    return stored;
-}
+    if (policy.store == StoreRule::FittedRegion) return StoreKratos(project, host, data);
+    if (data.spectra.empty()) {
+        result.status = data.status.ok() ? Status::Error(msg::kErrorReadingFileImport) : data.status;
+        return result;
+    }
 
-Status ImportFailure(Host& host, const char* message) {
-    host.Message(message);
-    return Status::Error(message);
+    if (policy.store == StoreRule::CurrentRegion) {
+        PrepareRegionForImport(project, host);
+        if (data.spectra.front().overflow)
+            result.notices.push_back(Status::Error(msg::kOnly5000Points, "the pairs after the 5000th are left out"));
+        StoreSpectrum(project, data.spectra.front(), policy.sort);
+        host.RegionInView();
+        host.RegionListChanged();
+    } else {
+        if (data.description) SetDescription(project, host, *data.description);
+        StoreRegions(project, host, data.spectra, policy, result.notices);
+        host.RegionInView();
+        RefreshMainWindow(project, host);
+    }
+    result.status = data.status;
+    return result;
 }
 
 }  // namespace molvera

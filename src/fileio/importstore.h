@@ -1,14 +1,15 @@
 #pragma once
-// What every import shares once a file is parsed: storing spectra into region
-// slots in descending order, region sequencing, and the import messages.
+// What the instrument imports share: the plain data a reader makes of a file, and the one
+// step that stores it into the project.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/status.h"
 #include "model/host.h"
 #include "model/records.h"
-#include "base/status.h"
 
 namespace molvera {
 
@@ -21,7 +22,37 @@ struct ImportedSpectrum {
     std::string caption;
     std::vector<float> energy;
     std::vector<float> intensity;
-    bool overflow = false;  ///< the file declared more than 5000 points
+    bool overflow = false;  ///< the file held more than 5000 points
+};
+
+/// The fit a Kratos export may carry with its spectrum.
+struct ImportedFit {
+    Int16 regionNumber = 0;
+    std::string caption;
+    float low = 0;   ///< background range, eV
+    float high = 0;
+    Int16 type = 0;  ///< background type
+    std::vector<Peak> peaks;  ///< label, %GL, position, height percentage and FWHM of each
+};
+
+/// What a reader made of a file. Nothing of the project has been touched.
+struct ImportedData {
+    std::vector<ImportedSpectrum> spectra;  ///< in file order
+    std::optional<std::string> description;  ///< the project's description from the file
+    std::optional<ImportedFit> fit;          ///< Kratos only
+    /// Ok, or why the file could not be read (wholly or to its end). With no spectra
+    /// nothing is stored; otherwise the spectra read are stored and then it is shown.
+    Status status;
+    /// A VAMAS file whose first block is not XPS: the refusal still empties the current
+    /// region and takes the description.
+    bool clearsOnRefusal = false;
+};
+
+/// How parsed spectra go into the project.
+enum class StoreRule {
+    Regions,        ///< consecutive region slots from the current one (VAMAS, Leybold, Phi)
+    CurrentRegion,  ///< the current region (two-column text)
+    FittedRegion,   ///< the current region in file order, with the fit it carries (Kratos)
 };
 
 /// How a multi-region import puts its spectra into descending order.
@@ -30,8 +61,32 @@ enum class SortRule {
     ReverseIfRising,       ///< reversed only when BE(1) < BE(n)
 };
 
-/// "Too many points.  Only 5000 points have been read."
-std::string TooManyPointsMessage();
+/// How the data of one format are stored.
+struct StorePolicy {
+    StoreRule store = StoreRule::Regions;
+    SortRule sort = SortRule::ReverseUnlessFalling;
+    /// Regions: after the last spectrum, the next slot is still checked, so that ten
+    /// spectra stored from slot 0 end with "Too many regions".
+    bool checkAfterLast = false;
+};
+
+/// What storing did: the notices to show in order ("Too many points...", "Too many
+/// regions"), then the import's result.
+struct ImportResult {
+    std::vector<Status> notices;
+    Status status;
+    /// Everything to show, in order: the notices, then the result when it is a refusal.
+    std::vector<Status> Messages() const {
+        std::vector<Status> all = notices;
+        if (!status) all.push_back(status);
+        return all;
+    }
+};
+
+/// Stores what a reader made of a file into the project, from CurrentRegion, and reports
+/// the changes; messages come back in the result, in the order they are to be shown.
+ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
+                         const StorePolicy& policy);
 
 /// Makes the current region ready for new data: a region that holds data is
 /// deleted, otherwise its peaks and parameters are cleared.
@@ -40,14 +95,5 @@ void PrepareRegionForImport(Project& project, Host& host);
 /// Stores one spectrum into the current region in descending order; the region
 /// ends with data, no background, no peaks, and its extents updated.
 void StoreSpectrum(Project& project, const ImportedSpectrum& s, SortRule rule);
-
-/// Stores spectra into consecutive slots from CurrentRegion, wrapping from 9 to 0,
-/// with the overflow and "Too many regions" messages; `checkAfterLast` also checks
-/// after the last spectrum. CurrentRegion is restored. Returns the number stored.
-int StoreRegions(Project& project, Host& host, const std::vector<ImportedSpectrum>& spectra,
-                 SortRule rule, bool checkAfterLast);
-
-/// Shows `message` and returns it as a failed status.
-Status ImportFailure(Host& host, const char* message);
 
 }  // namespace molvera

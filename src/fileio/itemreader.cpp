@@ -14,6 +14,16 @@ bool ItemReader::AtEnd() const {
     return true;
 }
 
+std::string ItemReader::Where() const {
+    // CR LF, LF and a lone CR each end a line.
+    int line = 1;
+    for (std::size_t i = 0; i < pos_ && i < text_.size(); ++i) {
+        if (text_[i] == '\n' || (text_[i] == '\r' && (i + 1 >= text_.size() || text_[i + 1] != '\n')))
+            ++line;
+    }
+    return "line " + std::to_string(line);
+}
+
 void ItemReader::SkipBlanks() {
     while (pos_ < text_.size() && IsBlank(text_[pos_])) ++pos_;
 }

@@ -30,6 +30,8 @@ public:
     std::optional<std::string> NumberItem();
     /// Passes over blank and empty lines.
     void SkipEmptyLines();
+    /// "line N" of the reading position, for messages.
+    std::string Where() const;
 
 private:
     bool IsBlank(char c) const { return c == ' ' || (c == '\t' && !extra_); }

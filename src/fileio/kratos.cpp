@@ -1,13 +1,12 @@
 #include "fileio/kratos.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 #include "base/binstream.h"
-#include "fileio/files.h"
-#include "fileio/importstore.h"
 #include "base/numtext.h"
 #include "base/messages.h"
 #include "model/project.h"
@@ -45,8 +44,17 @@ public:
     }
 
     void Require(std::string_view key) {
-        if (!Find(key)) throw ReadError("keyword missing");
+        if (!Find(key)) Fail("no \"" + std::string(key) + "\" follows");
     }
+
+    // Where the scan stands: the line of the last character read.
+    std::string Where() const {
+        const std::size_t end = std::min(cursor_ == 0 ? 0 : cursor_ - 1, text_.size());
+        const auto lines = std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(end), '\n');
+        return "line " + std::to_string(lines + 1);
+    }
+
+    [[noreturn]] void Fail(const std::string& what) const { throw ReadError(Where() + ": " + what); }
 
     // Up to, not including, the next line feed; the cursor moves past it.
     std::string_view ReadToLineEnd() {
@@ -69,12 +77,12 @@ public:
         const std::size_t start = cursor_;
         while (cursor_ < text_.size() && std::string_view(" \t\r\n").find(text_[cursor_]) == std::string_view::npos)
             ++cursor_;
-        kinetic = Number(text_.substr(start, cursor_ - start));
-        intensity = Number(ReadToLineEnd());
+        kinetic = Number(text_.substr(start, cursor_ - start), "the kinetic energy");
+        intensity = Number(ReadToLineEnd(), "the intensity");
     }
 
-    static double Number(std::string_view s) {
-        if (LeadingNumberLength(s) == 0) throw ReadError("number expected");
+    double Number(std::string_view s, const char* what) const {
+        if (LeadingNumberLength(s) == 0) Fail(std::string(what) + " is not a number");
         return LeadingNumber(s);
     }
 
@@ -103,19 +111,11 @@ Int16 ShapeGL(std::string_view shape) {
     return static_cast<Int16>(g > 100 ? 100 : RoundHalfEven(g));
 }
 
-struct Fit {
-    Int16 regionNumber = 0;
-    std::string caption;
-    float low = 0;
-    float high = 0;
-    Int16 type = 0;
-    std::vector<Peak> peaks;
-};
 
 struct KratosData {
     float hv = 0;
     std::optional<std::string> comment;
-    std::optional<Fit> fit;
+    std::optional<ImportedFit> fit;
     std::vector<float> be;
     std::vector<float> intensity;
     // Background range of the fit.
@@ -124,17 +124,17 @@ struct KratosData {
     Int16 rangeCount = 0;
 };
 
-Fit ReadFit(Scanner& s) {
-    Fit fit;
+ImportedFit ReadFit(Scanner& s) {
+    ImportedFit fit;
     std::string values[kRegionValues + 1];
     for (int v = 1; v <= kRegionValues; ++v) values[v] = std::string(s.TextAfterEquals());
     fit.regionNumber = ToInt16(LeadingNumber(values[1])).value_or(0);
     fit.caption = TextValue(values[2]);
-    fit.low = static_cast<float>(Scanner::Number(values[4]));
-    fit.high = static_cast<float>(Scanner::Number(values[5]));
+    fit.low = static_cast<float>(s.Number(values[4], "the low background energy"));
+    fit.high = static_cast<float>(s.Number(values[5], "the high background energy"));
     fit.type = values[8].find("SHI") != std::string::npos ? 0 : 1;
-    const auto count = ToInt16(Scanner::Number(values[12]));
-    if (!count || *count < 0 || *count > kMaxPeaksPerRegion) throw ReadError("bad component count");
+    const auto count = ToInt16(s.Number(values[12], "the component count"));
+    if (!count || *count < 0 || *count > kMaxPeaksPerRegion) s.Fail("more components than a region holds");
     if (*count == 0) return fit;
     s.Require("=");
     for (int k = 0; k < *count; ++k) {
@@ -143,9 +143,9 @@ Fit ReadFit(Scanner& s) {
         Peak p;
         p.Label = Text20::From(TextValue(c[1]));
         p.PercentGL = ShapeGL(c[2]);
-        p.Position = static_cast<float>(Scanner::Number(c[13]));
-        p.HeightPercent = static_cast<float>(Scanner::Number(c[19]));
-        p.FWHM = static_cast<float>(Scanner::Number(c[25]));
+        p.Position = static_cast<float>(s.Number(c[13], "a component position"));
+        p.HeightPercent = static_cast<float>(s.Number(c[19], "a component height"));
+        p.FWHM = static_cast<float>(s.Number(c[25], "a component FWHM"));
         fit.peaks.push_back(p);
     }
     return fit;
@@ -162,12 +162,12 @@ KratosData Parse(std::string_view text) {
     s.ReadToLineEnd();
     s.Require("# ord");
     s.Require("=");
-    const auto n = ToInt16(Scanner::Number(s.ReadToLineEnd()));
-    if (!n || *n < 1 || *n > kMaxPoints) throw ReadError("bad point count");
+    const auto n = ToInt16(s.Number(s.ReadToLineEnd(), "the point count"));
+    if (!n || *n < 1 || *n > kMaxPoints) s.Fail("the point count is not 1..5000");
     if (s.Find("Comment")) d.comment = TextValue(s.TextAfterEquals());
     s.Require("energy");
     s.Require("=");
-    d.hv = static_cast<float>(Scanner::Number(s.ReadToLineEnd()));
+    d.hv = static_cast<float>(s.Number(s.ReadToLineEnd(), "the excitation energy"));
     if (s.Find("Regions")) d.fit = ReadFit(s);
     s.Require("(Counts)");
     s.ReadToLineEnd();
@@ -184,7 +184,7 @@ KratosData Parse(std::string_view text) {
 // The fit's range over the data (points numbered from 1); false when the data
 // cannot carry a background.
 bool FindRange(KratosData& d) {
-    Fit& fit = *d.fit;
+    ImportedFit& fit = *d.fit;
     if (fit.low > fit.high) std::swap(fit.low, fit.high);
     const int n = static_cast<int>(d.be.size());
     double bestLow = 10000;
@@ -265,18 +265,43 @@ int AvailableSlots(const Project& project) {
 
 }  // namespace
 
-Status ReadKratos(Project& project, Host& host, const std::string& path) {
-    std::string text;
-    if (!ReadWholeFile(path, text, kMaxKratosBytes)) return ImportFailure(host, msg::kErrorReadingFile);
+ImportedData ReadKratos(std::string_view text) {
+    ImportedData data;
     KratosData d;
     try {
         d = Parse(text);
-    } catch (const ReadError&) {
-        return ImportFailure(host, msg::kErrorReadingFile);
+    } catch (const ReadError& e) {
+        data.status = Status::Error(msg::kErrorReadingFile, e.what());
+        return data;
     }
+    ImportedSpectrum spectrum;
+    spectrum.energy = std::move(d.be);
+    spectrum.intensity = std::move(d.intensity);
+    data.spectra.push_back(std::move(spectrum));
+    data.description = std::move(d.comment);
+    data.fit = std::move(d.fit);
+    return data;
+}
+
+ImportResult StoreKratos(Project& project, Host& host, const ImportedData& data) {
+    ImportResult result;
+    if (data.spectra.empty()) {
+        result.status = data.status;
+        return result;
+    }
+    KratosData d;
+    d.be = data.spectra.front().energy;
+    d.intensity = data.spectra.front().intensity;
+    d.fit = data.fit;
     const bool withPeaks = d.fit && !d.fit->peaks.empty();
-    if (withPeaks && (static_cast<int>(d.fit->peaks.size()) > AvailableSlots(project) || !FindRange(d)))
-        return ImportFailure(host, msg::kErrorReadingFile);
+    if (withPeaks && static_cast<int>(d.fit->peaks.size()) > AvailableSlots(project)) {
+        result.status = Status::Error(msg::kErrorReadingFile, "the fit has more components than free peak slots");
+        return result;
+    }
+    if (withPeaks && !FindRange(d)) {
+        result.status = Status::Error(msg::kErrorReadingFile, "the fit's background range holds fewer than two points");
+        return result;
+    }
 
     DeleteRegionData(project, host);
     const int r = project.CurrentRegion;
@@ -288,12 +313,12 @@ Status ReadKratos(Project& project, Host& host, const std::string& path) {
         region.BindingEnergy[static_cast<std::size_t>(i)] = d.be[static_cast<std::size_t>(i - 1)];
         region.RawIntensity[static_cast<std::size_t>(i)] = d.intensity[static_cast<std::size_t>(i - 1)];
     }
-    if (d.comment && project.Description.empty()) {
-        project.Description = d.comment->substr(0, kDescriptionLength);
-        host.SetDescriptionText(project.Description);
+    if (data.description && project.Description.empty()) {
+        project.Description = data.description->substr(0, kDescriptionLength);
+        host.DescriptionChanged(project.Description);
     }
     if (d.fit) {
-        const Fit& fit = *d.fit;
+        const ImportedFit& fit = *d.fit;
         region.ImportRegionNumber = fit.regionNumber;
         region.Caption = Text20::From(fit.caption);
         region.BackgroundLowBE = fit.low;
@@ -316,9 +341,9 @@ Status ReadKratos(Project& project, Host& host, const std::string& path) {
             p.FWHM = f.FWHM;
             SetNewPeakDefaults(p, r);
             region.PeakIndex[k] = static_cast<Int16>(slot);
-            host.SetPeakButton(PeakButtonIndex(r, static_cast<int>(k)), std::to_string(slot), true);
             ++slot;
         }
+        if (!fit.peaks.empty()) host.PeakListChanged(r, PeakList(region), true);
         project.TotalPeakCount = static_cast<Int16>(project.TotalPeakCount + region.PeakCount);
     }
     UpdateDataExtents(region);
@@ -329,9 +354,9 @@ Status ReadKratos(Project& project, Host& host, const std::string& path) {
         region.BackgroundParameter = 0;
         RebuildFit(project, host, d);
     }
-    host.ShowRegionWindow();
-    host.RecolourRegionButtons();
-    return Status::Ok();
+    host.RegionInView();
+    host.RegionListChanged();
+    return result;
 }
 
 }  // namespace molvera

@@ -1,16 +1,14 @@
 #pragma once
-// Leybold text export (.dat): a description, the region count, then per region a
-// caption, a point count and (energy, intensity) pairs.
+// Leybold text export: a description, the number of regions, then per region a
+// caption, its point count and the (energy, intensity) pairs.
 
-#include <string>
+#include <string_view>
 
-#include "model/host.h"
-#include "model/records.h"
-#include "base/status.h"
+#include "fileio/importstore.h"
 
 namespace molvera {
 
-/// Reads every region of a Leybold export into slots from CurrentRegion upward.
-Status ReadLeybold(Project& project, Host& host, const std::string& path);
+/// Every region of a Leybold export (at most ten are read).
+ImportedData ReadLeybold(std::string_view text);
 
 }  // namespace molvera

@@ -1,5 +1,6 @@
 #include "fileio/optionfile.h"
 
+#include <filesystem>
 #include <fstream>
 
 #include "base/binstream.h"
@@ -53,13 +54,19 @@ std::vector<OptionField> OptionFileFields(FitOptions& o) {
 
 Status ReadOptionFile(FitOptions& options, const std::string& path) {
     std::string bytes;
+    const std::string name = std::filesystem::path(path).filename().string();
     {
         std::ifstream file(path, std::ios::binary);
-        if (!file) return Status::Error(msg::kErrorReadingFile);
+        if (!file) return Status::Error(msg::kErrorReadingFile, name + ": cannot be opened");
         bytes.resize(kOptionFileSize);
         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(file.gcount()));
     }
+    const Status status = ReadOptionBytes(options, bytes);
+    return status.ok() ? status : Status::Error(status.message(), name + ": " + status.detail());
+}
+
+Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {
     BinaryReader in(bytes);
     const std::vector<OptionField> fields = OptionFileFields(options);
     for (std::size_t k = 0; k < fields.size(); ++k) {
@@ -67,7 +74,8 @@ Status ReadOptionFile(FitOptions& options, const std::string& path) {
         if (in.Remaining() < FieldSize(f.value)) {
             // A file that ends after the level blocks keeps the previous GLSum.
             if (k + 1 == fields.size()) break;
-            return Status::Error(msg::kErrorReadingFile);
+            return Status::Error(msg::kErrorReadingFile, std::to_string(bytes.size()) +
+                                                             " bytes: the file ends inside " + f.name);
         }
         if (auto* p = std::get_if<float*>(&f.value)) {
             **p = in.F32();

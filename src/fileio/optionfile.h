@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -30,6 +31,9 @@ std::vector<OptionField> OptionFileFields(FitOptions& options);
 /// GLSum alone is accepted (GLSum keeps its value); ending earlier gives "Error in
 /// reading file" with the fields read so far kept.
 Status ReadOptionFile(FitOptions& options, const std::string& path);
+
+/// The same on the first 206 bytes of an option file (more are not looked at).
+Status ReadOptionBytes(FitOptions& options, std::string_view bytes);
 
 /// Writes the 206-byte option file; the previous file survives a failure
 /// ("Error in writing file").

@@ -1,32 +1,32 @@
 #include "fileio/phi.h"
 
+#include <optional>
+#include <string>
 #include <vector>
 
-#include "base/binstream.h"
-#include "fileio/files.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
 #include "base/numtext.h"
 #include "base/messages.h"
-#include "spectral/regionedit.h"
 
 namespace molvera {
 
 namespace {
 
-// One region; `description` receives "A B".
-bool ReadRegion(ItemReader& reader, ImportedSpectrum& s, std::string& description) {
+// One region; `description` receives "A B". Returns what was wrong, or nothing.
+std::optional<std::string> ReadRegion(ItemReader& reader, ImportedSpectrum& s, std::string& description) {
     const auto a = reader.Text();
     const auto b = reader.Text();
     const auto caption = reader.Text();
-    if (!a || !b || !caption) return false;
+    if (!a || !b || !caption) return reader.Where() + ": the region header ends early";
     const auto unused = reader.Number();
     const auto start = reader.Number();
     const auto step = reader.Number();
     const auto countValue = reader.Number();
-    if (!unused || !start || !step || !countValue) return false;
+    if (!unused || !start || !step || !countValue)
+        return reader.Where() + ": the start energy, step and point count were expected";
     const auto count = ToInt16(*countValue);
-    if (!count || *count <= 0) return false;
+    if (!count || *count <= 0) return reader.Where() + ": the point count is not a count";
     description = *a + " " + *b;
     s.caption = *caption;
     s.overflow = *count > kMaxPoints;
@@ -34,49 +34,45 @@ bool ReadRegion(ItemReader& reader, ImportedSpectrum& s, std::string& descriptio
     const double delta = *step;
     for (int i = 0; i < *count; ++i) {
         const auto intensity = reader.Number();
-        if (!intensity) return false;
+        if (!intensity)
+            return reader.Where() + ": intensity " + std::to_string(i + 1) + " of " +
+                   std::to_string(*count) + " is not a number";
         if (i < kMaxPoints) {
             s.energy.push_back(static_cast<float>(first + i * delta));
             s.intensity.push_back(static_cast<float>(*intensity));
         }
     }
     // The closing integer; a file that simply ends after the values is accepted.
-    if (!reader.AtEnd() && !reader.Number()) return false;
-    return true;
+    if (!reader.AtEnd() && !reader.Number()) return reader.Where() + ": the closing number was expected";
+    return std::nullopt;
 }
 
 }  // namespace
 
-Status ReadPhi(Project& project, Host& host, const std::string& path) {
-    std::string text;
-    if (!ReadWholeFile(path, text, kMaxImportBytes)) return ImportFailure(host, msg::kErrorReadingFileImport);
+ImportedData ReadPhi(std::string_view text) {
+    ImportedData data;
     ItemReader reader(text);
     reader.SkipEmptyLines();
 
     // More than ten regions cannot be stored: reading stops after the tenth.
-    std::vector<ImportedSpectrum> spectra;
     std::string description;
-    bool failed = false;
-    while (!reader.AtEnd() && spectra.size() < static_cast<std::size_t>(kRegionCount)) {
+    while (!reader.AtEnd() && data.spectra.size() < static_cast<std::size_t>(kRegionCount)) {
         ImportedSpectrum s;
         std::string d;
-        if (!ReadRegion(reader, s, d)) {
-            failed = true;
+        if (const auto problem = ReadRegion(reader, s, d)) {
+            data.status = Status::Error(msg::kErrorReadingFileImport,
+                                        "region " + std::to_string(data.spectra.size() + 1) + ", " + *problem);
             break;
         }
         description = d;
-        spectra.push_back(std::move(s));
+        data.spectra.push_back(std::move(s));
         reader.SkipEmptyLines();
     }
-    if (spectra.empty()) return ImportFailure(host, msg::kErrorReadingFileImport);
-
-    project.Description = description;
-    host.SetDescriptionText(project.Description);
-    StoreRegions(project, host, spectra, SortRule::ReverseIfRising, true);
-    host.ShowRegionWindow();
-    RefreshMainWindow(project, host);
-    if (failed) return ImportFailure(host, msg::kErrorReadingFileImport);
-    return Status::Ok();
+    if (!data.spectra.empty())
+        data.description = description;
+    else if (data.status.ok())
+        data.status = Status::Error(msg::kErrorReadingFileImport, "the file holds no region");
+    return data;
 }
 
 }  // namespace molvera

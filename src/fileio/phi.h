@@ -1,16 +1,14 @@
 #pragma once
-// Phi text export (.asc): per region two description items, a caption, an unused
-// integer, start energy, step, point count, the intensities and an unused integer.
+// Phi text export: per region two description items, a caption, the start energy, the
+// step and the point count, then the intensities.
 
-#include <string>
+#include <string_view>
 
-#include "model/host.h"
-#include "model/records.h"
-#include "base/status.h"
+#include "fileio/importstore.h"
 
 namespace molvera {
 
-/// Reads every region of a Phi export into slots from CurrentRegion upward.
-Status ReadPhi(Project& project, Host& host, const std::string& path);
+/// Every region of a Phi export (at most ten are read).
+ImportedData ReadPhi(std::string_view text);
 
 }  // namespace molvera

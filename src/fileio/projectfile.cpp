@@ -1,6 +1,7 @@
 #include "fileio/projectfile.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
 #include "base/binstream.h"
@@ -164,11 +165,6 @@ bool ReadDescription(BinaryReader& in, std::string& text) {
     }
 }
 
-Status Fail(Host& host, const char* message) {
-    host.Message(message);
-    return Status::Error(message);
-}
-
 }  // namespace
 
 Status SaveProject(Project& project, const std::string& path) {
@@ -182,14 +178,7 @@ Status SaveProject(Project& project, const std::string& path) {
     return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
 }
 
-Status LoadProject(Project& project, Host& host, const std::string& path) {
-    std::string bytes;
-    if (!ReadWholeFile(path, bytes, kMaxProjectFileBytes)) return Fail(host, msg::kErrorReadingFile);
-
-    for (int i = 0; i < kRegionCount * kMaxPeaksPerRegion; ++i) host.SetPeakButton(i, "", false);
-    for (int k = 0; k < kRegionCount; ++k) host.SetRegionChiText(k, "");
-    ClearProject(project, host);
-
+Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead) {
     BinaryReader in(bytes);
     try {
         const Layout layout = ReadHeader(in);
@@ -197,22 +186,38 @@ Status LoadProject(Project& project, Host& host, const std::string& path) {
         ReadPeakTable(in, project, layout);
         ReadTail(in, project, layout);
         CheckPeakLists(project);
-    } catch (const ReadError&) {
-        return Fail(host, msg::kErrorReadingFile);
+    } catch (const ReadError& e) {
+        return Status::Error(msg::kErrorReadingFile, "byte " + std::to_string(in.Position()) + ": " + e.what());
     } catch (const WrongFormat&) {
-        return Fail(host, msg::kWrongFileFormat);
+        return Status::Error(msg::kWrongFileFormat, "no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
     }
-
     std::string description;
-    if (ReadDescription(in, description)) {
-        project.Description = description;
-        host.SetDescriptionText(description);
-    }
+    const bool read = ReadDescription(in, description);
+    if (read) project.Description = description;
+    if (descriptionRead) *descriptionRead = read;
+    return Status::Ok();
+}
+
+Status LoadProject(Project& project, Host& host, const std::string& path) {
+    std::string bytes;
+    std::string why;
+    const std::string name = std::filesystem::path(path).filename().string();
+    if (!ReadWholeFile(path, bytes, kMaxProjectFileBytes, &why))
+        return Status::Error(msg::kErrorReadingFile, name + ": " + why);
+    const Status loaded = LoadProjectBytes(project, host, bytes);
+    return loaded.ok() ? loaded : Status::Error(loaded.message(), name + ": " + loaded.detail());
+}
+
+Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes) {
+    ClearProject(project, host);
+    bool descriptionRead = false;
+    if (Status read = ReadProjectBytes(bytes, project, &descriptionRead); !read) return read;
+    if (descriptionRead) host.DescriptionChanged(project.Description);
 
     RecomputeAllRegions(project, host);
     RefreshMainWindow(project, host);
-    host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
-    host.ShowRegionWindow();
+    host.TotalChiSquareChanged(project.TotalChiSquare);
+    host.RegionInView();
     return Status::Ok();
 }
 

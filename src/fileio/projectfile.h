@@ -2,6 +2,7 @@
 // The project file (.xps): version 4.0 written; 4.0, 3.0 and the older "SF" layout read.
 
 #include <string>
+#include <string_view>
 
 #include "model/host.h"
 #include "model/records.h"
@@ -14,9 +15,18 @@ namespace molvera {
 /// ("Error in writing file").
 Status SaveProject(Project& project, const std::string& path);
 
-/// Loads a project file into `project`, then recomputes every region and brings the
-/// main window and the region window up to date. Failures ("Wrong file format",
-/// "Error in reading file") are shown through `host` and returned.
+/// Reads the records of a project file into `project` (emptied by the caller): the
+/// regions and peak slots the file holds, the tail, and the description when the file
+/// has one (`descriptionRead`). Refuses with "Wrong file format" or "Error in reading
+/// file" and a detail (the byte where reading stopped); the records read until then stay.
+Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead = nullptr);
+
+/// Open XPS: empties the project, reads the file into it, recomputes every region with a
+/// background and peaks, and reports the whole project. Returns the refusal ("Wrong file
+/// format", "Error in reading file") for the caller to show.
 Status LoadProject(Project& project, Host& host, const std::string& path);
+
+/// The same on the bytes of a project file.
+Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes);
 
 }  // namespace molvera

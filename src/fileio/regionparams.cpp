@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string_view>
@@ -100,13 +101,12 @@ int AvailablePeakSlots(const Project& project) {
 }
 
 // Places one loaded peak in the lowest free slot as the region's k-th peak.
-void PlacePeak(Project& project, Host& host, int k, LoadedPeak& loaded) {
+void PlacePeak(Project& project, int k, LoadedPeak& loaded) {
     const int r = project.CurrentRegion;
     Region& region = project.Regions[r];
     const int s = FirstFreePeakSlot(project);
     region.PeakIndex[k] = static_cast<Int16>(s);
     project.CurrentPeak = static_cast<Int16>(s);
-    host.SetPeakButton(PeakButtonIndex(r, k), std::to_string(s), true);
     ResizePeakCurve(project, s, region.RangeCount);
     project.Peaks[s] = std::move(loaded.peak);
     PeakConstraint& c = project.Constraints[s];
@@ -146,25 +146,41 @@ Status SaveRegionParameters(const Project& project, const std::string& path) {
 
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path) {
     std::string bytes;
-    if (!ReadWholeFile(path, bytes, kMaxFileBytes)) return Status::Error(msg::kErrorReadingFile);
+    std::string why;
+    const std::string name = std::filesystem::path(path).filename().string();
+    if (!ReadWholeFile(path, bytes, kMaxFileBytes, &why))
+        return Status::Error(msg::kErrorReadingFile, name + ": " + why);
+    const Status status = ApplyRegionParameterBytes(project, host, bytes);
+    return status.ok() || status.detail().empty() ? status
+                                                  : Status::Error(status.message(), name + ": " + status.detail());
+}
+
+Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view bytes) {
 
     // The whole file is read before the region is touched, so that a damaged file
     // leaves the region as it was. Only as many peaks are read as can be placed.
     RegionSettings settings;
     std::vector<LoadedPeak> peaks;
     const int available = AvailablePeakSlots(project);
+    BinaryReader in(bytes);
     try {
-        BinaryReader in(bytes);
         const bool older = bytes.size() < kHeaderLength ||
                            std::memcmp(bytes.data(), kRegionParamsHeader, kHeaderLength) != 0;
         if (!older) in.Seek(kHeaderLength);
         settings = ReadSettings(in, older);
         const Region& region = project.Current();
-        if (!IsSet(region.HasData) || settings.RangeCount > region.PointCount)
-            return Status::Error(msg::kIncompatibleRegion);
+        if (!IsSet(region.HasData))
+            return Status::Error(msg::kIncompatibleRegion, "the region holds no data");
+        if (settings.RangeCount > region.PointCount)
+            return Status::Error(msg::kIncompatibleRegion,
+                                 "a range of " + std::to_string(settings.RangeCount) +
+                                     " points, the region has " + std::to_string(region.PointCount));
         if (!(settings.BackgroundHighBE <= region.MaxBE) ||
             !(settings.BackgroundLowBE >= region.MinBE))
-            return Status::Error(msg::kBindingEnergyOutOfRange);
+            return Status::Error(msg::kBindingEnergyOutOfRange,
+                                 "the background range " + FormatGeneral(settings.BackgroundLowBE) + " .. " +
+                                     FormatGeneral(settings.BackgroundHighBE) + " eV lies outside the data's " +
+                                     FormatGeneral(region.MinBE) + " .. " + FormatGeneral(region.MaxBE) + " eV");
         const int toRead = settings.PeakCount < available ? settings.PeakCount : available;
         peaks.resize(static_cast<std::size_t>(toRead));
         for (int k = 0; k < toRead; ++k) {
@@ -172,8 +188,8 @@ Status LoadRegionParameters(Project& project, Host& host, const std::string& pat
             ReadPeak(in, loaded.peak, older);
             ReadPeakConstraint(in, loaded.constraint);
         }
-    } catch (const ReadError&) {
-        return Status::Error(msg::kErrorReadingFile);
+    } catch (const ReadError& e) {
+        return Status::Error(msg::kErrorReadingFile, "byte " + std::to_string(in.Position()) + ": " + e.what());
     }
 
     ClearRegionParameters(project, host);
@@ -184,16 +200,17 @@ Status LoadRegionParameters(Project& project, Host& host, const std::string& pat
     region.BackgroundHighBE = settings.BackgroundHighBE;
     region.BackgroundLowBE = settings.BackgroundLowBE;
     region.PeakCount = 0;
-    for (std::size_t k = 0; k < peaks.size(); ++k)
-        PlacePeak(project, host, static_cast<int>(k), peaks[k]);
+    for (std::size_t k = 0; k < peaks.size(); ++k) PlacePeak(project, static_cast<int>(k), peaks[k]);
+    if (!peaks.empty()) host.PeakListChanged(project.CurrentRegion, PeakList(region), true);
 
     Status status = Status::Ok();
     if (static_cast<int>(peaks.size()) < settings.PeakCount) {
         host.Beep();
-        status = Status::Error(msg::kTooManyPeaks);
+        status = Status::Error(msg::kTooManyPeaks, "the file holds " + std::to_string(settings.PeakCount) +
+                                                       " peaks, " + std::to_string(peaks.size()) + " slots are free");
     }
     RecomputeRegion(project, host);
-    host.RedrawRegion();
+    host.CurvesChanged();
     return status;
 }
 

@@ -3,6 +3,7 @@
 // without its data.
 
 #include <string>
+#include <string_view>
 
 #include "model/host.h"
 #include "model/records.h"
@@ -22,5 +23,8 @@ Status SaveRegionParameters(const Project& project, const std::string& path);
 /// file", "Incompatible region" and "Binding energy out-of-range" (region unchanged),
 /// "Too many peaks" (after a beep; the peaks placed stay). The caller shows the message.
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path);
+
+/// The same on the bytes of a region parameter file.
+Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view bytes);
 
 }  // namespace molvera

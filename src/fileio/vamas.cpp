@@ -6,25 +6,29 @@
 #include <vector>
 
 #include "base/binstream.h"
-#include "fileio/files.h"
 #include "fileio/importstore.h"
 #include "base/numtext.h"
 #include "base/messages.h"
-#include "spectral/regionedit.h"
 
 namespace molvera {
 
 namespace {
 
-// Lines of the file without their line ends; throws ReadError at the end.
+// Lines of the file without their line ends; a line that is not what it should be throws
+// ReadError naming the line.
 class Lines {
 public:
     explicit Lines(std::string_view text) : text_(text) {}
 
     bool AtEnd() const { return pos_ >= text_.size(); }
 
+    [[noreturn]] void Fail(const std::string& what) const {
+        throw ReadError("line " + std::to_string(line_) + ": " + what);
+    }
+
     std::string_view Next() {
-        if (AtEnd()) throw ReadError("file ends early");
+        if (AtEnd()) throw ReadError("the file ends after line " + std::to_string(line_));
+        ++line_;
         std::size_t end = text_.find_first_of("\r\n", pos_);
         if (end == std::string_view::npos) end = text_.size();
         const std::string_view line = text_.substr(pos_, end - pos_);
@@ -50,7 +54,7 @@ public:
 
     double Real() {
         const std::string_view line = Next();
-        if (LeadingNumberLength(line) == 0) throw ReadError("number expected");
+        if (LeadingNumberLength(line) == 0) Fail("a number was expected");
         return LeadingNumber(line);
     }
 
@@ -60,13 +64,14 @@ public:
         const double v = Real();
         if (!(v >= 0) || v > static_cast<double>(text_.size() - std::min(pos_, text_.size())) + 1 ||
             v != static_cast<double>(static_cast<std::int64_t>(v)))
-            throw ReadError("bad count");
+            Fail("a count was expected");
         return static_cast<std::int64_t>(v);
     }
 
 private:
     std::string_view text_;
     std::size_t pos_ = 0;
+    int line_ = 0;  // lines read so far
 };
 
 // A text field; some writers end texts with a NUL byte, which ends the text here.
@@ -128,7 +133,7 @@ Header ReadHeader(Lines& lines) {
         // Later blocks then omit parameters; only the first block can be read.
         h.inclusionList = true;
         const double n = inclusion < 0 ? -inclusion : inclusion;
-        if (n > 1000) throw ReadError("bad inclusion list");
+        if (n > 1000) lines.Fail("the parameter inclusion list is too long");
         lines.Skip(static_cast<std::int64_t>(n));
     }
     lines.Skip(lines.Count());  // manually entered items
@@ -235,57 +240,51 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
 
 }  // namespace
 
-Status ReadVamas(Project& project, Host& host, const std::string& path) {
-    std::string text;
-    if (!ReadWholeFile(path, text, kMaxImportBytes)) return ImportFailure(host, msg::kErrorReadingFileImport);
+ImportedData ReadVamas(std::string_view text) {
+    ImportedData data;
     Lines lines(text);
 
     // The identification is the first line that is not blank.
     std::string first;
     while (!lines.AtEnd() && first.empty()) first = lines.Word();
-    if (first.find("VAMAS") == std::string::npos) return ImportFailure(host, msg::kNotVamas);
+    if (first.find("VAMAS") == std::string::npos) {
+        data.status = Status::Error(msg::kNotVamas, "the first line does not name VAMAS");
+        return data;
+    }
 
-    std::vector<ImportedSpectrum> spectra;  // at most 11: the eleventh only ends the import
-    std::string description;
-    bool failed = false;
-    bool firstIsAes = false;
+    // At most 11 spectra: the eleventh only ends the import.
+    constexpr std::size_t kKept = kRegionCount + 1;
     bool haveFirst = false;
+    std::string failure;
     try {
         const Header header = ReadHeader(lines);
         const std::int64_t blocks = header.inclusionList ? std::min<std::int64_t>(header.blocks, 1) : header.blocks;
         for (std::int64_t k = 0; k < blocks; ++k) {
-            Block b = ReadBlock(lines, header, spectra.size() <= static_cast<std::size_t>(kRegionCount));
+            Block b = ReadBlock(lines, header, data.spectra.size() < kKept);
             if (k == 0) {
                 haveFirst = true;
-                description = b.sample;
-                firstIsAes = b.aes;
-                if (firstIsAes) break;
+                data.description = b.sample;
+                if (b.aes) {
+                    data.clearsOnRefusal = true;
+                    data.status = Status::Error(msg::kNotXps, "the first block is AES");
+                    return data;
+                }
             }
-            if (b.usable && spectra.size() <= static_cast<std::size_t>(kRegionCount))
-                spectra.push_back(std::move(b.spectrum));
+            if (b.usable && data.spectra.size() < kKept) data.spectra.push_back(std::move(b.spectrum));
         }
-        if (header.inclusionList && header.blocks > 1) failed = true;
-    } catch (const ReadError&) {
-        failed = true;
+        if (header.inclusionList && header.blocks > 1)
+            failure = "blocks after the first leave out parameters (inclusion list): only the first is read";
+    } catch (const ReadError& e) {
+        failure = e.what();
     }
 
-    if (firstIsAes) {
-        // The current region is cleared and the description taken before the
-        // technique is known.
-        if (IsSet(project.Current().HasData)) DeleteRegionData(project, host);
-        project.Description = description;
-        host.SetDescriptionText(description);
-        return ImportFailure(host, msg::kNotXps);
-    }
-    if (spectra.empty()) return ImportFailure(host, failed || !haveFirst ? msg::kErrorReadingFileImport : msg::kNotXps);
-
-    project.Description = description;
-    host.SetDescriptionText(description);
-    StoreRegions(project, host, spectra, SortRule::ReverseIfRising, false);
-    host.ShowRegionWindow();
-    RefreshMainWindow(project, host);
-    if (failed) return ImportFailure(host, msg::kErrorReadingFileImport);
-    return Status::Ok();
+    if (!failure.empty())
+        data.status = Status::Error(msg::kErrorReadingFileImport, failure);
+    else if (data.spectra.empty())
+        data.status = haveFirst ? Status::Error(msg::kNotXps, "no block holds an XPS spectrum")
+                                : Status::Error(msg::kErrorReadingFileImport, "the file holds no block");
+    if (data.spectra.empty()) data.description.reset();
+    return data;
 }
 
 }  // namespace molvera

@@ -88,11 +88,11 @@ void SearchRegion(Project& project, Host& host) {
             }
             old = project.TotalChiSquare;
         }
-        host.ShowRegionWindow();
+        host.RegionInView();
         host.Yield();
         if (project.StopRequested) break;
     }
-    host.ShowRegionWindow();
+    host.RegionInView();
 }
 
 void NewtonRegion(Project& project, Host& host) {
@@ -104,23 +104,23 @@ void NewtonRegion(Project& project, Host& host) {
             if (!NewtonPeakParameters(project, host, p)) break;
         }
         if (project.StopRequested) break;
-        host.ShowRegionWindow();
+        host.RegionInView();
         host.Yield();
     }
-    host.ShowRegionWindow();
+    host.RegionInView();
 }
 
 }  // namespace
 
 void BeginFit(Project& project, Host& host) {
     project.StopRequested = false;
-    host.BeginFit();
+    host.FitStarted();
     host.Yield();
 }
 
 void EndFit(Project& project, Host& host) {
     project.StopRequested = false;
-    host.EndFit();
+    host.FitEnded();
 }
 
 void OptimiseRegion(Project& project, Host& host) {
@@ -147,29 +147,13 @@ void OptimiseAllRegions(Project& project, Host& host) {
                                           : NewtonPeakParameters(project, host, p);
                 if (!going) break;
             }
-            host.ShowRegionWindow();
+            host.RegionInView();
             host.Yield();
             if (project.StopRequested) break;
         }
     }
     project.CurrentRegion = remembered;
-    host.ShowRegionWindow();
-}
-
-void OptimiseRegionCommand(Project& project, Host& host) {
-    const Region& region = project.Current();
-    if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return;
-    host.HidePeakEditor();
-    BeginFit(project, host);
-    OptimiseRegion(project, host);
-    EndFit(project, host);
-}
-
-void OptimiseAllCommand(Project& project, Host& host) {
-    BeginFit(project, host);
-    host.HidePeakEditor();
-    OptimiseAllRegions(project, host);
-    EndFit(project, host);
+    host.RegionInView();
 }
 
 void OptimisePeakParameter(Project& project, Host& host, int p, Group g) {

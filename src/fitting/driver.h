@@ -6,9 +6,9 @@
 
 namespace molvera {
 
-/// StopRequested cleared, the fitting window shown and the others disabled, one yield.
+/// StopRequested cleared, the fit reported as started, one yield.
 void BeginFit(Project& project, Host& host);
-/// StopRequested cleared, the fitting window hidden and the others enabled.
+/// StopRequested cleared, the fit reported as ended.
 void EndFit(Project& project, Host& host);
 /// True when the running fit has been asked to end (Stop Fitting or convergence).
 inline bool StopRequested(const Project& project) { return project.StopRequested; }
@@ -17,12 +17,6 @@ inline bool StopRequested(const Project& project) { return project.StopRequested
 void OptimiseRegion(Project& project, Host& host);
 /// Fits the peaks of every region with data and a background; CurrentRegion is restored.
 void OptimiseAllRegions(Project& project, Host& host);
-
-/// Region window "Optimise Region": nothing unless the region has data and a
-/// background; hides the peak editor and runs OptimiseRegion between BeginFit and EndFit.
-void OptimiseRegionCommand(Project& project, Host& host);
-/// Main window "Optimise All": OptimiseAllRegions between BeginFit and EndFit.
-void OptimiseAllCommand(Project& project, Host& host);
 
 /// Peak editor Optimise buttons: Newton's method when Method is exactly 1, otherwise the
 /// Search method; %GL is always searched. Runs between BeginFit and EndFit.

@@ -93,7 +93,7 @@ void NewtonPeakParameter(Project& project, Host& host, int p,
             bool improved = false;
             step(project, host, p, delta, improved);
             if (!improved) break;
-            host.ShowRegionWindow();
+            host.RegionInView();
             host.Yield();
             if (project.StopRequested) return;
         }
@@ -166,7 +166,7 @@ void NewtonPeak(Project& project, Host& host, int p) {
             host.Yield();
             if (project.StopRequested) return;
         }
-        host.ShowRegionWindow();
+        host.RegionInView();
         if (project.StopRequested) return;
     }
 }

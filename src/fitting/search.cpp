@@ -69,16 +69,16 @@ void FinishSearch(Project& project, Host& host, ScoreMode mode, Group g, int p, 
     }
     if (mode == ScoreMode::Alone) {
         RebuildRegionSums(project, p);
-        host.ShowRegionWindow();
+        host.RegionInView();
         Region& region = project.Current();
-        host.SetRegionChiText(project.CurrentRegion, FormatGeneral(bestScore));
         project.TotalChiSquare = static_cast<float>(
             static_cast<double>(project.TotalChiSquare) - region.ChiSquare + bestScore);
-        host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
         region.ChiSquare = bestScore;
+        host.ChiSquareChanged(project.CurrentRegion, bestScore);
+        host.TotalChiSquareChanged(project.TotalChiSquare);
     } else {
         SettleProject(project, host, mode, g, p);
-        host.ShowRegionWindow();
+        host.RegionInView();
     }
     host.Yield();
 }

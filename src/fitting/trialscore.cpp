@@ -36,7 +36,7 @@ float ScoreTrial(Project& project, Host& host, ScoreMode mode, Group g, int p) {
         case ScoreMode::AllRegions: break;
     }
     Propagate(project, g, p);
-    RecomputeAllRegionsSilent(project);
+    RecomputeRegionsWithBackground(project, QuietHost());
     return project.TotalChiSquare;
 }
 
@@ -50,7 +50,7 @@ void SettleProject(Project& project, Host& host, ScoreMode mode, Group g, int p)
         case ScoreMode::AllRegions: break;
     }
     Propagate(project, g, p);
-    RecomputeAllRegionsShown(project, host);
+    RecomputeRegionsWithBackground(project, host);
 }
 
 }  // namespace molvera

@@ -19,12 +19,12 @@ float& ParameterField(Peak& peak, Group g);
 
 /// Score of the value now in peak p: Alone TrialChiSquare; Region propagate and
 /// ComputeRegionEnvelope, region ChiSquare; AllRegions propagate and
-/// RecomputeAllRegionsSilent, TotalChiSquare.
+/// RecomputeRegionsWithBackground (quietly), TotalChiSquare.
 float ScoreTrial(Project& project, Host& host, ScoreMode mode, Group g, int p);
 
 /// Brings every curve and chi-square up to date with the value now in peak p:
 /// Alone ComputeRegionEnvelope; Region propagate and ComputeRegionEnvelope;
-/// AllRegions propagate and RecomputeAllRegionsShown.
+/// AllRegions propagate and RecomputeRegionsWithBackground.
 void SettleProject(Project& project, Host& host, ScoreMode mode, Group g, int p);
 
 /// True for a peak slot number 0..50.

@@ -1,8 +1,11 @@
 #pragma once
-// Where the core reaches the user: message boxes, the beep, the main window's
-// boxes and buttons, redraws and yielding during long computations. The GUI,
-// the CLI and the tests each implement it; every method has a quiet default.
+// Where the core meets whoever shows the project (the windows, the CLI, a test): the core
+// reports what changed and asks only what it must ask. It never formats a text for a window
+// and never shows a message: operations that fail return a Status, and their callers show it.
+// Every method has a quiet default.
 
+#include <cstdint>
+#include <span>
 #include <string>
 
 namespace molvera {
@@ -11,56 +14,52 @@ class Host {
 public:
     virtual ~Host() = default;
 
-    /// A modal message box with one fixed text and an OK button.
-    virtual void Message(const std::string& text) { (void)text; }
+    // What the core asks.
+
     /// A Yes/No question; true for Yes.
     virtual bool AskYesNo(const std::string& title, const std::string& text) {
         (void)title;
         (void)text;
         return false;
     }
-    /// The system beep.
+    /// The system beep: an entry refused without a message.
     virtual void Beep() {}
-
-    /// Text of the chi-square box `chi`(region) of the main window.
-    virtual void SetRegionChiText(int region, const std::string& text) {
-        (void)region;
-        (void)text;
-    }
-    /// Text of the total chi-square label `SumCS`.
-    virtual void SetTotalChiText(const std::string& text) { (void)text; }
-    /// Caption and enabled state of main-window peak button `pp`(index), index 0..99.
-    virtual void SetPeakButton(int index, const std::string& caption, bool enabled) {
-        (void)index;
-        (void)caption;
-        (void)enabled;
-    }
-    /// The main window's description box.
-    virtual void SetDescriptionText(const std::string& text) { (void)text; }
-
-    /// Redraw the current region: data, and its fit when it has a background.
-    virtual void RedrawRegion() {}
-    /// Show the region window on the current region (title, data, fit), then yield.
-    virtual void ShowRegionWindow() {}
-    /// Recolour the region buttons of the main window.
-    virtual void RecolourRegionButtons() {}
-    /// Hide the peak editor.
-    virtual void HidePeakEditor() {}
-    /// Hide the peak editor, the background dialog and the constraint dialog.
-    virtual void HideRegionDialogs() {}
-
-    /// Let pending interface events run (repaint, the Stop button).
+    /// Lets pending interface events run during a long computation; Stop Fitting sets the
+    /// project's StopRequested meanwhile.
     virtual void Yield() {}
 
-    /// A fit starts: show the fitting window, disable the other windows.
-    virtual void BeginFit() {}
-    /// A fit has ended: hide the fitting window, enable the other windows.
-    virtual void EndFit() {}
+    // What the core reports.
 
-    /// Busy state: hourglass pointer, every window of the program disabled.
-    virtual void BeginBusy() {}
-    /// Busy state over: arrow pointer, the windows enabled again.
-    virtual void EndBusy() {}
+    /// The chi-square of `region` now is `value`.
+    virtual void ChiSquareChanged(int region, float value) {
+        (void)region;
+        (void)value;
+    }
+    /// The total chi-square of the project now is `value`.
+    virtual void TotalChiSquareChanged(float value) { (void)value; }
+    /// `region` now lists the peak slots `peaks`; `editable`: whether they take input now.
+    virtual void PeakListChanged(int region, std::span<const std::int16_t> peaks, bool editable) {
+        (void)region;
+        (void)peaks;
+        (void)editable;
+    }
+    /// The project was emptied: no region shows a chi-square or a peak.
+    virtual void ProjectCleared() {}
+    /// The project's description now is `latin1`.
+    virtual void DescriptionChanged(const std::string& latin1) { (void)latin1; }
+    /// The curves of the current region (data, background, peaks, envelope) changed.
+    virtual void CurvesChanged() {}
+    /// The current region is the one being worked on: it is brought into view and drawn.
+    virtual void RegionInView() {}
+    /// Which regions hold data, or which one is current, changed.
+    virtual void RegionListChanged() {}
+    /// Peak `slot` was deleted.
+    virtual void PeakDeleted(int slot) { (void)slot; }
+    /// The current region's data were deleted.
+    virtual void RegionDataDeleted() {}
+    /// A fit starts (the other windows take no input until it ends), or has ended.
+    virtual void FitStarted() {}
+    virtual void FitEnded() {}
 };
 
 /// A host that does nothing: for computations nobody watches.

@@ -24,6 +24,11 @@ const ParameterConstraint& PeakConstraint::operator[](Group g) const {
     return const_cast<PeakConstraint&>(*this)[g];
 }
 
+std::span<const Int16> PeakList(const Region& region) {
+    const auto count = static_cast<std::size_t>(std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion));
+    return std::span<const Int16>(region.PeakIndex.data(), count);
+}
+
 Host& QuietHost() {
     static Host quiet;
     return quiet;
@@ -75,7 +80,7 @@ void ClearProject(Project& project, Host& host) {
         r.Shift = 0;
     }
     for (int slot = 0; slot < kPeakSlots; ++slot) ClearPeakSlot(project, slot);
-    for (int i = 0; i < kRegionCount * kMaxPeaksPerRegion; ++i) host.SetPeakButton(i, "", false);
+    host.ProjectCleared();
 }
 
 void ResizeRegionArrays(Region& region, int n) {

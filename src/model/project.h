@@ -7,7 +7,7 @@
 namespace molvera {
 
 /// Resets the project to its start-up state (regions emptied, peak slots and
-/// constraints cleared); disables every peak button of the main window.
+/// constraints cleared).
 void ClearProject(Project& project, Host& host);
 
 /// Resets one peak slot and its constraint record to the cleared values;

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -148,6 +149,9 @@ struct Project {
     Region& Current() { return Regions[CurrentRegion]; }
     const Region& Current() const { return Regions[CurrentRegion]; }
 };
+
+/// The peak slots a region lists: PeakIndex[0 .. PeakCount - 1], the count kept in 0..10.
+std::span<const Int16> PeakList(const Region& region);
 
 /// True for any non-zero flag value.
 inline bool IsSet(Flag f) { return f != 0; }

@@ -161,7 +161,7 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     RecomputeRegion(project, host);
     form.Area = FormatGeneral(static_cast<float>(NetArea(region)));
     region.HasBackground = kTrue;
-    host.ShowRegionWindow();
+    host.RegionInView();
     project.KeepAreas = kFalse;
     return true;
 }

@@ -22,19 +22,19 @@ bool TrySlope(Region& region, Host& host, BackgroundForm& form, float s) {
     region.BackgroundParameter = s;
     form.ShirleySlope = FormatGeneral(s);
     ComputeShirley(region);
-    host.RedrawRegion();
+    host.CurvesChanged();
     host.Yield();
     return BackgroundCrosses(region);
 }
 
 }  // namespace
 
-void BeginBusy(Project& project, Host& host) {
+void BeginBusy(Project& project, SessionHost& host) {
     project.Idle = kFalse;
     host.BeginBusy();
 }
 
-void EndBusy(Project& project, Host& host) {
+void EndBusy(Project& project, SessionHost& host) {
     project.Idle = kTrue;
     host.EndBusy();
 }
@@ -74,7 +74,7 @@ void OptimiseShirleySlope(Project& project, Host& host, BackgroundForm& form) {
             b = c;
         }
     }
-    host.RedrawRegion();
+    host.CurvesChanged();
 }
 
 void OptimiseTougaardB1(Project& project, Host& host, BackgroundForm& form) {
@@ -106,14 +106,14 @@ void RefineTougaardB1(Project& project, Host& host, BackgroundForm& form) {
     form.TouB1 = FormatGeneral(best);
     region.BackgroundParameter = best;
     ComputeTougaard(region);
-    host.RedrawRegion();
+    host.CurvesChanged();
 }
 
-void ShirleyOptimiseClick(Project& project, Host& host, BackgroundForm& form) {
+void ShirleyOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form) {
     OptimiseShirleySlope(project, host, form);
 }
 
-void TougaardOptimiseClick(Project& project, Host& host, BackgroundForm& form) {
+void TougaardOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form) {
     BeginBusy(project, host);
     if (form.BG != "Tougaard") {
         host.Beep();
@@ -137,7 +137,7 @@ void TougaardOptimiseClick(Project& project, Host& host, BackgroundForm& form) {
 
     RecomputeRegion(project, host);
     form.Area = FormatGeneral(static_cast<float>(NetArea(region)));
-    host.ShowRegionWindow();
+    host.RegionInView();
     EndBusy(project, host);
 }
 

@@ -5,13 +5,14 @@
 #include "model/host.h"
 #include "model/records.h"
 #include "session/backgroundform.h"
+#include "session/sessionhost.h"
 
 namespace molvera {
 
 /// Busy state: Idle cleared, hourglass, the program's windows disabled.
-void BeginBusy(Project& project, Host& host);
+void BeginBusy(Project& project, SessionHost& host);
 /// Busy state over: Idle set to -1, arrow, the windows enabled.
-void EndBusy(Project& project, Host& host);
+void EndBusy(Project& project, SessionHost& host);
 
 /// Smallest Shirley slope whose background stays below the 9-point smoothed data:
 /// doubling from the ShirleySlope box (0 starts at 1), then 21 bisections; every
@@ -33,10 +34,10 @@ void OptimiseTougaardB1(Project& project, Host& host, BackgroundForm& form);
 void RefineTougaardB1(Project& project, Host& host, BackgroundForm& form);
 
 /// The "Optimise" button under "Shirley+Linear (0 for Shir.)".
-void ShirleyOptimiseClick(Project& project, Host& host, BackgroundForm& form);
+void ShirleyOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form);
 
 /// The "Optimise" button under "For Tougaard only" (Toug_Opt): checks and stores the
 /// range as Accept does, recomputes, searches B1 and recomputes again, all while busy.
-void TougaardOptimiseClick(Project& project, Host& host, BackgroundForm& form);
+void TougaardOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form);
 
 }  // namespace molvera

@@ -19,23 +19,16 @@ Rgb RegionButtonRgb(RegionButtonColour colour) {
     return {0, 0, 0};
 }
 
-static void SetRegionPeakButtons(const Project& project, Host& host, int r, bool enabled) {
-    const Region& region = project.Regions[r];
-    for (int i = 0; i < region.PeakCount && i < kMaxPeaksPerRegion; ++i)
-        host.SetPeakButton(PeakButtonIndex(r, i), std::to_string(region.PeakIndex[i]), enabled);
-}
-
-void SelectRegion(Project& project, Host& host, int k) {
+void SelectRegion(Project& project, SessionHost& host, int k) {
     if (k < 0 || k >= kRegionCount) return;
     if (IsSet(project.Current().HasBackground))
-        SetRegionPeakButtons(project, host, project.CurrentRegion, false);
+        host.PeakListChanged(project.CurrentRegion, PeakList(project.Current()), false);
     project.CurrentRegion = static_cast<Int16>(k);
-    host.RecolourRegionButtons();
+    host.RegionListChanged();
     const Region& region = project.Current();
-    if (IsSet(region.HasData) && IsSet(region.HasBackground))
-        SetRegionPeakButtons(project, host, k, true);
+    if (IsSet(region.HasData) && IsSet(region.HasBackground)) host.PeakListChanged(k, PeakList(region), true);
     host.HideRegionDialogs();
-    host.ShowRegionWindow();
+    host.RegionInView();
 }
 
 std::string ProposeFileName(const std::string& lastFileName, const std::string& extension) {

@@ -7,6 +7,7 @@
 #include "model/host.h"
 #include "model/records.h"
 #include "plot/canvas.h"
+#include "session/sessionhost.h"
 
 namespace molvera {
 
@@ -22,7 +23,7 @@ Rgb RegionButtonRgb(RegionButtonColour colour);
 /// Region button `k` pressed: the old region's peak buttons are disabled, `k` becomes
 /// current, its peak buttons are enabled when it has data and a background, the
 /// region dialogs are hidden and the region window shown.
-void SelectRegion(Project& project, Host& host, int k);
+void SelectRegion(Project& project, SessionHost& host, int k);
 
 /// The name a save dialog proposes from the dialog's last file name: the file part up
 /// to and including its first "." followed by `extension`; a name without "." is

@@ -151,22 +151,9 @@ std::string ProposeOptionFileName(const std::string& lastFileName) {
     return lastFileName.substr(0, dot + 1) + "opa";
 }
 
-Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
-                          Host& host) {
+Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options) {
     Status st = ReadOptionFile(options, path);
-    if (!st) {
-        host.Message(st.message());
-        return st;
-    }
-    FillOptionsDialog(options, form);
-    return st;
-}
-
-Status SaveOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
-                          Host& host) {
-    if (Status applied = ApplyOptionsDialog(form, options); !applied) host.Message(applied.message());
-    Status st = WriteOptionFile(options, path);
-    if (!st) host.Message(st.message());
+    if (st) FillOptionsDialog(options, form);
     return st;
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "model/options.h"
-#include "model/host.h"
 #include "base/status.h"
 
 namespace molvera {
@@ -56,15 +55,9 @@ void GLProductClick(OptionsForm& form, FitOptions& options);
 /// last file name, then "opa"; a name without "." is proposed unchanged.
 std::string ProposeOptionFileName(const std::string& lastFileName);
 
-/// Load Parameters on a chosen path: reads the file, shows a failure through `host`,
-/// and refreshes and shows the dialog unless the read failed.
-Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
-                          Host& host);
-
-/// Save Parameters on a chosen path: applies the dialog (whose failure has shown its
-/// message and does not stop the save), then writes the file.
-Status SaveOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options,
-                          Host& host);
+/// Load Parameters on a chosen path: reads the file, and refreshes and shows the dialog
+/// unless the read failed; the caller shows a failure.
+Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions& options);
 
 /// Start-up: reads "default.opa" (or `path`) silently, fills the dialog and hides it.
 void LoadDefaultOptions(const std::string& path, OptionsForm& form, FitOptions& options);

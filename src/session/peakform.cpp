@@ -99,10 +99,7 @@ Int16 CheckValue(bool checked) {
     return checked ? 1 : 0;
 }
 
-void HideEditor(Host& host, PeakForm& form) {
-    form.visible = false;
-    host.HidePeakEditor();
-}
+void HideEditor(PeakForm& form) { form.visible = false; }
 
 // Accept and ReDraw share everything but hiding the editor.
 void ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
@@ -113,15 +110,15 @@ void ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
     FillPeakEditor(project, form, slot);
     project.AreaScale = form.AreaScale;
     if (IsSet(project.Current().HasBackground)) ComputeRegionEnvelope(project, host);
-    host.RedrawRegion();
+    host.CurvesChanged();
 }
 
 // Cancel and close: the peak as the editor found it.
-bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
+bool RestoreSavedPeak(Project& project, PeakForm& form) {
     const int slot = project.CurrentPeak;
     if (!ValidSlot(slot)) return false;
     project.Peaks[slot] = project.SavedPeaks[slot];
-    HideEditor(host, form);
+    HideEditor(form);
     return IsSet(project.Current().HasBackground);
 }
 
@@ -145,7 +142,7 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
     project.SavedPeaks[slot] = project.Peaks[slot];
     FillPeakEditor(project, form, slot);
     project.AreaScale = form.AreaScale;
-    host.RedrawRegion();
+    host.CurvesChanged();
     form.visible = true;
     return true;
 }
@@ -262,7 +259,7 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
 
 void PeakAccept(Project& project, Host& host, PeakForm& form) {
     ApplyAndRecompute(project, host, form);
-    HideEditor(host, form);
+    HideEditor(form);
 }
 
 void PeakReDraw(Project& project, Host& host, PeakForm& form) {
@@ -270,13 +267,13 @@ void PeakReDraw(Project& project, Host& host, PeakForm& form) {
 }
 
 void PeakCancel(Project& project, Host& host, PeakForm& form) {
-    if (RestoreSavedPeak(project, host, form)) ComputeRegionEnvelope(project, host);
-    host.RedrawRegion();
+    if (RestoreSavedPeak(project, form)) ComputeRegionEnvelope(project, host);
+    host.CurvesChanged();
 }
 
 void ClosePeakEditor(Project& project, Host& host, PeakForm& form) {
-    if (RestoreSavedPeak(project, host, form)) RecomputeRegionQuiet(project, host);
-    host.RedrawRegion();
+    if (RestoreSavedPeak(project, form)) ComputeRegionEnvelopeKeepingTotal(project, host);
+    host.CurvesChanged();
 }
 
 void PeakDelete(Project& project, Host& host, PeakForm& form) {

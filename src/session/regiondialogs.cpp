@@ -24,7 +24,7 @@ void AcceptRegionCaption(Project& project, Host& host, RegionCaptionForm& form) 
     Region& region = project.Current();
     region.Caption = Text20::From(form.Text);
     form.visible = false;
-    if (IsSet(region.HasData)) host.RedrawRegion();
+    if (IsSet(region.HasData)) host.CurvesChanged();
 }
 
 }  // namespace molvera

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/numtext.h"
 #include "spectral/lineshape.h"
 
 namespace molvera {
@@ -72,21 +71,6 @@ float EnvelopeChiSquare(Project& project, int r) {
     return chi;
 }
 
-/// Region r's curves and ChiSquare for every region with a background; the total
-/// as their sum, shown through `host`.
-void RecomputeAllWithBackground(Project& project, Host& host) {
-    float total = 0;
-    for (int r = 0; r < kRegionCount; ++r) {
-        Region& reg = project.Regions[r];
-        if (!IsSet(reg.HasBackground)) continue;
-        reg.ChiSquare = EnvelopeChiSquare(project, r);
-        host.SetRegionChiText(r, FormatGeneral(reg.ChiSquare));
-        StoreIfFinite(total, static_cast<double>(total) + reg.ChiSquare);
-    }
-    project.TotalChiSquare = total;
-    host.SetTotalChiText(FormatGeneral(total));
-}
-
 }  // namespace
 
 int UsableRangeCount(const Region& region) {
@@ -103,19 +87,19 @@ void ComputeRegionEnvelope(Project& project, Host& host) {
     if (!ValidRegion(r)) return;
     Region& reg = project.Regions[r];
     const float chi = EnvelopeChiSquare(project, r);
-    host.SetRegionChiText(r, FormatGeneral(chi));
     const double old = IsSet(reg.HasData) ? reg.ChiSquare : 0.0f;
     StoreIfFinite(project.TotalChiSquare, static_cast<double>(project.TotalChiSquare) - old + chi);
     reg.ChiSquare = chi;
-    host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
+    host.ChiSquareChanged(r, chi);
+    host.TotalChiSquareChanged(project.TotalChiSquare);
 }
 
-void RecomputeRegionQuiet(Project& project, Host& host) {
+void ComputeRegionEnvelopeKeepingTotal(Project& project, Host& host) {
     const int r = project.CurrentRegion;
     if (!ValidRegion(r)) return;
     Region& reg = project.Regions[r];
     reg.ChiSquare = EnvelopeChiSquare(project, r);
-    host.SetRegionChiText(r, FormatGeneral(reg.ChiSquare));
+    host.ChiSquareChanged(r, reg.ChiSquare);
 }
 
 void RecomputeAllRegions(Project& project, Host& host) {
@@ -130,12 +114,21 @@ void RecomputeAllRegions(Project& project, Host& host) {
     }
     project.CurrentRegion = saved;
     project.TotalChiSquare = total;
-    host.SetTotalChiText(FormatGeneral(total));
+    host.TotalChiSquareChanged(total);
 }
 
-void RecomputeAllRegionsShown(Project& project, Host& host) { RecomputeAllWithBackground(project, host); }
-
-void RecomputeAllRegionsSilent(Project& project) { RecomputeAllWithBackground(project, QuietHost()); }
+void RecomputeRegionsWithBackground(Project& project, Host& host) {
+    float total = 0;
+    for (int r = 0; r < kRegionCount; ++r) {
+        Region& reg = project.Regions[r];
+        if (!IsSet(reg.HasBackground)) continue;
+        reg.ChiSquare = EnvelopeChiSquare(project, r);
+        host.ChiSquareChanged(r, reg.ChiSquare);
+        StoreIfFinite(total, static_cast<double>(total) + reg.ChiSquare);
+    }
+    project.TotalChiSquare = total;
+    host.TotalChiSquareChanged(total);
+}
 
 void ResidualWithoutPeak(Project& project, int q) {
     const int r = project.CurrentRegion;

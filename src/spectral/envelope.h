@@ -10,23 +10,19 @@ namespace molvera {
 int UsableRangeCount(const Region& region);
 
 /// All curves, envelope, residual and ChiSquare of the current region; updates its
-/// share of TotalChiSquare and the chi boxes.
+/// share of TotalChiSquare; both chi-squares are reported.
 void ComputeRegionEnvelope(Project& project, Host& host);
 
-/// The same curves and ChiSquare (shown in the region's chi box); TotalChiSquare is
-/// left to the caller.
-void RecomputeRegionQuiet(Project& project, Host& host);
+/// The same curves and ChiSquare (reported); TotalChiSquare is left to the caller.
+void ComputeRegionEnvelopeKeepingTotal(Project& project, Host& host);
 
-/// ComputeRegionEnvelope for every region with a background and peaks, then the
-/// total as their sum; CurrentRegion is restored.
+/// ComputeRegionEnvelope for every region with a background and peaks (as a project is
+/// loaded), then the total as their sum; CurrentRegion is restored.
 void RecomputeAllRegions(Project& project, Host& host);
 
-/// Curves and ChiSquare of every region with a background; TotalChiSquare as their
-/// sum; every such chi box and the total are shown.
-void RecomputeAllRegionsShown(Project& project, Host& host);
-
-/// As RecomputeAllRegionsShown, without touching the window.
-void RecomputeAllRegionsSilent(Project& project);
+/// Curves and ChiSquare of every region with a background, peaks or none, and
+/// TotalChiSquare as their sum. Pass QuietHost() when nobody is to hear of it (a trial).
+void RecomputeRegionsWithBackground(Project& project, Host& host);
 
 /// Every peak curve of the current region, then PeakSumCurve and Residual without
 /// peak q; ChiSquare unchanged.

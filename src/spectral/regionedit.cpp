@@ -1,8 +1,5 @@
 #include "spectral/regionedit.h"
 
-#include <string>
-
-#include "base/numtext.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -37,7 +34,6 @@ int AddPeak(Project& project, Host& host) {
     project.CurrentPeak = static_cast<Int16>(slot);
     Peak& p = project.Peaks[slot];
     p.InUse = kTrue;
-    host.SetPeakButton(PeakButtonIndex(r, k), std::to_string(slot), true);
     SetNewPeakDefaults(p, r);
     p.Position = (region.BackgroundLowBE + region.BackgroundHighBE) / 2;
     p.FWHM = 1.0f;
@@ -45,8 +41,9 @@ int AddPeak(Project& project, Host& host) {
     p.Area = HeightPercentToArea(project, p);
     ResizePeakCurve(project, slot, region.RangeCount);
     region.PeakCount = static_cast<Int16>(k + 1);
+    host.PeakListChanged(r, PeakList(region), true);
     ComputeRegionEnvelope(project, host);
-    host.RedrawRegion();
+    host.CurvesChanged();
     return slot;
 }
 
@@ -65,30 +62,25 @@ void DeletePeak(Project& project, Host& host) {
         for (int i = 0; i < count; ++i)
             if (region.PeakIndex[i] == slot) k = i;
         if (k >= 0) {
-            const bool enabled = r == project.CurrentRegion && IsSet(region.HasBackground);
-            for (int j = k + 1; j < count; ++j) {
-                region.PeakIndex[j - 1] = region.PeakIndex[j];
-                host.SetPeakButton(PeakButtonIndex(r, j - 1), std::to_string(region.PeakIndex[j - 1]),
-                                   enabled);
-            }
-            host.SetPeakButton(PeakButtonIndex(r, count - 1), "", false);
+            for (int j = k + 1; j < count; ++j) region.PeakIndex[j - 1] = region.PeakIndex[j];
             region.PeakCount = static_cast<Int16>(count - 1);
+            host.PeakListChanged(r, PeakList(region), r == project.CurrentRegion && IsSet(region.HasBackground));
         }
     }
 
     ReleaseTies(project, slot);
 
-    host.HidePeakEditor();
+    host.PeakDeleted(slot);
 
     if (validRegion && IsSet(project.Regions[r].HasBackground)) {
         const Int16 saved = project.CurrentRegion;
         project.CurrentRegion = static_cast<Int16>(r);
         project.TotalChiSquare -= project.Regions[r].ChiSquare;
-        RecomputeRegionQuiet(project, host);
+        ComputeRegionEnvelopeKeepingTotal(project, host);
         project.TotalChiSquare += project.Regions[r].ChiSquare;
-        host.SetTotalChiText(FormatGeneral(project.TotalChiSquare));
+        host.TotalChiSquareChanged(project.TotalChiSquare);
         project.CurrentRegion = saved;
-        host.RedrawRegion();
+        host.CurvesChanged();
     }
 }
 
@@ -106,31 +98,26 @@ void ClearRegionParameters(Project& project, Host& host) {
     region.Shift = 0;
     region.ChiSquare = 0;
     region.Caption = Text20();
-    host.SetRegionChiText(r, "0");
-    host.RedrawRegion();
-    RecomputeAllRegionsShown(project, host);
+    host.ChiSquareChanged(r, 0);
+    host.CurvesChanged();
+    RecomputeRegionsWithBackground(project, host);
 }
 
 void DeleteRegionData(Project& project, Host& host) {
     ClearRegionParameters(project, host);
     project.Current().HasData = kFalse;
-    host.HidePeakEditor();
-    host.HideRegionDialogs();
-    host.ShowRegionWindow();
+    host.RegionDataDeleted();
+    host.RegionInView();
 }
 
 void RefreshMainWindow(Project& project, Host& host) {
     for (int k = 0; k < kRegionCount; ++k) {
         const Region& region = project.Regions[k];
         if (!IsSet(region.HasData)) continue;
-        host.SetRegionChiText(k, IsSet(region.HasBackground) ? FormatGeneral(region.ChiSquare) : "0");
-        const int count = ClampedPeakCount(region);
-        for (int i = 0; i < count; ++i) {
-            host.SetPeakButton(PeakButtonIndex(k, i), std::to_string(region.PeakIndex[i]),
-                               k == project.CurrentRegion);
-        }
+        host.ChiSquareChanged(k, IsSet(region.HasBackground) ? region.ChiSquare : 0.0f);
+        host.PeakListChanged(k, PeakList(region), k == project.CurrentRegion);
     }
-    host.RecolourRegionButtons();
+    host.RegionListChanged();
 }
 
 }  // namespace molvera

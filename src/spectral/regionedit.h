@@ -1,5 +1,6 @@
 #pragma once
-// Adding and deleting peaks and regions, and the main window's table.
+// Adding and deleting peaks, clearing regions: the records changed, the curves
+// recomputed, and the changes reported.
 
 #include "model/host.h"
 #include "model/records.h"
@@ -21,7 +22,8 @@ void ClearRegionParameters(Project& project, Host& host);
 /// ClearRegionParameters, then the region no longer holds data.
 void DeleteRegionData(Project& project, Host& host);
 
-/// Chi boxes and peak buttons of every region from the project (after a load).
+/// Reports the chi-square and the peak list of every region with data, and the region
+/// list (after a load or an import): the main window's table is brought up to date.
 void RefreshMainWindow(Project& project, Host& host);
 
 }  // namespace molvera

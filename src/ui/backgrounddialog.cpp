@@ -135,7 +135,7 @@ void BackgroundDialog::Open() {
     ShowForm();
 }
 
-void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
+void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundForm&)) {
     if (running_) return;
     running_ = true;
     ReadForm();
@@ -155,7 +155,7 @@ void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
 }
 
 void BackgroundDialog::AcceptClicked() {
-    Run([](Project& p, Host& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
+    Run([](Project& p, SessionHost& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
 }
 
 void BackgroundDialog::CloseClicked() {

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <functional>
 
-#include "model/host.h"
+#include "session/sessionhost.h"
 #include "model/records.h"
 #include "session/backgroundform.h"
 
@@ -46,7 +46,7 @@ private:
     QLineEdit* Box(const char* name);
     QComboBox* Choice(const char* name, const QStringList& items);
     /// Runs one button's logic on the form read from the controls, then shows the form.
-    void Run(void (*handler)(Project&, Host&, BackgroundForm&));
+    void Run(void (*handler)(Project&, SessionHost&, BackgroundForm&));
 
     Project& project_;
     QtHost& host_;

@@ -10,10 +10,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/qthost.h"
 #include "ui/widgets.h"
 
 namespace molvera::ui {
-ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent)
+ConstraintDialog::ConstraintDialog(Project& project, QtHost& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host) {
     setObjectName(QStringLiteral("CntForm"));
 
@@ -117,7 +118,7 @@ void ConstraintDialog::OkClicked() {
     const Status st = ConstraintOK(project_, form_);
     // The dialog keeps the user's entries after a refusal.
     if (!st) {
-        host_.Message(st.message());
+        host_.Show(st);
         return;
     }
     ShowForm();

@@ -3,7 +3,6 @@
 
 #include <QWidget>
 
-#include "model/host.h"
 #include "model/records.h"
 #include "session/constraintform.h"
 
@@ -14,11 +13,12 @@ class QLineEdit;
 
 namespace molvera::ui {
 
+class QtHost;
 /// The constraint dialog for one parameter of CurrentPeak.
 class ConstraintDialog : public QWidget {
     Q_OBJECT
 public:
-    ConstraintDialog(Project& project, Host& host, QWidget* parent = nullptr);
+    ConstraintDialog(Project& project, QtHost& host, QWidget* parent = nullptr);
 
     /// Opens the dialog for `kind` of CurrentPeak (limits corrected, filled, shown).
     void Open(ConstraintKind kind);
@@ -37,7 +37,7 @@ public:
 
 private:
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     ConstraintForm form_;
     QLabel* peak_ = nullptr;
     QCheckBox* use_ = nullptr;

@@ -12,11 +12,12 @@
 
 #include "base/numtext.h"
 #include "fileio/projectfile.h"
-#include "fitting/driver.h"
+#include "session/fitcommands.h"
 #include "base/messages.h"
 #include "model/project.h"
 #include "session/mainwindow.h"
 #include "ui/filechooser.h"
+#include "ui/qthost.h"
 
 namespace molvera::ui {
 namespace {
@@ -30,7 +31,7 @@ QPushButton* Button(const QString& caption, const char* name, QWidget* parent) {
 }
 }  // namespace
 
-MainWindow::MainWindow(Project& project, Host& host, FileDialog& files, QWidget* parent)
+MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent)
     : QWidget(parent), project_(project), host_(host), files_(files) {
     setObjectName(QStringLiteral("XPSForm"));
     setWindowTitle(QStringLiteral("Molvera"));
@@ -151,7 +152,7 @@ void MainWindow::OpenProjectCommand() {
     const std::string path = files_.Open(kProjectTitle, kProjectFilter);
     if (path.empty()) return;
     project_.FileName = path;
-    (void)LoadProject(project_, host_, path);  // failures are shown by LoadProject
+    if (Status st = LoadProject(project_, host_, path); !st) host_.Show(st);
 }
 
 void MainWindow::SaveProjectCommand() {
@@ -159,12 +160,12 @@ void MainWindow::SaveProjectCommand() {
     if (path.empty()) return;
     project_.FileName = path;
     if (Status st = SaveProject(project_, path); !st) {
-        host_.Message(st.message());
+        host_.Show(st);
         return;
     }
     // SaveProject may have cut the description to its stored length.
     SetDescription(QString::fromStdString(Latin1ToUtf8(project_.Description)));
-    host_.Message(msg::kFileSaved);
+    host_.Show(msg::kFileSaved);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -6,7 +6,6 @@
 #include <array>
 #include <functional>
 
-#include "model/host.h"
 #include "base/limits.h"
 #include "model/records.h"
 
@@ -16,13 +15,14 @@ class QPushButton;
 
 namespace molvera::ui {
 
+class QtHost;
 class FileDialog;
 
 /// `XPSForm`.
 class MainWindow : public QWidget {
     Q_OBJECT
 public:
-    MainWindow(Project& project, Host& host, FileDialog& files, QWidget* parent = nullptr);
+    MainWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent = nullptr);
 
     void SetChiText(int region, const QString& text);
     void SetTotalText(const QString& text);
@@ -54,7 +54,7 @@ private:
     void PeakButtonClicked(int i);
 
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     FileDialog& files_;
     std::array<QPushButton*, kRegionCount> reg_{};
     std::array<QPushButton*, kRegionCount * kMaxPeaksPerRegion> pp_{};

@@ -12,6 +12,7 @@
 
 #include "fileio/optionfile.h"
 #include "ui/filechooser.h"
+#include "ui/qthost.h"
 #include "ui/widgets.h"
 
 namespace molvera::ui {
@@ -19,7 +20,7 @@ namespace {
 constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
 }  // namespace
 
-OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host, FileDialog& files,
+OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& host, FileDialog& files,
                              QWidget* parent)
     : QWidget(parent, Qt::Window), form_(form), options_(options), host_(host), files_(files) {
     setObjectName(QStringLiteral("OptForm"));
@@ -204,7 +205,7 @@ void OptionsWindow::RunHandler(void (*handler)(OptionsForm&, FitOptions&)) {
 
 void OptionsWindow::OkClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Message(st.message());
+    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
     ShowForm();
 }
 
@@ -213,16 +214,20 @@ void OptionsWindow::LoadParametersClicked() {
     const std::string path = files_.Open("Load Parameters", kOptionFilter);
     if (path.empty()) return;
     ReadForm();
-    if (LoadOptionsCommand(path, form_, options_, host_)) ShowForm();
+    if (Status st = LoadOptionsCommand(path, form_, options_); !st) {
+        host_.Show(st);
+        return;
+    }
+    ShowForm();
 }
 
 void OptionsWindow::SaveParametersClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Message(st.message());
+    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
     ShowForm();
     const std::string path = files_.Save("Save Parameters", kOptionFilter, "opa");
     if (path.empty()) return;
-    if (Status st = WriteOptionFile(options_, path); !st) host_.Message(st.message());
+    if (Status st = WriteOptionFile(options_, path); !st) host_.Show(st);
 }
 
 }  // namespace molvera::ui

@@ -5,7 +5,6 @@
 #include <functional>
 #include <vector>
 
-#include "model/host.h"
 #include "session/optionsform.h"
 
 class QCheckBox;
@@ -15,13 +14,14 @@ class QRadioButton;
 
 namespace molvera::ui {
 
+class QtHost;
 class FileDialog;
 
 /// The options dialog.
 class OptionsWindow : public QWidget {
     Q_OBJECT
 public:
-    OptionsWindow(OptionsForm& form, FitOptions& options, Host& host, FileDialog& files,
+    OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& host, FileDialog& files,
                   QWidget* parent = nullptr);
 
     /// FillOptionsDialog: the controls from FitOptions, then shown (not modal).
@@ -51,7 +51,7 @@ private:
 
     OptionsForm& form_;
     FitOptions& options_;
-    Host& host_;
+    QtHost& host_;
     FileDialog& files_;
     QRadioButton* useSearch_ = nullptr;
     QRadioButton* useNewton_ = nullptr;

@@ -16,10 +16,11 @@
 #include "session/peakoptimise.h"
 #include "ui/constraintdialog.h"
 #include "ui/plotwidget.h"
+#include "ui/qthost.h"
 #include "ui/widgets.h"
 
 namespace molvera::ui {
-PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, ConstraintDialog& constraints,
+PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, ConstraintDialog& constraints,
                        QWidget* parent)
     : QWidget(parent, Qt::Window),
       project_(project),

@@ -5,7 +5,6 @@
 #include <array>
 #include <string>
 
-#include "model/host.h"
 #include "model/records.h"
 #include "session/constraintform.h"
 #include "session/peakform.h"
@@ -19,6 +18,7 @@ class QScrollBar;
 
 namespace molvera::ui {
 
+class QtHost;
 class ConstraintDialog;
 class PlotWidget;
 
@@ -26,7 +26,7 @@ class PlotWidget;
 class PeakEditor : public QWidget {
     Q_OBJECT
 public:
-    PeakEditor(Project& project, Host& host, PlotWidget& plot, ConstraintDialog& constraints,
+    PeakEditor(Project& project, QtHost& host, PlotWidget& plot, ConstraintDialog& constraints,
                QWidget* parent = nullptr);
 
     /// OpenPeakEditor from main-window peak button `buttonIndex`: filled, shown, and its
@@ -75,7 +75,7 @@ private:
     void SyncHighlight();
 
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     PlotWidget& plot_;
     ConstraintDialog& constraints_;
     PeakForm form_;

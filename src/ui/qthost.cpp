@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/numtext.h"
+#include "model/project.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
 #include "ui/plotwidget.h"
@@ -19,7 +20,9 @@ void QtHost::Attach(MainWindow* main, RegionWindow* region, FittingWindow* fitti
     fitting_ = fitting;
 }
 
-void QtHost::Message(const std::string& text) { sink_.Message(QString::fromStdString(text)); }
+void QtHost::Show(const Status& status) { sink_.Message(QString::fromStdString(status.Text())); }
+
+void QtHost::Show(const std::string& text) { sink_.Message(QString::fromStdString(text)); }
 
 bool QtHost::AskYesNo(const std::string& title, const std::string& text) {
     return sink_.AskYesNo(QString::fromStdString(title), QString::fromStdString(text));
@@ -27,20 +30,26 @@ bool QtHost::AskYesNo(const std::string& title, const std::string& text) {
 
 void QtHost::Beep() { sink_.Beep(); }
 
-void QtHost::SetRegionChiText(int region, const std::string& text) {
-    if (main_) main_->SetChiText(region, QString::fromStdString(text));
+void QtHost::ChiSquareTextChanged(int region) {
+    if (!main_) return;
+    if (region == kTotalBox) {
+        main_->SetTotalText(QString::fromStdString(MainTexts().totalChiSquare));
+    } else {
+        main_->SetChiText(region, QString::fromStdString(MainTexts().chiSquare[region]));
+    }
 }
 
-void QtHost::SetTotalChiText(const std::string& text) {
-    if (main_) main_->SetTotalText(QString::fromStdString(text));
+void QtHost::PeakButtonsChanged(int region) {
+    if (!main_) return;
+    for (int k = 0; k < kMaxPeaksPerRegion; ++k) {
+        const int index = PeakButtonIndex(region, k);
+        const PeakButtonText& button = MainTexts().peakButtons[index];
+        main_->SetPeakButton(index, QString::fromStdString(button.caption), button.enabled);
+    }
 }
 
-void QtHost::SetPeakButton(int index, const std::string& caption, bool enabled) {
-    if (main_) main_->SetPeakButton(index, QString::fromStdString(caption), enabled);
-}
-
-void QtHost::SetDescriptionText(const std::string& text) {
-    if (main_) main_->SetDescription(QString::fromStdString(Latin1ToUtf8(text)));
+void QtHost::DescriptionChanged(const std::string& latin1) {
+    if (main_) main_->SetDescription(QString::fromStdString(Latin1ToUtf8(latin1)));
 }
 
 void QtHost::RequestPlotRedraw() {
@@ -53,19 +62,19 @@ void QtHost::RequestPlotRedraw() {
     region_->Redraw();
 }
 
-void QtHost::RedrawRegion() {
+void QtHost::CurvesChanged() {
     ++redraws_;
     RequestPlotRedraw();
 }
 
-void QtHost::ShowRegionWindow() {
+void QtHost::RegionInView() {
     ++redraws_;
     if (region_) region_->ShowRegion(false);
     RequestPlotRedraw();
     Yield();
 }
 
-void QtHost::RecolourRegionButtons() {
+void QtHost::RegionListChanged() {
     if (main_) main_->RecolourRegionButtons();
 }
 
@@ -77,6 +86,10 @@ void QtHost::HideRegionDialogs() {
     HidePeakEditor();
     if (hideRegionDialogs) hideRegionDialogs();
 }
+
+void QtHost::PeakDeleted(int) { HidePeakEditor(); }
+
+void QtHost::RegionDataDeleted() { HideRegionDialogs(); }
 
 void QtHost::Yield() {
     if (beforeYield) beforeYield();
@@ -98,7 +111,7 @@ void QtHost::Yield() {
         RequestPlotRedraw();
 }
 
-void QtHost::BeginFit() {
+void QtHost::FitStarted() {
     fitRunning_ = true;
     if (fitting_) fitting_->show();
     if (main_) main_->setEnabled(false);
@@ -106,7 +119,7 @@ void QtHost::BeginFit() {
     if (enableDialogs) enableDialogs(false);
 }
 
-void QtHost::EndFit() {
+void QtHost::FitEnded() {
     fitRunning_ = false;
     if (redrawPending_) RequestPlotRedraw();
     if (fitting_) fitting_->hide();

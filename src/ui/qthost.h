@@ -1,12 +1,14 @@
 #pragma once
-// The core's Host on the Qt windows: messages through the user sink, the main
-// window's boxes and buttons, redraws of the region window, the fitting window.
+// The host on the Qt windows: the reports of the core and the requests of the session
+// carried out on the windows, messages through the user sink.
 
 #include <QElapsedTimer>
 #include <functional>
+#include <string>
 
-#include "model/host.h"
+#include "base/status.h"
 #include "model/records.h"
+#include "session/sessionhost.h"
 
 namespace molvera::ui {
 
@@ -16,29 +18,32 @@ class RegionWindow;
 class FittingWindow;
 
 /// Host for the desktop program.
-class QtHost : public Host {
+class QtHost : public SessionHost {
 public:
     QtHost(Project& project, UserSink& sink) : project_(project), sink_(sink) {}
     /// The windows the host acts on; any of them may be null.
     void Attach(MainWindow* main, RegionWindow* region, FittingWindow* fitting);
 
-    void Message(const std::string& text) override;
+    /// A message box with a status's message and, as a second line, its detail.
+    void Show(const Status& status);
+    /// A message box with a fixed text.
+    void Show(const std::string& text);
+
     bool AskYesNo(const std::string& title, const std::string& text) override;
     void Beep() override;
-    void SetRegionChiText(int region, const std::string& text) override;
-    void SetTotalChiText(const std::string& text) override;
-    void SetPeakButton(int index, const std::string& caption, bool enabled) override;
-    void SetDescriptionText(const std::string& text) override;
-    void RedrawRegion() override;
-    void ShowRegionWindow() override;
-    void RecolourRegionButtons() override;
-    void HidePeakEditor() override;
-    void HideRegionDialogs() override;
     void Yield() override;
-    void BeginFit() override;
-    void EndFit() override;
+    void DescriptionChanged(const std::string& latin1) override;
+    void CurvesChanged() override;
+    void RegionInView() override;
+    void RegionListChanged() override;
+    void PeakDeleted(int slot) override;
+    void RegionDataDeleted() override;
+    void FitStarted() override;
+    void FitEnded() override;
     void BeginBusy() override;
     void EndBusy() override;
+    void HidePeakEditor() override;
+    void HideRegionDialogs() override;
 
     /// Number of redraws asked for so far (ShowRegionWindow included).
     int RedrawCount() const { return redraws_; }
@@ -51,6 +56,10 @@ public:
     std::function<void(bool enabled)> enableDialogs;
     /// Called at every yield, before events run (a search showing its trials).
     std::function<void()> beforeYield;
+
+protected:
+    void ChiSquareTextChanged(int region) override;
+    void PeakButtonsChanged(int region) override;
 
 private:
     /// Asks the plot for a repaint; during a fit at most one paint in every stretch of

@@ -7,12 +7,13 @@
 
 #include "fileio/exports.h"
 #include "fileio/regionparams.h"
-#include "fitting/driver.h"
+#include "session/fitcommands.h"
 #include "base/messages.h"
 #include "spectral/regionedit.h"
 #include "ui/filechooser.h"
 #include "ui/plotwidget.h"
 #include "ui/printing.h"
+#include "ui/qthost.h"
 #include "ui/regionwindow.h"
 
 namespace molvera::ui {
@@ -21,14 +22,14 @@ void RegionWindow::Import(const ImportFormat& format) {
     const std::string path = files_.Open(format.title, format.filter);
     if (path.empty()) return;
     project_.FileName = path;
-    (void)format.read(project_, host_, path);  // the reader shows its own failures
+    for (const Status& message : ImportFile(project_, host_, format, path).Messages()) host_.Show(message);
 }
 
 bool RegionWindow::SaveDialog(std::string_view title, std::string_view filter,
                               const char* extension, std::string& path) {
     path = files_.Save(title, filter, extension);
     if (path.empty()) {
-        host_.Message(msg::kErrorSavingFile);
+        host_.Show(msg::kErrorSavingFile);
         return false;
     }
     project_.FileName = path;
@@ -41,7 +42,7 @@ void RegionWindow::ExportSpectrumCommand() {
     if (!SaveDialog("Export Spectral and Fitted data in Ascii format", "Data Files (*.dat) |*.dat|",
                     "dat", path))
         return;
-    host_.Message(ExportSpectrum(project_, path) ? msg::kDataFileExported : msg::kErrorSavingFile);
+    host_.Show(ExportSpectrum(project_, path) ? msg::kDataFileExported : msg::kErrorSavingFile);
 }
 
 void RegionWindow::ExportPeakParametersCommand() {
@@ -49,7 +50,7 @@ void RegionWindow::ExportPeakParametersCommand() {
     if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return;
     std::string path;
     if (!SaveDialog("Export peak parameters", "Data Files (*.par) |*.par|", "par", path)) return;
-    host_.Message(ExportPeakParameters(project_, path) ? msg::kDataFileExported
+    host_.Show(ExportPeakParameters(project_, path) ? msg::kDataFileExported
                                                        : msg::kErrorSavingFile);
 }
 
@@ -57,11 +58,11 @@ void RegionWindow::LoadRegionParametersCommand() {
     const std::string path =
         files_.Open("Load Region Parameters", "Region Parameter Files (*.rpa) |*.rpa|");
     if (path.empty()) {
-        host_.Message(msg::kErrorReadingFile);
+        host_.Show(msg::kErrorReadingFile);
         return;
     }
     project_.FileName = path;
-    if (Status st = LoadRegionParameters(project_, host_, path); !st) host_.Message(st.message());
+    if (Status st = LoadRegionParameters(project_, host_, path); !st) host_.Show(st);
 }
 
 void RegionWindow::SaveRegionParametersCommand() {
@@ -69,7 +70,7 @@ void RegionWindow::SaveRegionParametersCommand() {
     std::string path;
     if (!SaveDialog("Save region parameters", "Region Parameter Files (*.rpa) |*.rpa|", "rpa", path))
         return;
-    host_.Message(SaveRegionParameters(project_, path) ? msg::kParameterFileSaved
+    host_.Show(SaveRegionParameters(project_, path) ? msg::kParameterFileSaved
                                                        : msg::kErrorSavingFile);
 }
 
@@ -87,10 +88,10 @@ void RegionWindow::PrintCommand(bool withPeakTable) {
                                         : QStringLiteral("Print Spectrum"));
     if (dialog.exec() != QDialog::Accepted) return;
     if (!PrinterAvailable(printer)) {
-        host_.Message(msg::kNoPrinter);
+        host_.Show(msg::kNoPrinter);
         return;
     }
-    if (!PrintRegion(project_, printer, withPeakTable)) host_.Message(msg::kPrintingFailed);
+    if (!PrintRegion(project_, printer, withPeakTable)) host_.Show(msg::kPrintingFailed);
 }
 
 void RegionWindow::BackgroundCommand() {
@@ -122,6 +123,6 @@ void RegionWindow::DeleteRegionCommand() {
 
 void RegionWindow::OptimiseRegionCommand() { molvera::OptimiseRegionCommand(project_, host_); }
 
-void RegionWindow::ReDisplayCommand() { host_.RedrawRegion(); }
+void RegionWindow::ReDisplayCommand() { host_.CurvesChanged(); }
 
 }  // namespace molvera::ui

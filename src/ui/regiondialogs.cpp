@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "ui/qthost.h"
 #include "ui/widgets.h"
 
 namespace molvera::ui {
@@ -47,7 +48,7 @@ void RegionShiftDialog::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-RegionCaptionDialog::RegionCaptionDialog(Project& project, Host& host, QWidget* parent)
+RegionCaptionDialog::RegionCaptionDialog(Project& project, QtHost& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host), text_(new QLineEdit(this)) {
     setObjectName(QStringLiteral("RCaptionForm"));
     setWindowTitle(QStringLiteral("Region Caption"));

@@ -4,7 +4,6 @@
 
 #include <QWidget>
 
-#include "model/host.h"
 #include "model/records.h"
 #include "session/regiondialogs.h"
 
@@ -12,6 +11,7 @@ class QLineEdit;
 
 namespace molvera::ui {
 
+class QtHost;
 /// `RegionShiftForm`: the current region's energy shift.
 class RegionShiftDialog : public QWidget {
     Q_OBJECT
@@ -37,7 +37,7 @@ private:
 class RegionCaptionDialog : public QWidget {
     Q_OBJECT
 public:
-    RegionCaptionDialog(Project& project, Host& host, QWidget* parent = nullptr);
+    RegionCaptionDialog(Project& project, QtHost& host, QWidget* parent = nullptr);
     /// Shown with the current region's Caption, trailing blanks included.
     void Open();
     void OkClicked();
@@ -50,7 +50,7 @@ private:
     void ShowForm();
 
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     RegionCaptionForm form_;
     QLineEdit* text_;
 };

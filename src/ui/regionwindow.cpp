@@ -5,6 +5,7 @@
 #include <QMenuBar>
 
 #include "ui/plotwidget.h"
+#include "ui/qthost.h"
 
 namespace molvera::ui {
 namespace {
@@ -25,7 +26,7 @@ constexpr ImportItem kImportItems[] = {
 
 }  // namespace
 
-RegionWindow::RegionWindow(Project& project, Host& host, FileDialog& files, QWidget* parent)
+RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent)
     : QMainWindow(parent), project_(project), host_(host), files_(files),
       plot_(new PlotWidget(project, this)) {
     setObjectName(QStringLiteral("SpecForm"));

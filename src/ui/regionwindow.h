@@ -7,13 +7,13 @@
 #include <string_view>
 
 #include "fileio/formats.h"
-#include "model/host.h"
 #include "model/records.h"
 
 class QAction;
 
 namespace molvera::ui {
 
+class QtHost;
 class FileDialog;
 class PlotWidget;
 
@@ -21,7 +21,7 @@ class PlotWidget;
 class RegionWindow : public QMainWindow {
     Q_OBJECT
 public:
-    RegionWindow(Project& project, Host& host, FileDialog& files, QWidget* parent = nullptr);
+    RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent = nullptr);
 
     /// ShowRegionWindow: shown and titled "Region N"; the plot redrawn when asked.
     void ShowRegion(bool redraw = true);
@@ -70,7 +70,7 @@ private:
                     std::string& path);
 
     Project& project_;
-    Host& host_;
+    QtHost& host_;
     FileDialog& files_;
     PlotWidget* plot_;
 };

@@ -75,11 +75,11 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
     EXPECT_NE(r.code, 0);
     EXPECT_EQ(r.err, "No. of trials for Search method must be in the range 1-200\n");
     EXPECT_FALSE(fs::exists(dir / "x.opa"));
-    // A file that is not a project.
+    // A file that is not a project: the program's message, then where and why.
     std::ofstream(dir / "junk.xps") << "not a project";
     r = Cmd("dump junk.xps");
     EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err, "Wrong file format\n");
+    EXPECT_EQ(r.err, "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")\n");
     // Usage errors.
     EXPECT_EQ(Cmd("frobnicate").code, 2);
     EXPECT_EQ(Cmd("dump a.xps --bogus 1").code, 2);

@@ -15,17 +15,20 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
-using AsciiImport = test::ImportTest;
+
+class AsciiImport : public test::ImportTest {
+protected:
+    ImportResult Import(std::string_view text) { return test::ImportText(project, host, "ascii", text); }
+};
 
 TEST_F(AsciiImport, RisingIsStoredFallingFallingAsRead) {
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("r.txt", "280 5\n281 6\n282 7\n")).ok());
+    ASSERT_TRUE(Import("280 5\n281 6\n282 7\n").status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 282, 281, 280}));
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 7, 6, 5}));
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("f.txt", "282,7\r\n281,6\r\n280,5")).ok());
+    ASSERT_TRUE(Import("282,7\r\n281,6\r\n280,5").status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 282, 281, 280}));
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 7, 6, 5}));
     EXPECT_EQ(project.Regions[0].Caption.Str(), std::string(20, ' '));
-    EXPECT_TRUE(host.messages.empty());
 }
 
 TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
@@ -33,7 +36,7 @@ TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
     const std::string text =
         "BE/eV,Intensity\n# measured 2 May, 1 scan\n2\nDate: 2017 6 6\n\n290\t10\n289;11 0.5\n288 ;\t12\n"
         "  287 , 13  \n# a comment between data lines\n286  14\n";
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("h.csv", text)).ok());
+    ASSERT_TRUE(Import(text).status.ok());
     const Region& r = project.Regions[0];
     EXPECT_EQ(r.PointCount, 5);
     EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289, 288, 287, 286}));
@@ -43,8 +46,9 @@ TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
 TEST_F(AsciiImport, SixThousandLinesKeep5000) {
     std::string text;
     for (int i = 0; i < 6000; ++i) text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("6000.txt", text)).ok());
-    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kOnly5000Points});
+    const ImportResult result = Import(text);
+    ASSERT_TRUE(result.status.ok());
+    EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kOnly5000Points});
     const Region& r = project.Regions[0];
     EXPECT_EQ(r.PointCount, 5000);
     EXPECT_EQ(r.BindingEnergy[1], 5999);  // the first 5000 pairs, reversed
@@ -52,22 +56,23 @@ TEST_F(AsciiImport, SixThousandLinesKeep5000) {
 }
 
 TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("ok.txt", "2 1\n1 1\n")).ok());
+    ASSERT_TRUE(Import("2 1\n1 1\n").status.ok());
     const Region before = project.Regions[0];
     for (const char* text : {"", "only text\n", "3\n4\n", "Energy: 1 2\n"}) {
-        host.messages.clear();
-        const Status s = ReadAscii(project, host, test::WriteScratch("bad.txt", text));
-        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << text;
-        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFileImport});
+        const ImportResult result = Import(text);
+        EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kErrorReadingFileImport})
+            << text;
         EXPECT_EQ(project.Regions[0], before);
     }
-    EXPECT_FALSE(ReadAscii(project, host, (test::ScratchDir() / "missing.txt").string()).ok());
+    const Status missing = test::ImportPath(project, host, "ascii", (test::ScratchDir() / "missing.txt").string()).status;
+    EXPECT_EQ(missing.message(), msg::kErrorReadingFileImport);
+    EXPECT_EQ(missing.detail(), "missing.txt: no such file");
 }
 
 TEST_F(AsciiImport, ReplacesTheCurrentRegionOnly) {
     project.CurrentRegion = 4;
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("a.txt", "3 1\n2 1\n1 1\n")).ok());
-    ASSERT_TRUE(ReadAscii(project, host, test::WriteScratch("b.txt", "9 1\n8 2\n")).ok());
+    ASSERT_TRUE(Import("3 1\n2 1\n1 1\n").status.ok());
+    ASSERT_TRUE(Import("9 1\n8 2\n").status.ok());
     EXPECT_EQ(project.Regions[4].PointCount, 2);
     EXPECT_EQ(project.Regions[4].BindingEnergy.size(), 3u);
     EXPECT_FALSE(IsSet(project.Regions[5].HasData));
@@ -108,7 +113,7 @@ TEST(AsciiImportReal, EveryFileAgainstItsOwnLines) {
         }
         Project project;
         RecordingHost host;
-        ASSERT_TRUE(ReadAscii(project, host, path).ok());
+        ASSERT_TRUE(test::ImportPath(project, host, "ascii", path).status.ok());
         const Region& r = project.Regions[0];
         ASSERT_EQ(r.PointCount, f.rows);
         const std::vector<std::string> lines = test::FileLines(path);

@@ -4,40 +4,31 @@
 
 #include <gtest/gtest.h>
 
-#include "fileio/asciiimport.h"
-#include "fileio/kratos.h"
-#include "fileio/leybold.h"
-#include "fileio/phi.h"
-#include "fileio/vamas.h"
+#include "base/messages.h"
+#include "support/files.h"
 
 namespace molvera {
 namespace {
 
-TEST(ImportFormats, TableOfTitlesFiltersAndReaders) {
-    const auto formats = ImportFormats();
-    ASSERT_EQ(formats.size(), 5u);
-    struct Row {
-        const char* name;
-        const char* title;
-        const char* filter;
-        ImportFunction read;
-    };
-    const Row rows[] = {
-        {"kratos", "Import Kratos Ascii format", "Kratos Files (*.des) |*.des|", &ReadKratos},
-        {"leybold", "Import Leybold Ascii format", "ASCII Files (*.dat) |*.dat|", &ReadLeybold},
-        {"phi", "Import Phi Ascii format", "ASCII Files (*.asc) |*.asc|", &ReadPhi},
-        {"vamas", "Import VAMAS format", "VAMAS Files (*.*) |*.*|", &ReadVamas},
-        {"ascii", "Import Ascii format (BE  Intensity)", "ASCII Files (*.*) |*.*|", &ReadAscii},
-    };
-    for (std::size_t i = 0; i < 5; ++i) {
-        EXPECT_EQ(formats[i].name, rows[i].name);
-        EXPECT_EQ(formats[i].title, rows[i].title);
-        EXPECT_EQ(formats[i].filter, rows[i].filter);
-        EXPECT_EQ(formats[i].read, rows[i].read);
-        EXPECT_EQ(FindImportFormat(rows[i].name), &formats[i]);
+// Every format of the table is found by its name, and a file that holds nothing is
+// refused with the fixed message and a detail, the project left as it was.
+TEST(ImportFormats, EveryFormatIsFoundAndRefusesAnEmptyFile) {
+    for (const ImportFormat& format : ImportFormats()) {
+        SCOPED_TRACE(std::string(format.name));
+        EXPECT_EQ(FindImportFormat(format.name), &format);
+        EXPECT_FALSE(format.menuCaption.empty() || format.title.empty() || format.filter.empty() ||
+                     format.extensions.empty());
+        Project project;
+        test::RecordingHost host;
+        const Project before = project;
+        const ImportResult result = test::ImportText(project, host, std::string(format.name), "");
+        EXPECT_TRUE(result.notices.empty());
+        EXPECT_FALSE(result.status.ok());
+        EXPECT_FALSE(result.status.detail().empty());
+        EXPECT_EQ(project.Regions, before.Regions);
+        EXPECT_EQ(project.Description, before.Description);
     }
     EXPECT_EQ(FindImportFormat("VAMAS"), nullptr);
-    EXPECT_EQ(FindImportFormat(""), nullptr);
 }
 
 }  // namespace

@@ -15,7 +15,11 @@ namespace molvera {
 namespace {
 
 using test::RecordingHost;
-using Kratos = test::ImportTest;
+
+class Kratos : public test::ImportTest {
+protected:
+    ImportResult Import(std::string_view text) { return test::ImportText(project, host, "kratos", text); }
+};
 
 // Binding energies 290 .. 280 in steps of 1 (hv 1486.6 minus rising kinetic energies).
 const std::vector<double> kCounts = {50, 52, 60, 80, 120, 100, 70, 55, 45, 42, 40};
@@ -59,7 +63,7 @@ std::string KratosFile(const FitBlock* fit, const std::string& comment = "Test s
 }
 
 TEST_F(Kratos, DataOnlyWithoutRegions) {
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("a.des", KratosFile(nullptr))).ok());
+    ASSERT_TRUE(Import(KratosFile(nullptr)).status.ok());
     const Region& r = project.Regions[0];
     ASSERT_EQ(r.PointCount, 11);
     for (int i = 1; i <= 11; ++i) {
@@ -68,19 +72,18 @@ TEST_F(Kratos, DataOnlyWithoutRegions) {
     }
     EXPECT_FALSE(IsSet(r.HasBackground));
     EXPECT_EQ(project.Description, "Test sample");  // the description box was empty
-    EXPECT_TRUE(host.messages.empty());
     EXPECT_EQ(host.regionWindowShows, 2);  // by the region deletion and at the end
 
     // Falling kinetic energies keep the file's order (rising binding energies);
     // a description already typed stays.
     project.Description = "mine";
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("b.des", KratosFile(nullptr, "other", false))).ok());
+    ASSERT_TRUE(Import(KratosFile(nullptr, "other", false)).status.ok());
     EXPECT_NEAR(project.Regions[0].BindingEnergy[1], 280, 1e-3);
     EXPECT_NEAR(project.Regions[0].BindingEnergy[11], 290, 1e-3);
     EXPECT_EQ(project.Description, "mine");
 
     FitBlock none;  // a fit without components sets no background
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("z.des", KratosFile(&none))).ok());
+    ASSERT_TRUE(Import(KratosFile(&none)).status.ok());
     EXPECT_FALSE(IsSet(project.Regions[0].HasBackground));
     EXPECT_EQ(project.Regions[0].Caption.Str(), "C 1s fit            ");
 }
@@ -94,7 +97,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     fit.low = "289";  // given the wrong way round: swapped
     fit.high = "281";
     fit.shapes = {"Gau/Lor mix", "Lorentzian", "GL(30)"};
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("f.des", KratosFile(&fit))).ok());
+    ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
     const Region& r = project.Regions[2];
     EXPECT_TRUE(IsSet(r.HasBackground));
     EXPECT_EQ(r.Caption.Str(), "C 1s fit            ");
@@ -113,7 +116,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
         EXPECT_EQ(p.PercentGL, expectedGL[k]);
         EXPECT_EQ(p.Position, 283 + 2 * k);
         EXPECT_EQ(p.FWHM, 1.5f);
-        EXPECT_EQ(host.peakButtons[20 + k].caption, std::to_string(slot));
+        EXPECT_EQ(host.PeakButton(20 + k).caption, std::to_string(slot));
     }
     // Range: BE 289 is point 2, BE 281 point 10, nine points.
     EXPECT_EQ(r.RangeStart, 2);
@@ -135,7 +138,7 @@ TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
     FitBlock fit;
     fit.background = "SHIRLEY";
     fit.shapes = {"Gaussian"};
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("s.des", KratosFile(&fit))).ok());
+    ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
     const Region& r = project.Regions[0];
     EXPECT_EQ(r.BackgroundType, 0);
     EXPECT_NEAR(r.BackgroundCurve[1], 52, 1e-3);
@@ -147,7 +150,7 @@ TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
 TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     FitBlock good;
     good.shapes = {"Gau", "Lo"};
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("g.des", KratosFile(&good))).ok());
+    ASSERT_TRUE(Import(KratosFile(&good)).status.ok());
 
     std::vector<std::string> bad;
     FitBlock eleven;
@@ -172,10 +175,11 @@ TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
 
     for (std::size_t i = 0; i < bad.size(); ++i) {
         const Project before = project;
-        host.messages.clear();
-        const Status s = ReadKratos(project, host, test::WriteScratch("bad.des", bad[i]));
-        EXPECT_EQ(s.message(), msg::kErrorReadingFile) << "case " << i;
-        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFile});
+        const ImportResult result =
+            test::ImportPath(project, host, "kratos", test::WriteScratch("bad.des", bad[i]));
+        EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kErrorReadingFile})
+            << "case " << i;
+        EXPECT_EQ(result.status.detail().rfind("bad.des: ", 0), 0u) << result.status.detail();
         EXPECT_EQ(project.Regions, before.Regions) << "case " << i;
         EXPECT_EQ(project.Peaks, before.Peaks) << "case " << i;
     }
@@ -188,10 +192,10 @@ TEST_F(Kratos, NoFreePeakSlotRefuses) {
     }
     FitBlock fit;
     fit.shapes = {"Gau", "Gau"};
-    EXPECT_EQ(ReadKratos(project, host, test::WriteScratch("n.des", KratosFile(&fit))).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(Import(KratosFile(&fit)).status.message(), msg::kErrorReadingFile);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
     fit.shapes = {"Gau"};
-    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("o.des", KratosFile(&fit))).ok());
+    ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
     EXPECT_EQ(project.Regions[0].PeakIndex[0], 50);
 }
 

@@ -14,6 +14,7 @@
 namespace molvera {
 namespace {
 
+using test::MessageTexts;
 using test::RecordingHost;
 using Leybold = test::ImportTest;
 using Phi = test::ImportTest;
@@ -36,14 +37,13 @@ std::string LeyboldFile(int regions, int points = 3) {
 TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
     std::string t = "\"Sample, annealed\"\nRegions = 2\n" + LeyboldRegion("C 1s", 3, 280, 1) +
                     LeyboldRegion("O 1s", 2, 531, -1);
-    ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("a.dat", t)).ok());
+    ASSERT_TRUE(test::ImportText(project, host, "leybold", t).Messages().empty());
     EXPECT_EQ(project.Description, "Sample, annealed");
     const Region& a = project.Regions[0];
     EXPECT_EQ(a.Caption.Str(), "C 1s                ");
     EXPECT_EQ(a.BindingEnergy, (SingleArray{0, 282, 281, 280}));  // rising file, stored falling
     EXPECT_EQ(a.RawIntensity, (SingleArray{0, 12, 11, 10}));
     EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 531, 530}));
-    EXPECT_TRUE(host.messages.empty());
     EXPECT_EQ(project.CurrentRegion, 0);
 }
 
@@ -51,8 +51,8 @@ TEST_F(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
     for (int regions : {10, 11}) {
         Project project;
         RecordingHost host;
-        ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("n.dat", LeyboldFile(regions))).ok());
-        EXPECT_EQ(host.messages, std::vector<std::string>{msg::kTooManyRegions}) << regions;
+        const ImportResult result = test::ImportText(project, host, "leybold", LeyboldFile(regions));
+        EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions}) << regions;
         for (int k = 0; k < 10; ++k) EXPECT_EQ(project.Regions[static_cast<std::size_t>(k)].BindingEnergy[1], 100 + k);
         EXPECT_EQ(project.CurrentRegion, 0);
     }
@@ -66,7 +66,7 @@ TEST_F(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
     ASSERT_EQ(AddPeak(project, QuietHost()), 1);
 
     project.CurrentRegion = 7;
-    ASSERT_TRUE(ReadLeybold(project, host, test::WriteScratch("w.dat", LeyboldFile(5))).ok());
+    ASSERT_TRUE(test::ImportText(project, host, "leybold", LeyboldFile(5)).status.ok());
     const int slots[] = {7, 8, 9, 0, 1};
     for (int i = 0; i < 5; ++i) {
         const Region& r = project.Regions[static_cast<std::size_t>(slots[i])];
@@ -96,9 +96,8 @@ TEST_F(Leybold, DamagedFiles) {
     for (const Case& c : cases) {
         Project project;
         RecordingHost host;
-        const Status s = ReadLeybold(project, host, test::WriteScratch("bad.dat", c.text));
+        const Status s = test::ImportText(project, host, "leybold", c.text).status;
         EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << c.text;
-        EXPECT_EQ(host.messages.back(), msg::kErrorReadingFileImport);
         EXPECT_EQ(IsSet(project.Regions[0].HasData), c.keepsFirst) << c.text;
         EXPECT_FALSE(IsSet(project.Regions[1].HasData));
         EXPECT_EQ(project.Description.empty(), !c.keepsFirst);
@@ -115,22 +114,21 @@ std::string PhiRegion(const std::string& caption, int n, double start, double st
 
 TEST_F(Phi, RegionsWithRisingAndFallingEnergies) {
     const std::string t = PhiRegion("C 1s", 3, 280, 0.5) + PhiRegion("O 1s", 3, 535, -1);
-    ASSERT_TRUE(ReadPhi(project, host, test::WriteScratch("a.asc", t)).ok());
+    ASSERT_TRUE(test::ImportText(project, host, "phi", t).Messages().empty());
     EXPECT_EQ(project.Description, "Phi 5600 Sample 7");
     EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 281, 280.5, 280}));
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 22, 21, 20}));
     EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 535, 534, 533}));
     EXPECT_EQ(project.Regions[1].RawIntensity, (SingleArray{0, 20, 21, 22}));
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));
-    EXPECT_TRUE(host.messages.empty());
 }
 
 TEST_F(Phi, OverflowAndTooManyRegions) {
     std::string t = PhiRegion("big", 6000, 0, 1);
     for (int k = 0; k < 10; ++k) t += PhiRegion("r" + std::to_string(k), 2, 10 + k, -1);
     project.CurrentRegion = 3;
-    ASSERT_TRUE(ReadPhi(project, host, test::WriteScratch("b.asc", t)).ok());
-    EXPECT_EQ(host.messages, (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
+    const ImportResult result = test::ImportText(project, host, "phi", t);
+    EXPECT_EQ(MessageTexts(result.Messages()), (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
     EXPECT_EQ(project.Regions[3].PointCount, 5000);
     EXPECT_EQ(project.Regions[3].BindingEnergy[1], 4999);
     EXPECT_EQ(project.Regions[4].BindingEnergy[1], 10);  // read correctly after the overflow
@@ -140,12 +138,12 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
 
 TEST_F(Phi, DamagedFilesAndTheMultiPakTextExport) {
     const std::string full = PhiRegion("C", 8, 1, 1);
-    EXPECT_EQ(ReadPhi(project, host, test::WriteScratch("c.asc", full.substr(0, full.size() - 12))).message(),
+    EXPECT_EQ(test::ImportText(project, host, "phi", full.substr(0, full.size() - 12)).status.message(),
               msg::kErrorReadingFileImport);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
     const std::string multipak = test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
     if (multipak.empty()) GTEST_SKIP() << "the MultiPak text export is not available";
-    const Status s = ReadPhi(project, host, multipak);
+    const Status s = test::ImportPath(project, host, "phi", multipak).status;
     EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }

@@ -132,7 +132,7 @@ TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
     EXPECT_EQ(r.PeakIndex[0], 5);
     EXPECT_EQ(r.PeakIndex[1], 6);
     EXPECT_EQ(project.CurrentPeak, 6);
-    EXPECT_EQ(host.peakButtons[30].caption, "5");
+    EXPECT_EQ(host.PeakButton(30).caption, "5");
     EXPECT_EQ(r.BackgroundLowBE, 281.0f);
     // Range recomputed from the energies on this region's data: 289 eV is point 7.
     EXPECT_EQ(r.RangeStart, 7);
@@ -280,7 +280,7 @@ TEST_F(RegionParamsTest, OlderTaggedLayoutGivesSymmetricPeaks) {
     project.CurrentRegion = 3;
     project.Peaks[5].TailScale = 0.9f;  // the slot's old tail must not survive
     test::RecordingHost host;
-    ASSERT_TRUE(LoadRegionParameters(project, host, path).ok()) << host.messages.size();
+    ASSERT_TRUE(LoadRegionParameters(project, host, path).ok());
     const Region& r = project.Regions[3];
     ASSERT_EQ(r.PeakCount, 1);
     EXPECT_EQ(r.BackgroundLowBE, 282.0f);

@@ -58,9 +58,8 @@ SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = 
 }
 
 TEST_F(Vamas, OtherFilesAreNotVamas) {
-    const Status s = ReadVamas(project, host, test::WriteScratch("x.vms", "\n\nSome other file\n1\n"));
-    EXPECT_EQ(s.message(), msg::kNotVamas);
-    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNotVamas});
+    const ImportResult r = test::ImportText(project, host, "vamas", "\n\nSome other file\n1\n");
+    EXPECT_EQ(test::MessageTexts(r.Messages()), std::vector<std::string>{msg::kNotVamas});
 }
 
 TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
@@ -68,8 +67,8 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
     ups.technique = "UPS";
     SynthBlock aes = Ramp(2, 100, 1, "Kinetic Energy");
     aes.technique = "AES dir";
-    const std::string path = test::WriteScratch("m.vms", MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}));
-    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    ASSERT_TRUE(test::ImportText(project, host, "vamas", MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}))
+                    .status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 10);
     EXPECT_EQ(project.Regions[1].BindingEnergy[1], 30);
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));
@@ -78,9 +77,9 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
 TEST_F(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
     const std::string full = MakeVamas({Ramp(5, 20, -1), Ramp(5, 30, -1)});
     const std::string cut = full.substr(0, full.size() - 30);  // inside block 2's values
-    const Status s = ReadVamas(project, host, test::WriteScratch("cut.vms", cut));
-    EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
-    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kErrorReadingFileImport});
+    const ImportResult r = test::ImportText(project, host, "vamas", cut);
+    EXPECT_EQ(test::MessageTexts(r.Messages()), std::vector<std::string>{msg::kErrorReadingFileImport});
+    EXPECT_EQ(r.status.detail().rfind("the file ends after line ", 0), 0u) << r.status.detail();
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 20);
     EXPECT_FALSE(IsSet(project.Regions[1].HasData));
 }
@@ -90,7 +89,9 @@ TEST_F(Vamas, HugeDeclaredCountsDoNotRunAway) {
     const std::size_t at = t.find("\n3\n0\n1\n");  // the value count of the block
     ASSERT_NE(at, std::string::npos);
     t.replace(at, 3, "\n1000000000\n");
-    EXPECT_EQ(ReadVamas(project, host, test::WriteScratch("huge.vms", t)).message(), msg::kErrorReadingFileImport);
+    const Status st = test::ImportText(project, host, "vamas", t).status;
+    EXPECT_EQ(st.message(), msg::kErrorReadingFileImport);
+    EXPECT_NE(st.detail().find(": a count was expected"), std::string::npos) << st.detail();
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
@@ -164,7 +165,7 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
 void CompareWithLineRules(const std::string& path) {
     Project project;
     RecordingHost host;
-    ASSERT_TRUE(ReadVamas(project, host, path).ok());
+    ASSERT_TRUE(test::ImportPath(project, host, "vamas", path).status.ok());
     const LineRuleResult rules = ReadByLineRules(test::FileLines(path));
     EXPECT_EQ(project.Description, rules.description);
     ASSERT_LE(rules.captions.size(), 10u);
@@ -234,7 +235,7 @@ void CheckRealVamas(const RealVamas& f) {
     const std::string path = test::RealFile(f.file);
     Project project;
     RecordingHost host;
-    ASSERT_TRUE(ReadVamas(project, host, path).ok()) << f.file;
+    ASSERT_TRUE(test::ImportPath(project, host, "vamas", path).status.ok()) << f.file;
     const std::vector<std::string> lines = test::FileLines(path);
     const std::vector<std::size_t> starts = ValueStarts(lines, f);
     for (std::size_t k = 0; k < f.blocks.size(); ++k) {
@@ -292,16 +293,16 @@ TEST(VamasReal, FieldsAndMessages) {
     if (multipak.empty() || eis.empty() || scienta.empty() || aes.empty()) GTEST_SKIP() << "real VAMAS files not available";
     Project project;
     RecordingHost host;
-    ASSERT_TRUE(ReadVamas(project, host, multipak).ok());
+    ASSERT_TRUE(test::ImportPath(project, host, "vamas", multipak).status.ok());
     EXPECT_EQ(project.Description, "Sample ID : 1");
     EXPECT_EQ(project.Regions[0].Caption.Str(), "1s                  ");
-    ASSERT_TRUE(ReadVamas(project, host, scienta).ok());
+    ASSERT_TRUE(test::ImportPath(project, host, "vamas", scienta).Messages().empty());
     EXPECT_EQ(project.Description, "EMS04-035-11A");
-    EXPECT_TRUE(host.messages.empty());
-    ASSERT_TRUE(ReadVamas(project, host, eis).ok());
-    EXPECT_EQ(host.messages, std::vector<std::string>{"Too many points.  Only 5000 points have been read."});
-    host.messages.clear();
-    EXPECT_EQ(ReadVamas(project, host, aes).message(), msg::kNotXps);
+    const ImportResult big = test::ImportPath(project, host, "vamas", eis);
+    ASSERT_TRUE(big.status.ok());
+    EXPECT_EQ(test::MessageTexts(big.Messages()),
+              std::vector<std::string>{"Too many points.  Only 5000 points have been read."});
+    EXPECT_EQ(test::ImportPath(project, host, "vamas", aes).status.message(), msg::kNotXps);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
@@ -312,8 +313,8 @@ TEST(VamasReal, IrregularListsEnergiesPointByPoint) {
     Project a;
     Project b;
     RecordingHost host;
-    ASSERT_TRUE(ReadVamas(a, host, path).ok());
-    ASSERT_TRUE(ReadVamas(b, host, regular).ok());
+    ASSERT_TRUE(test::ImportPath(a, host, "vamas", path).status.ok());
+    ASSERT_TRUE(test::ImportPath(b, host, "vamas", regular).status.ok());
     const Region& r = a.Regions[0];
     ASSERT_EQ(r.PointCount, 1351);
     // Independent scan: triples (KE, intensity, transmission) after the count line.

@@ -74,7 +74,7 @@ inline int AddKnownPeak(Project& project, int r, int slot, const KnownPeak& k) {
 }
 
 /// Every region's curves and the total, as after loading a project.
-inline void Settle(Project& project) { RecomputeAllRegionsSilent(project); }
+inline void Settle(Project& project) { RecomputeRegionsWithBackground(project, QuietHost()); }
 
 /// Coarse-to-fine options for both methods.
 inline FitOptions TestOptions(float method, int trials) {
@@ -95,14 +95,14 @@ inline FitOptions TestOptions(float method, int trials) {
     return o;
 }
 
-/// A host that reports every chi box update: during a Region-mode trial this is the
-/// moment the trial value sits in the peak.
+/// A host that calls back at every chi-square report: during a Region-mode trial this is
+/// the moment the trial value sits in the peak.
 class WatchingHost : public RecordingHost {
 public:
     std::function<void()> onChi;
     std::function<void()> onYield;
-    void SetRegionChiText(int region, const std::string& text) override {
-        RecordingHost::SetRegionChiText(region, text);
+    void ChiSquareChanged(int region, float value) override {
+        RecordingHost::ChiSquareChanged(region, value);
         if (onChi) onChi();
     }
     void Yield() override {

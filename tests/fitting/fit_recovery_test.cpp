@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "fileio/asciiimport.h"
 #include "fit_fixture.h"
 #include "fitting/driver.h"
+#include "session/fitcommands.h"
 #include "spectral/background.h"
 #include "support/files.h"
 
@@ -63,7 +63,7 @@ INSTANTIATE_TEST_SUITE_P(Scenarios, FitRecovery, ::testing::ValuesIn(kScenarios)
 /// over 276..295 eV.
 bool LoadC1s(Project& project, Host& host, const std::string& path) {
     ClearProject(project, host);
-    if (!ReadAscii(project, host, path).ok()) return false;
+    if (!test::ImportPath(project, host, "ascii", path).status.ok()) return false;
     Region& region = project.Regions[0];
     region.BackgroundType = 0;
     region.BackgroundLowBE = 276;

@@ -154,7 +154,7 @@ TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
         if (d == 0 || d > 0.5) continue;
         probe.Peaks[0].Position = static_cast<float>(285.0 + d);
         probe.Peaks[5].Position = probe.Peaks[0].Position;
-        RecomputeAllRegionsSilent(probe);
+        RecomputeRegionsWithBackground(probe, QuietHost());
         if (probe.TotalChiSquare < bestTotal) {
             bestTotal = probe.TotalChiSquare;
             bestPos = probe.Peaks[0].Position;

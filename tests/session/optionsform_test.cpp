@@ -152,9 +152,8 @@ TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     f.SearchTrial = "33";
     FitOptions o;
     o.GLSum = -1;
-    RecordingHost host;
-    ASSERT_TRUE(SaveOptionsCommand((dir / "a.opa").string(), f, o, host).ok());
-    EXPECT_EQ(host.messages, std::vector<std::string>{msg::kNewtonTrialsRange});
+    EXPECT_EQ(ApplyOptionsDialog(f, o).message(), msg::kNewtonTrialsRange);
+    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
     FitOptions back;
     ASSERT_TRUE(ReadOptionFile(back, (dir / "a.opa").string()).ok());
     EXPECT_EQ(back.SearchTrials, 33);  // stored before the failing step
@@ -163,7 +162,7 @@ TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     // A failed load leaves the dialog alone.
     test::WriteBytes(dir / "short.opa", std::string(10, '\0'));
     OptionsForm g;
-    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o, host).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o).message(), msg::kErrorReadingFile);
     EXPECT_FALSE(g.Visible);
     EXPECT_EQ(g.SearchTrial, "");
 }

@@ -14,8 +14,8 @@ namespace {
 
 struct FitHost : test::RecordingHost {
     int fitBegins = 0, fitEnds = 0;
-    void BeginFit() override { ++fitBegins; }
-    void EndFit() override { ++fitEnds; }
+    void FitStarted() override { ++fitBegins; }
+    void FitEnded() override { ++fitEnds; }
 };
 
 // Distance of x from the nearest multiple of `step` counted from `origin`, in steps.

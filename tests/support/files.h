@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "fileio/formats.h"
 #include "model/records.h"
 #include "support/paths.h"
 #include "support/recording_host.h"
@@ -50,6 +51,19 @@ inline std::vector<std::string> FileLines(const std::string& path) {
         lines.push_back(line);
     }
     return lines;
+}
+
+/// Imports the file at `path` in format `format` ("vamas", ...) as the Import menu does.
+inline ImportResult ImportPath(Project& project, Host& host, const std::string& format,
+                               const std::string& path) {
+    return ImportFile(project, host, *FindImportFormat(format), path);
+}
+
+/// Imports `text` as the content of a file in format `format`.
+inline ImportResult ImportText(Project& project, Host& host, const std::string& format,
+                               std::string_view text) {
+    const ImportFormat& f = *FindImportFormat(format);
+    return StoreImport(project, host, f.parse(text), f.policy);
 }
 
 /// An empty project and a recording host, for the import tests.

@@ -1,35 +1,25 @@
 #pragma once
-// A host for tests: records every message, beep and window update, and answers
-// Yes/No questions from a script.
+// A host for tests: keeps the main window's texts as the session host does, counts beeps,
+// redraws and yields, and answers Yes/No questions from a script.
 
 #include <deque>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "model/host.h"
+#include "base/status.h"
+#include "session/sessionhost.h"
 
 namespace molvera::test {
 
-struct PeakButton {
-    std::string caption;
-    bool enabled = false;
-};
-
-class RecordingHost : public Host {
+class RecordingHost : public SessionHost {
 public:
-    std::vector<std::string> messages;
     int beeps = 0;
     std::deque<bool> answers;  ///< answers to AskYesNo, in order; No when empty
-    std::map<int, std::string> chiTexts;
-    std::string totalChiText;
-    std::map<int, PeakButton> peakButtons;
-    std::string description;
-    int redraws = 0;
-    int regionWindowShows = 0;
+    std::string description;   ///< the last description reported
+    int redraws = 0;           ///< CurvesChanged
+    int regionWindowShows = 0; ///< RegionInView
     int yields = 0;
 
-    void Message(const std::string& text) override { messages.push_back(text); }
     bool AskYesNo(const std::string&, const std::string&) override {
         if (answers.empty()) return false;
         bool a = answers.front();
@@ -37,15 +27,20 @@ public:
         return a;
     }
     void Beep() override { ++beeps; }
-    void SetRegionChiText(int region, const std::string& text) override { chiTexts[region] = text; }
-    void SetTotalChiText(const std::string& text) override { totalChiText = text; }
-    void SetPeakButton(int index, const std::string& caption, bool enabled) override {
-        peakButtons[index] = {caption, enabled};
-    }
-    void SetDescriptionText(const std::string& text) override { description = text; }
-    void RedrawRegion() override { ++redraws; }
-    void ShowRegionWindow() override { ++regionWindowShows; }
+    void DescriptionChanged(const std::string& text) override { description = text; }
+    void CurvesChanged() override { ++redraws; }
+    void RegionInView() override { ++regionWindowShows; }
     void Yield() override { ++yields; }
+
+    const std::string& ChiText(int region) const { return MainTexts().chiSquare[region]; }
+    const PeakButtonText& PeakButton(int index) const { return MainTexts().peakButtons[index]; }
 };
+
+/// The fixed texts of messages, in order (their details left out).
+inline std::vector<std::string> MessageTexts(const std::vector<Status>& messages) {
+    std::vector<std::string> texts;
+    for (const Status& m : messages) texts.push_back(m.message());
+    return texts;
+}
 
 }  // namespace molvera::test

@@ -188,9 +188,9 @@ TEST_F(BackgroundDialogTest, ShirleySlopeSearchShowsEveryTrialAndPaintsThePlot) 
 }
 
 TEST_F(BackgroundDialogTest, HiddenOnRegionChangeAndDisabledDuringAFit) {
-    gui->host().BeginFit();
+    gui->host().FitStarted();
     EXPECT_FALSE(dialog().isEnabled());
-    gui->host().EndFit();
+    gui->host().FitEnded();
     EXPECT_TRUE(dialog().isEnabled());
 
     main().RegionButton(4)->click();

@@ -134,11 +134,13 @@ TEST_F(GuiTest, SaveAndOpenRoundTripThroughTheButtons) {
     EXPECT_EQ(other.regionWindow().windowTitle(), "Region 1");
 }
 
-TEST_F(GuiTest, OpenOfAWrongFileShowsTheMessageOnce) {
+TEST_F(GuiTest, OpenOfAWrongFileShowsTheMessageOnceWithItsDetail) {
     chooser.paths.push_back(DataFile("real/lg4x/C1s_sample.csv"));
     main().findChild<QPushButton*>("Open")->click();
     ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0], msg::kWrongFileFormat);
+    // The same text as molvera-cli prints: the fixed message, and the detail below it.
+    EXPECT_EQ(sink.messages[0], std::string(msg::kWrongFileFormat) +
+                                    "\nC1s_sample.csv: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
 }
 
 }  // namespace

@@ -76,10 +76,10 @@ TEST_F(GuiTest, LongRegionCaptionIsCutTo20AndRedrawn) {
 TEST_F(GuiTest, RegionDialogsAreDisabledDuringAFit) {
     Menu("RegionShift");
     Menu("RegionCaption");
-    gui->host().BeginFit();
+    gui->host().FitStarted();
     EXPECT_FALSE(gui->regionShiftDialog().isEnabled());
     EXPECT_FALSE(gui->regionCaptionDialog().isEnabled());
-    gui->host().EndFit();
+    gui->host().FitEnded();
     EXPECT_TRUE(gui->regionShiftDialog().isEnabled());
     EXPECT_TRUE(gui->regionCaptionDialog().isEnabled());
 }

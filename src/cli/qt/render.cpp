@@ -61,8 +61,8 @@ int RunRender(int argc, char** argv) {
     if (!region) return Fail("--region takes a region number 1..10");
 
     Session s;
-    if (Status st = LoadOptions(args, s); !st) return Refused(s, st);
-    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(s, st);
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     s.project.CurrentRegion = static_cast<Int16>(*region);
     if (!IsSet(s.project.Current().HasData))
         return Fail("region " + std::to_string(*region + 1) + " holds no data");
@@ -77,7 +77,7 @@ int RunRender(int argc, char** argv) {
     const bool written = ext == "pdf" ? WritePdf(s.project, out, withPeaks)
                                       : WritePng(s.project, out, withPeaks);
     if (!written) {
-        s.host.Message(msg::kErrorSavingFile);
+        Print(msg::kErrorSavingFile);
         return kExitRefused;
     }
     return 0;
