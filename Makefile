@@ -11,13 +11,15 @@ PACKAGES := cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchm
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 
-.PHONY: all deps configure build run test asan-test bench screenshots clean
+.PHONY: all deps configure build run test asan-test bench screenshots clean lint lint-deps \
+        lint-format lint-tidy format
 
 all: build
 
-# Installs only what is missing; nothing to do (and no network) when all is there.
-deps:
-	@missing=$$(for p in $(PACKAGES); do \
+# `$(call install,PACKAGES)` installs only what is missing; nothing to do (and no
+# network) when all is there.
+define install
+	@missing=$$(for p in $(1); do \
 	    dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q '^install ok installed' || echo $$p; \
 	  done); \
 	if [ -n "$$missing" ]; then \
@@ -25,6 +27,10 @@ deps:
 	  $(SUDO) apt-get update -qq && \
 	  DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y --no-install-recommends $$missing; \
 	fi
+endef
+
+deps:
+	$(call install,$(PACKAGES))
 
 $(BUILD)/build.ninja: | deps
 	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
@@ -65,6 +71,41 @@ screenshots: build
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
 
+# Style. `make lint`: the format of every C++ file of ours against .clang-format, and
+# clang-tidy (.clang-tidy) over the layers below the Qt layer and molvera-cli, in
+# parallel; it reports both even when one fails. `make format` formats the same files.
+LINT_PACKAGES := clang-format clang-tidy
+FORMAT_FILES   = $(shell find src app tests bench fuzz -name '*.cpp' -o -name '*.h' | sort)
+TIDY_LAYERS   := base model spectral constraints fitting fileio plot session
+TIDY_FILES     = $(wildcard $(TIDY_LAYERS:%=src/%/*.cpp))
+
+lint-deps:
+	$(call install,$(LINT_PACKAGES))
+
+lint:
+	@$(MAKE) --no-print-directory -k lint-format lint-tidy
+
+lint-format: lint-deps
+	@out=$$(clang-format --dry-run -Werror $(FORMAT_FILES) 2>&1) && \
+	  { echo "clang-format: $(words $(FORMAT_FILES)) files, all formatted"; exit 0; }; \
+	bad=$$(printf '%s\n' "$$out" | sed -n 's/^\([^:]*\):[0-9]*:[0-9]*: error: code should be clang-formatted.*/\1/p' | uniq); \
+	if [ -z "$$bad" ]; then printf '%s\n' "$$out"; exit 1; fi; \
+	echo "Not formatted as .clang-format asks, $$(echo "$$bad" | wc -l) of $(words $(FORMAT_FILES))" \
+	  "files (\`make format\` formats them):"; \
+	printf '    %s\n' $$bad; exit 1
+
+# compile_commands.json comes from the configure step; a file's output is shown only
+# when clang-tidy fails on it.
+lint-tidy: lint-deps configure
+	@printf '%s\n' $(TIDY_FILES) | xargs -n 1 -P $(JOBS) sh -c \
+	  'out=$$(clang-tidy -p $(BUILD) --quiet "$$1" 2>&1) || \
+	   { printf "%s\n" "$$out" | grep -v "^[0-9]* warnings.* generated"; exit 1; }' clang-tidy \
+	  || { echo "clang-tidy: findings above (the checks are in .clang-tidy)"; exit 1; }
+	@echo "clang-tidy: $(words $(TIDY_FILES)) files of $(TIDY_LAYERS), no findings"
+
+format: lint-deps
+	clang-format -i $(FORMAT_FILES)
+
 # libFuzzer targets of every reader, built with clang under ASan and UBSan.
 # `make fuzz FUZZ_SECONDS=N FUZZ_SEEDS=DIR`: N seconds per target (default 60), DIR an
 # extra folder of seed files given to every target. Fails on any finding.
@@ -75,14 +116,7 @@ FUZZ_SEEDS    ?=
 FUZZ_PACKAGES := clang libclang-rt-14-dev
 
 fuzz-deps: deps
-	@missing=$$(for p in $(FUZZ_PACKAGES); do \
-	    dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q '^install ok installed' || echo $$p; \
-	  done); \
-	if [ -n "$$missing" ]; then \
-	  echo "Installing: $$missing"; \
-	  $(SUDO) apt-get update -qq && \
-	  DEBIAN_FRONTEND=noninteractive $(SUDO) apt-get install -y --no-install-recommends $$missing; \
-	fi
+	$(call install,$(FUZZ_PACKAGES))
 
 fuzz: fuzz-deps
 	cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
