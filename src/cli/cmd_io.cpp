@@ -79,8 +79,11 @@ int RunImport(int argc, char** argv) {
     Args args(argc, argv, 2, {});
     if (!CheckArgs(args, {"into", "region", "o"}, 2, Usage("import"))) return kExitUsage;
     const ImportFormat* format = FindImportFormat(args.Positional()[0]);
-    if (!format) return Fail("unknown format '" + args.Positional()[0] +
-                             "' (vamas, kratos, leybold, phi or ascii)");
+    if (!format) {
+        std::string names;
+        for (const ImportFormat& f : ImportFormats()) names += (names.empty() ? "" : ", ") + std::string(f.name);
+        return Fail("unknown format '" + args.Positional()[0] + "' (" + names + ")");
+    }
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;
