@@ -10,10 +10,10 @@ namespace molvera {
 int UsableRangeCount(const Region& region);
 
 /// All curves, envelope, residual and ChiSquare of the current region; updates its
-/// share of TotalChiSquare and the chi boxes.
+/// share of TotalChiSquare and the chi-square boxes.
 void ComputeRegionEnvelope(Project& project, Host& host);
 
-/// The same curves and ChiSquare (shown in the region's chi box); TotalChiSquare is
+/// The same curves and ChiSquare (shown in the region's chi-square box); TotalChiSquare is
 /// left to the caller.
 void RecomputeRegionQuiet(Project& project, Host& host);
 
@@ -22,7 +22,7 @@ void RecomputeRegionQuiet(Project& project, Host& host);
 void RecomputeAllRegions(Project& project, Host& host);
 
 /// Curves and ChiSquare of every region with a background; TotalChiSquare as their
-/// sum; every such chi box and the total are shown.
+/// sum; every such chi-square box and the total are shown.
 void RecomputeAllRegionsShown(Project& project, Host& host);
 
 /// As RecomputeAllRegionsShown, without touching the window.

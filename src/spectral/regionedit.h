@@ -21,7 +21,7 @@ void ClearRegionParameters(Project& project, Host& host);
 /// ClearRegionParameters, then the region no longer holds data.
 void DeleteRegionData(Project& project, Host& host);
 
-/// Chi boxes and peak buttons of every region from the project (after a load).
+/// Chi-square boxes and peak buttons of every region from the project (after a load).
 void RefreshMainWindow(Project& project, Host& host);
 
 }  // namespace molvera

@@ -95,7 +95,7 @@ inline FitOptions TestOptions(float method, int trials) {
     return o;
 }
 
-/// A host that reports every chi box update: during a Region-mode trial this is the
+/// A host that reports every chi-square box update: during a Region-mode trial this is the
 /// moment the trial value sits in the peak.
 class WatchingHost : public RecordingHost {
 public:
