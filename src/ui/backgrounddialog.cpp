@@ -90,8 +90,8 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
 
     connect(accept, &QPushButton::clicked, this, &BackgroundDialog::AcceptClicked);
     connect(close, &QPushButton::clicked, this, &BackgroundDialog::CloseClicked);
-    connect(shirleyOpt, &QPushButton::clicked, this, &BackgroundDialog::ShirleyOptimiseClicked);
-    connect(tougaardOpt, &QPushButton::clicked, this, &BackgroundDialog::TougaardOptimiseClicked);
+    connect(shirleyOpt, &QPushButton::clicked, this, &BackgroundDialog::ShirleySlopeSearchClicked);
+    connect(tougaardOpt, &QPushButton::clicked, this, &BackgroundDialog::TougaardB1SearchClicked);
     ShowForm();
 }
 
@@ -109,25 +109,25 @@ QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) 
 }
 
 void BackgroundDialog::ShowForm() {
-    lbe_->setText(FromLatin1(form_.LBE));
-    hbe_->setText(FromLatin1(form_.HBE));
-    SetChoice(averPt_, form_.AverPt);
-    SetChoice(bg_, form_.BG);
-    slope_->setText(FromLatin1(form_.ShirleySlope));
-    touB1_->setText(FromLatin1(form_.TouB1));
-    area_->setText(FromLatin1(form_.Area));
+    lbe_->setText(FromLatin1(form_.lowBEText));
+    hbe_->setText(FromLatin1(form_.highBEText));
+    SetChoice(averPt_, form_.averagePoints);
+    SetChoice(bg_, form_.backgroundType);
+    slope_->setText(FromLatin1(form_.shirleySlopeText));
+    touB1_->setText(FromLatin1(form_.tougaardB1Text));
+    area_->setText(FromLatin1(form_.areaText));
     for (QLineEdit* box : {lbe_, hbe_, slope_, touB1_, area_}) box->setCursorPosition(0);
     if (!form_.caption.empty()) setWindowTitle(FromLatin1(form_.caption));
     ShowOrHide(*this, form_.visible);
 }
 
 void BackgroundDialog::ReadForm() {
-    form_.LBE = ToLatin1(lbe_->text());
-    form_.HBE = ToLatin1(hbe_->text());
-    form_.AverPt = ToLatin1(averPt_->currentText());
-    form_.BG = ToLatin1(bg_->currentText());
-    form_.ShirleySlope = ToLatin1(slope_->text());
-    form_.TouB1 = ToLatin1(touB1_->text());
+    form_.lowBEText = ToLatin1(lbe_->text());
+    form_.highBEText = ToLatin1(hbe_->text());
+    form_.averagePoints = ToLatin1(averPt_->currentText());
+    form_.backgroundType = ToLatin1(bg_->currentText());
+    form_.shirleySlopeText = ToLatin1(slope_->text());
+    form_.tougaardB1Text = ToLatin1(touB1_->text());
 }
 
 void BackgroundDialog::Open() {
@@ -143,8 +143,8 @@ void BackgroundDialog::Run(void (*handler)(Project&, Host&, BackgroundForm&)) {
     // painted at once (the plot otherwise paints once per screen refresh).
     int redraws = host_.RedrawCount();
     host_.beforeYield = [this, &redraws] {
-        slope_->setText(FromLatin1(form_.ShirleySlope));
-        touB1_->setText(FromLatin1(form_.TouB1));
+        slope_->setText(FromLatin1(form_.shirleySlopeText));
+        touB1_->setText(FromLatin1(form_.tougaardB1Text));
         if (host_.RedrawCount() != redraws && repaintPlot) repaintPlot();
         redraws = host_.RedrawCount();
     };
@@ -163,12 +163,12 @@ void BackgroundDialog::CloseClicked() {
     ShowForm();
 }
 
-void BackgroundDialog::ShirleyOptimiseClicked() {
-    Run(&ShirleyOptimiseClick);
+void BackgroundDialog::ShirleySlopeSearchClicked() {
+    Run(&OptimiseShirleySlope);
 }
 
-void BackgroundDialog::TougaardOptimiseClicked() {
-    Run(&TougaardOptimiseClick);
+void BackgroundDialog::TougaardB1SearchClicked() {
+    Run(&OptimiseTougaardBackground);
 }
 
 void BackgroundDialog::closeEvent(QCloseEvent* event) {

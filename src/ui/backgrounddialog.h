@@ -32,9 +32,9 @@ public:
     void AcceptClicked();
     void CloseClicked();
     /// `Command1`: the Shirley slope search; the plot and the Slope box follow every trial.
-    void ShirleyOptimiseClicked();
+    void ShirleySlopeSearchClicked();
     /// `Toug_Opt`: the Tougaard B1 search in the busy state.
-    void TougaardOptimiseClicked();
+    void TougaardB1SearchClicked();
 
     /// Paints the region's plot at once, so that every trial of a search is seen.
     std::function<void()> repaintPlot;

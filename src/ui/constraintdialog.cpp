@@ -80,26 +80,26 @@ ConstraintDialog::ConstraintDialog(Project& project, Host& host, QWidget* parent
 }
 
 void ConstraintDialog::ShowForm() {
-    setWindowTitle(FromLatin1(form_.Caption));
-    peak_->setText(FromLatin1(form_.PeakLabel));
-    use_->setChecked(form_.Use);
-    SetBoxText(refPeak_, form_.RefPeak);
-    argType_->setCurrentText(FromLatin1(form_.ArgType));
-    SetBoxText(arg_, form_.Arg);
-    range_->setChecked(form_.Range);
-    SetBoxText(low_, form_.Low);
-    SetBoxText(high_, form_.High);
-    ShowOrHide(*this, form_.Visible);
+    setWindowTitle(FromLatin1(form_.caption));
+    peak_->setText(FromLatin1(form_.peakLabel));
+    use_->setChecked(form_.useRelation);
+    SetBoxText(refPeak_, form_.referencePeakText);
+    argType_->setCurrentText(FromLatin1(form_.operation));
+    SetBoxText(arg_, form_.argumentText);
+    range_->setChecked(form_.useLimits);
+    SetBoxText(low_, form_.lowLimitText);
+    SetBoxText(high_, form_.highLimitText);
+    ShowOrHide(*this, form_.visible);
 }
 
 void ConstraintDialog::ReadForm() {
-    form_.Use = use_->isChecked();
-    form_.RefPeak = ToLatin1(refPeak_->text());
-    form_.ArgType = ToLatin1(argType_->currentText());
-    form_.Arg = ToLatin1(arg_->text());
-    form_.Range = range_->isChecked();
-    form_.Low = ToLatin1(low_->text());
-    form_.High = ToLatin1(high_->text());
+    form_.useRelation = use_->isChecked();
+    form_.referencePeakText = ToLatin1(refPeak_->text());
+    form_.operation = ToLatin1(argType_->currentText());
+    form_.argumentText = ToLatin1(arg_->text());
+    form_.useLimits = range_->isChecked();
+    form_.lowLimitText = ToLatin1(low_->text());
+    form_.highLimitText = ToLatin1(high_->text());
 }
 
 void ConstraintDialog::Open(ConstraintKind kind) {
@@ -108,13 +108,13 @@ void ConstraintDialog::Open(ConstraintKind kind) {
 }
 
 void ConstraintDialog::HideDialog() {
-    form_.Visible = false;
+    form_.visible = false;
     hide();
 }
 
 void ConstraintDialog::OkClicked() {
     ReadForm();
-    const Status st = ConstraintOK(project_, form_);
+    const Status st = AcceptConstraint(project_, form_);
     // The dialog keeps the user's entries after a refusal.
     if (!st) {
         host_.Message(st.message());

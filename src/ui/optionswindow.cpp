@@ -31,7 +31,7 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host,
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
-    QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::TolVal);
+    QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::toleranceText);
     tol->setMinimumWidth(150);
     bottom->addWidget(tol);
     bottom->addSpacing(20);
@@ -56,10 +56,10 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host,
     layout->addLayout(frames);
     layout->addLayout(bottom);
 
-    connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&UseSearchClick); });
-    connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&UseNewtonClick); });
-    connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&GLSumClick); });
-    connect(glProduct_, &QRadioButton::clicked, this, [this] { RunHandler(&GLProductClick); });
+    connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplySearchChoice); });
+    connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyNewtonChoice); });
+    connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLSumChoice); });
+    connect(glProduct_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLProductChoice); });
     connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
     connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
     connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
@@ -82,17 +82,17 @@ QGroupBox* OptionsWindow::SearchFrame() {
     top->addWidget(useSearch_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("SearchTrial"), &OptionsForm::SearchTrial);
+    QLineEdit* trials = Box(QStringLiteral("SearchTrial"), &OptionsForm::searchTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use   Range   Step");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosSearchCheck,
-                                 &OptionsForm::PosRange, &OptionsForm::PosStep, QStringLiteral("Pos")));
-    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaSearchCheck,
-                                 &OptionsForm::AreaRange, &OptionsForm::AreaStep, QStringLiteral("Area")));
-    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMSearchCheck,
-                                 &OptionsForm::FWHMRange, &OptionsForm::FWHMStep, QStringLiteral("FWHM")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::usePositionSearch,
+                                 &OptionsForm::positionRangeText, &OptionsForm::positionStepText, QStringLiteral("Pos")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaSearch,
+                                 &OptionsForm::areaRangeText, &OptionsForm::areaStepText, QStringLiteral("Area")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMSearch,
+                                 &OptionsForm::fwhmRangeText, &OptionsForm::fwhmStepText, QStringLiteral("FWHM")));
     return frame;
 }
 
@@ -106,17 +106,17 @@ QGroupBox* OptionsWindow::NewtonFrame() {
     top->addWidget(useNewton_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("NewtonTrial"), &OptionsForm::NewtonTrial);
+    QLineEdit* trials = Box(QStringLiteral("NewtonTrial"), &OptionsForm::newtonTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use  Delta");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosNewtonCheck,
-                                 &OptionsForm::PosDelta, nullptr, QStringLiteral("PosNewton")));
-    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaNewtonCheck,
-                                 &OptionsForm::AreaDelta, nullptr, QStringLiteral("AreaNewton")));
-    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMNewtonCheck,
-                                 &OptionsForm::FWHMDelta, nullptr, QStringLiteral("FWHMNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::usePositionNewton,
+                                 &OptionsForm::positionDeltaText, nullptr, QStringLiteral("PosNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaNewton,
+                                 &OptionsForm::areaDeltaText, nullptr, QStringLiteral("AreaNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMNewton,
+                                 &OptionsForm::fwhmDeltaText, nullptr, QStringLiteral("FWHMNewton")));
     return frame;
 }
 
@@ -162,10 +162,10 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
 void OptionsWindow::ReadForm() {
     for (auto& t : texts_) t.field(form_) = ToLatin1(t.box->text());
     for (auto& c : checks_) c.field(form_) = c.box->isChecked();
-    form_.UseSearch = useSearch_->isChecked();
-    form_.UseNewton = useNewton_->isChecked();
-    form_.GLSum = glSum_->isChecked();
-    form_.GLProduct = glProduct_->isChecked();
+    form_.useSearch = useSearch_->isChecked();
+    form_.useNewton = useNewton_->isChecked();
+    form_.glSum = glSum_->isChecked();
+    form_.glProduct = glProduct_->isChecked();
 }
 
 void OptionsWindow::ShowForm() {
@@ -174,16 +174,16 @@ void OptionsWindow::ShowForm() {
         t.box->setCursorPosition(0);  // long numbers show their leading digits
     }
     for (auto& c : checks_) c.box->setChecked(c.field(form_));
-    useSearch_->setChecked(form_.UseSearch);
-    useNewton_->setChecked(form_.UseNewton);
+    useSearch_->setChecked(form_.useSearch);
+    useNewton_->setChecked(form_.useNewton);
     glSum_->setAutoExclusive(false);
     glProduct_->setAutoExclusive(false);
-    glSum_->setChecked(form_.GLSum);
-    glProduct_->setChecked(form_.GLProduct);
+    glSum_->setChecked(form_.glSum);
+    glProduct_->setChecked(form_.glProduct);
     glSum_->setAutoExclusive(true);
     glProduct_->setAutoExclusive(true);
-    if (setAsymmetryFrameEnabled) setAsymmetryFrameEnabled(form_.AsymmetryFrameEnabled);
-    if (form_.Visible) {
+    if (setAsymmetryFrameEnabled) setAsymmetryFrameEnabled(form_.asymmetryFrameEnabled);
+    if (form_.visible) {
         show();
         raise();
     } else {

@@ -26,10 +26,10 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
       host_(host),
       plot_(plot),
       constraints_(constraints),
-      rows_{{{PeakParameter::Position, &PeakForm::PosVal, &PeakForm::ScPos, &PeakForm::ChkPos},
-             {PeakParameter::FWHM, &PeakForm::FWHMVal, &PeakForm::ScFWHM, &PeakForm::ChkFWHM},
-             {PeakParameter::Area, &PeakForm::AreaVal, &PeakForm::ScArea, &PeakForm::ChkArea},
-             {PeakParameter::GL, &PeakForm::GLVal, &PeakForm::ScGL, &PeakForm::ChkGL}}} {
+      rows_{{{PeakParameter::Position, &PeakForm::positionText, &PeakForm::positionBar, &PeakForm::fixPosition},
+             {PeakParameter::FWHM, &PeakForm::fwhmText, &PeakForm::fwhmBar, &PeakForm::fixFWHM},
+             {PeakParameter::Area, &PeakForm::areaText, &PeakForm::areaBar, &PeakForm::fixArea},
+             {PeakParameter::GL, &PeakForm::glText, &PeakForm::glBar, &PeakForm::fixGL}}} {
     setObjectName(QStringLiteral("PeakForm"));
 
     auto* top = new QHBoxLayout;
@@ -131,11 +131,11 @@ QGroupBox* PeakEditor::AsymmetryFrame() {
 void PeakEditor::ShowForm() {
     showing_ = true;
     setWindowTitle(FromLatin1(form_.caption));
-    if (type_->currentText() != FromLatin1(form_.PeakType)) type_->setCurrentText(FromLatin1(form_.PeakType));
-    SetBoxText(splitting_, form_.SplittingVal);
-    actFWHM_->setText(FromLatin1(form_.ActFWHM));
-    SetBoxText(ts_, form_.TSVal);
-    SetBoxText(tl_, form_.TLVal);
+    if (type_->currentText() != FromLatin1(form_.peakType)) type_->setCurrentText(FromLatin1(form_.peakType));
+    SetBoxText(splitting_, form_.splittingText);
+    actFWHM_->setText(FromLatin1(form_.actualFWHM));
+    SetBoxText(ts_, form_.tailScaleText);
+    SetBoxText(tl_, form_.tailLengthText);
     for (ParameterRow& row : rows_) {
         SetBoxText(row.box, form_.*row.text);
         const ScrollBar& bar = form_.*row.bar;
@@ -149,10 +149,10 @@ void PeakEditor::ShowForm() {
 }
 
 void PeakEditor::ReadForm() {
-    form_.PeakType = ToLatin1(type_->currentText());
-    form_.SplittingVal = ToLatin1(splitting_->text());
-    form_.TSVal = ToLatin1(ts_->text());
-    form_.TLVal = ToLatin1(tl_->text());
+    form_.peakType = ToLatin1(type_->currentText());
+    form_.splittingText = ToLatin1(splitting_->text());
+    form_.tailScaleText = ToLatin1(ts_->text());
+    form_.tailLengthText = ToLatin1(tl_->text());
     for (ParameterRow& row : rows_) {
         form_.*row.text = ToLatin1(row.box->text());
         form_.*row.check = row.fix->isChecked();
@@ -195,35 +195,35 @@ void PeakEditor::FixToggled(ParameterRow& row, bool checked) {
 
 void PeakEditor::AcceptClicked() {
     ReadForm();
-    PeakAccept(project_, host_, form_);
+    AcceptPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::ReDrawClicked() {
     ReadForm();
-    PeakReDraw(project_, host_, form_);
+    RedrawPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::CancelClicked() {
-    PeakCancel(project_, host_, form_);
+    CancelPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::DeleteClicked() {
-    PeakDelete(project_, host_, form_);
+    DeleteEditedPeak(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::OptimiseClicked(PeakParameter which) {
     ReadForm();
-    OptimiseParameterClick(project_, host_, form_, which);
+    OptimiseEditedParameter(project_, host_, form_, which);
     ShowForm();
 }
 
 void PeakEditor::OptimisePeakClicked() {
     ReadForm();
-    OptpeakClick(project_, host_, form_);
+    OptimiseEditedPeak(project_, host_, form_);
     ShowForm();
 }
 

@@ -27,7 +27,7 @@ RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
 }
 
 void RegionShiftDialog::ShowForm() {
-    shiftText_->setText(FromLatin1(form_.ShiftText));
+    shiftText_->setText(FromLatin1(form_.shiftText));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -37,7 +37,7 @@ void RegionShiftDialog::Open() {
 }
 
 void RegionShiftDialog::AcceptClicked() {
-    form_.ShiftText = ToLatin1(shiftText_->text());
+    form_.shiftText = ToLatin1(shiftText_->text());
     AcceptRegionShift(project_, form_);
     ShowForm();
 }
@@ -62,7 +62,7 @@ RegionCaptionDialog::RegionCaptionDialog(Project& project, Host& host, QWidget* 
 }
 
 void RegionCaptionDialog::ShowForm() {
-    text_->setText(FromLatin1(form_.Text));
+    text_->setText(FromLatin1(form_.captionText));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -72,7 +72,7 @@ void RegionCaptionDialog::Open() {
 }
 
 void RegionCaptionDialog::OkClicked() {
-    form_.Text = ToLatin1(text_->text());
+    form_.captionText = ToLatin1(text_->text());
     AcceptRegionCaption(project_, host_, form_);
     ShowForm();
 }
