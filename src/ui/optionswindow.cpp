@@ -22,7 +22,7 @@ constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
 OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host, FileDialog& files,
                              QWidget* parent)
     : QWidget(parent, Qt::Window), form_(form), options_(options), host_(host), files_(files) {
-    setObjectName(QStringLiteral("OptForm"));
+    setObjectName(QStringLiteral("optionsWindow"));
     setWindowTitle(QStringLiteral("Option"));
 
     auto* frames = new QHBoxLayout;
@@ -31,23 +31,23 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host,
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
-    QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::toleranceText);
+    QLineEdit* tol = Box(QStringLiteral("toleranceText"), &OptionsForm::toleranceText);
     tol->setMinimumWidth(150);
     bottom->addWidget(tol);
     bottom->addSpacing(20);
     glSum_ = new QRadioButton(QStringLiteral("GL Sum"), this);
-    glSum_->setObjectName(QStringLiteral("GLSum"));
+    glSum_->setObjectName(QStringLiteral("glSum"));
     glProduct_ = new QRadioButton(QStringLiteral("GL Product"), this);
-    glProduct_->setObjectName(QStringLiteral("GLProduct"));
+    glProduct_->setObjectName(QStringLiteral("glProduct"));
     bottom->addWidget(glSum_);
     bottom->addWidget(glProduct_);
     bottom->addStretch();
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("OptionOK"));
+    ok->setObjectName(QStringLiteral("okButton"));
     auto* load = new QPushButton(QStringLiteral("Load Parameters"), this);
-    load->setObjectName(QStringLiteral("ReadOption"));
+    load->setObjectName(QStringLiteral("loadParametersButton"));
     auto* save = new QPushButton(QStringLiteral("Save Parameters"), this);
-    save->setObjectName(QStringLiteral("SaveOption"));
+    save->setObjectName(QStringLiteral("saveParametersButton"));
     bottom->addWidget(ok);
     bottom->addWidget(load);
     bottom->addWidget(save);
@@ -59,7 +59,8 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, Host& host,
     connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplySearchChoice); });
     connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyNewtonChoice); });
     connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLSumChoice); });
-    connect(glProduct_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLProductChoice); });
+    connect(glProduct_, &QRadioButton::clicked, this,
+            [this] { RunHandler(&ApplyGLProductChoice); });
     connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
     connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
     connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
@@ -77,22 +78,25 @@ QGroupBox* OptionsWindow::SearchFrame() {
     auto* layout = new QVBoxLayout(frame);
     auto* top = new QHBoxLayout;
     useSearch_ = new QRadioButton(QStringLiteral("Use"), frame);
-    useSearch_->setObjectName(QStringLiteral("UseSearch"));
+    useSearch_->setObjectName(QStringLiteral("useSearch"));
     useSearch_->setAutoExclusive(false);
     top->addWidget(useSearch_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("SearchTrial"), &OptionsForm::searchTrialsText);
+    QLineEdit* trials = Box(QStringLiteral("searchTrialsText"), &OptionsForm::searchTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use   Range   Step");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::usePositionSearch,
-                                 &OptionsForm::positionRangeText, &OptionsForm::positionStepText, QStringLiteral("Pos")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading,
+                                 &OptionsForm::usePositionSearch, &OptionsForm::positionRangeText,
+                                 &OptionsForm::positionStepText, QStringLiteral("Position")));
     layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaSearch,
-                                 &OptionsForm::areaRangeText, &OptionsForm::areaStepText, QStringLiteral("Area")));
+                                 &OptionsForm::areaRangeText, &OptionsForm::areaStepText,
+                                 QStringLiteral("Area")));
     layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMSearch,
-                                 &OptionsForm::fwhmRangeText, &OptionsForm::fwhmStepText, QStringLiteral("FWHM")));
+                                 &OptionsForm::fwhmRangeText, &OptionsForm::fwhmStepText,
+                                 QStringLiteral("FWHM")));
     return frame;
 }
 
@@ -101,22 +105,23 @@ QGroupBox* OptionsWindow::NewtonFrame() {
     auto* layout = new QVBoxLayout(frame);
     auto* top = new QHBoxLayout;
     useNewton_ = new QRadioButton(QStringLiteral("Use"), frame);
-    useNewton_->setObjectName(QStringLiteral("UseNewton"));
+    useNewton_->setObjectName(QStringLiteral("useNewton"));
     useNewton_->setAutoExclusive(false);
     top->addWidget(useNewton_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("NewtonTrial"), &OptionsForm::newtonTrialsText);
+    QLineEdit* trials = Box(QStringLiteral("newtonTrialsText"), &OptionsForm::newtonTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use  Delta");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::usePositionNewton,
-                                 &OptionsForm::positionDeltaText, nullptr, QStringLiteral("PosNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading,
+                                 &OptionsForm::usePositionNewton, &OptionsForm::positionDeltaText,
+                                 nullptr, QStringLiteral("Position")));
     layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaNewton,
-                                 &OptionsForm::areaDeltaText, nullptr, QStringLiteral("AreaNewton")));
+                                 &OptionsForm::areaDeltaText, nullptr, QStringLiteral("Area")));
     layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMNewton,
-                                 &OptionsForm::fwhmDeltaText, nullptr, QStringLiteral("FWHMNewton")));
+                                 &OptionsForm::fwhmDeltaText, nullptr, QStringLiteral("FWHM")));
     return frame;
 }
 
@@ -124,7 +129,7 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
                                      std::array<bool, kLevels> OptionsForm::*check,
                                      std::array<std::string, kLevels> OptionsForm::*first,
                                      std::array<std::string, kLevels> OptionsForm::*second,
-                                     const QString& name) {
+                                     const QString& parameter) {
     auto* group = new QGroupBox(title, this);
     auto* grid = new QGridLayout(group);
     grid->setVerticalSpacing(2);
@@ -134,23 +139,27 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
         grid->addWidget(new QLabel(words[c], group), 0, static_cast<int>(c) + 1, Qt::AlignLeft);
     grid->setColumnStretch(4, 1);
     const bool search = second != nullptr;
+    // usePositionSearch0, positionRangeText0, positionStepText0; useAreaNewton2, areaDeltaText2.
+    const QString checkName = QStringLiteral("use") + parameter +
+                              (search ? QStringLiteral("Search%1") : QStringLiteral("Newton%1"));
+    const QString firstName = LowerCamel(parameter) + (search ? QStringLiteral("RangeText%1")
+                                                              : QStringLiteral("DeltaText%1"));
+    const QString secondName = LowerCamel(parameter) + QStringLiteral("StepText%1");
     for (int i = 0; i < kLevels; ++i) {
         const auto idx = static_cast<std::size_t>(i);
         grid->addWidget(new QLabel(QStringLiteral("Level %1").arg(i + 1), group), i + 1, 0);
         auto* box = new QCheckBox(group);
-        box->setObjectName(name + (search ? QStringLiteral("SearchCheck%1") : QStringLiteral("Check%1")).arg(i));
+        box->setObjectName(checkName.arg(i));
         checks_.push_back({box, [check, idx](OptionsForm& f) -> bool& { return (f.*check)[idx]; }});
         grid->addWidget(box, i + 1, 1);
-        const QString firstName = search ? name + QStringLiteral("Range%1").arg(i)
-                                         : name.left(name.size() - 6) + QStringLiteral("Delta%1").arg(i);
         auto* a = new QLineEdit(group);
-        a->setObjectName(firstName);
+        a->setObjectName(firstName.arg(i));
         a->setFixedWidth(80);
         texts_.push_back({a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
         grid->addWidget(a, i + 1, 2);
         if (search) {
             auto* b = new QLineEdit(group);
-            b->setObjectName(name + QStringLiteral("Step%1").arg(i));
+            b->setObjectName(secondName.arg(i));
             b->setFixedWidth(80);
             texts_.push_back({b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
             grid->addWidget(b, i + 1, 3);

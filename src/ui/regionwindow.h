@@ -1,6 +1,6 @@
 #pragma once
-// `SpecForm`: the region window with the plot of the current region and the menu of
-// every command on it.
+// The region window with the plot of the current region and the menu of every command
+// on it.
 
 #include <QMainWindow>
 #include <functional>
@@ -32,7 +32,7 @@ public:
     /// stays enabled so that the plot is not repainted for the change of state.
     void SetCommandsEnabled(bool enabled);
     bool CommandsEnabled() const;
-    /// The menu item of that name (`Import_Kratos`, `AddPeak`, ...), or null.
+    /// The menu item of that name (`importKratosAction`, `addPeakAction`, ...), or null.
     QAction* Action(const QString& itemName) const;
 
     // The menu commands.
