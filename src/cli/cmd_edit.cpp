@@ -38,13 +38,13 @@ std::string RegionName(int slot) { return "region " + std::to_string(slot + 1); 
 // Writes the peak's present values into the editor's boxes exactly, so that only the
 // values given on the command line change.
 void ExactBoxes(const Peak& p, PeakForm& form) {
-    form.PosVal = FormatRoundTrip(p.Position);
-    form.FWHMVal = FormatRoundTrip(p.FWHM);
-    form.AreaVal = FormatRoundTrip(p.Area);
-    form.GLVal = std::to_string(p.PercentGL);
-    form.SplittingVal = FormatRoundTrip(p.Splitting);
-    form.TSVal = FormatRoundTrip(p.TailScale);
-    form.TLVal = FormatRoundTrip(p.TailLength);
+    form.positionText = FormatRoundTrip(p.Position);
+    form.fwhmText = FormatRoundTrip(p.FWHM);
+    form.areaText = FormatRoundTrip(p.Area);
+    form.glText = std::to_string(p.PercentGL);
+    form.splittingText = FormatRoundTrip(p.Splitting);
+    form.tailScaleText = FormatRoundTrip(p.TailScale);
+    form.tailLengthText = FormatRoundTrip(p.TailLength);
 }
 
 // Parses "position,area,fwhm,gl" lists into the four parameters.
@@ -85,25 +85,25 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
     if (!OpenPeakEditor(project, s.host, form, PeakButtonIndex(project.CurrentRegion, k)))
         return Fail("cannot open peak " + std::to_string(slot));
     ExactBoxes(peak, form);
-    if (auto v = args.Value("position")) form.PosVal = *v;
-    if (auto v = args.Value("fwhm")) form.FWHMVal = *v;
-    if (auto v = args.Value("area")) form.AreaVal = *v;
-    if (auto v = args.Value("gl")) form.GLVal = *v;
-    if (auto v = args.Value("type")) form.PeakType = *v;
-    if (auto v = args.Value("splitting")) form.SplittingVal = *v;
-    if (auto v = args.Value("ts")) form.TSVal = *v;
-    if (auto v = args.Value("tl")) form.TLVal = *v;
+    if (auto v = args.Value("position")) form.positionText = *v;
+    if (auto v = args.Value("fwhm")) form.fwhmText = *v;
+    if (auto v = args.Value("area")) form.areaText = *v;
+    if (auto v = args.Value("gl")) form.glText = *v;
+    if (auto v = args.Value("type")) form.peakType = *v;
+    if (auto v = args.Value("splitting")) form.splittingText = *v;
+    if (auto v = args.Value("ts")) form.tailScaleText = *v;
+    if (auto v = args.Value("tl")) form.tailLengthText = *v;
     if (auto h = args.Value("height")) {
         // The editor holds areas; a height is turned into the area of the edited shape.
         ApplyPeakEditor(project, form);
         Peak shaped = peak;
         peak = project.SavedPeaks[slot];
         shaped.HeightPercent = static_cast<float>(LeadingNumber(*h));
-        form.AreaVal = FormatRoundTrip(HeightPercentToArea(project, shaped));
+        form.areaText = FormatRoundTrip(HeightPercentToArea(project, shaped));
     }
     for (PeakParameter p : fix) SetFixCheck(project, form, p, true);
     for (PeakParameter p : freed) SetFixCheck(project, form, p, false);
-    PeakAccept(project, s.host, form);
+    AcceptPeakEditor(project, s.host, form);
     return 0;
 }
 
@@ -139,26 +139,27 @@ int RunBackground(int argc, char** argv) {
 
     BackgroundForm form;
     ShowBackgroundDialog(s.project, form);
-    form.LBE = *args.Value("low");
-    form.HBE = *args.Value("high");
+    form.lowBEText = *args.Value("low");
+    form.highBEText = *args.Value("high");
     const std::string avg = args.Value("average").value_or("1");
-    form.AverPt = avg == "1" ? "None" : avg;
-    form.BG = *type == "shirley" ? "Shirley" : *type == "linear" ? "Linear" : "Tougaard";
+    form.averagePoints = avg == "1" ? "None" : avg;
+    form.backgroundType =
+        *type == "shirley" ? "Shirley" : *type == "linear" ? "Linear" : "Tougaard";
     if (auto p = args.Value("param")) {
-        if (*type == "shirley") form.ShirleySlope = *p;
-        if (*type == "tougaard") form.TouB1 = *p;
+        if (*type == "shirley") form.shirleySlopeText = *p;
+        if (*type == "tougaard") form.tougaardB1Text = *p;
     }
     const BackgroundForm typed = form;
     if (!AcceptBackground(s.project, s.host, form)) {
         std::string why = "background refused";
-        if (form.LBE != typed.LBE || form.HBE != typed.HBE)
-            why += ": the range must lie inside the data (" + form.LBE + " .. " + form.HBE +
-                   " eV) with low below high and hold at least 2 points";
-        else if (form.AverPt != typed.AverPt)
+        if (form.lowBEText != typed.lowBEText || form.highBEText != typed.highBEText)
+            why += ": the range must lie inside the data (" + form.lowBEText + " .. " +
+                   form.highBEText + " eV) with low below high and hold at least 2 points";
+        else if (form.averagePoints != typed.averagePoints)
             why += ": --average is 1, 3, 5, 7 or 9";
         return Fail(why);
     }
-    std::fprintf(stderr, "Area (I*eV) %s\n", form.Area.c_str());
+    std::fprintf(stderr, "Area (I*eV) %s\n", form.areaText.c_str());
     if (Status st = SaveOutput(s, args); !st) return Refused(st);
     return 0;
 }

@@ -97,25 +97,25 @@ int RunConstrain(int argc, char** argv) {
     ConstraintForm form;
     OpenConstraint(s.project, form, kind);
     if (auto ref = args.Value("link")) {
-        form.Use = true;
-        form.RefPeak = *ref;
+        form.useRelation = true;
+        form.referencePeakText = *ref;
         const std::string op = args.Value("op").value_or("+");
         if (op != "+" && op != "-" && op != "*" && op != "/") return Fail("--op is +, -, * or /");
-        form.ArgType = op;
-        form.Arg = args.Value("arg").value_or("0");
+        form.operation = op;
+        form.argumentText = args.Value("arg").value_or("0");
     } else if (args.Has("unlink")) {
-        form.Use = false;
+        form.useRelation = false;
     }
     if (auto limits = args.Value("limits")) {
         auto colon = limits->find(':');
         if (colon == std::string::npos) return Fail("--limits takes LOW:HIGH");
-        form.Range = true;
-        form.Low = limits->substr(0, colon);
-        form.High = limits->substr(colon + 1);
+        form.useLimits = true;
+        form.lowLimitText = limits->substr(0, colon);
+        form.highLimitText = limits->substr(colon + 1);
     } else if (args.Has("no-limits")) {
-        form.Range = false;
+        form.useLimits = false;
     }
-    if (Status st = ConstraintOK(s.project, form); !st) {
+    if (Status st = AcceptConstraint(s.project, form); !st) {
         Print(st);
         return kExitRefused;
     }

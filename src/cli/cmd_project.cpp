@@ -106,12 +106,12 @@ int RunOptions(int argc, char** argv) {
 
     if (auto m = args.Value("method")) {
         if (*m != "search" && *m != "newton") return Fail("--method is search or newton");
-        form.UseSearch = *m == "search";
-        form.UseNewton = !form.UseSearch;
+        form.useSearch = *m == "search";
+        form.useNewton = !form.useSearch;
     }
-    if (auto v = args.Value("search-trials")) form.SearchTrial = *v;
-    if (auto v = args.Value("newton-trials")) form.NewtonTrial = *v;
-    if (auto v = args.Value("tolerance")) form.TolVal = *v;
+    if (auto v = args.Value("search-trials")) form.searchTrialsText = *v;
+    if (auto v = args.Value("newton-trials")) form.newtonTrialsText = *v;
+    if (auto v = args.Value("tolerance")) form.toleranceText = *v;
     struct LevelOption {
         const char* name;
         std::size_t numbers;
@@ -120,12 +120,12 @@ int RunOptions(int argc, char** argv) {
         std::array<std::string, kLevels>* box2;
     };
     const LevelOption levels[] = {
-        {"pos-search", 2, &form.PosSearchCheck, &form.PosRange, &form.PosStep},
-        {"area-search", 2, &form.AreaSearchCheck, &form.AreaRange, &form.AreaStep},
-        {"fwhm-search", 2, &form.FWHMSearchCheck, &form.FWHMRange, &form.FWHMStep},
-        {"pos-newton", 1, &form.PosNewtonCheck, &form.PosDelta, nullptr},
-        {"area-newton", 1, &form.AreaNewtonCheck, &form.AreaDelta, nullptr},
-        {"fwhm-newton", 1, &form.FWHMNewtonCheck, &form.FWHMDelta, nullptr},
+        {"pos-search", 2, &form.usePositionSearch, &form.positionRangeText, &form.positionStepText},
+        {"area-search", 2, &form.useAreaSearch, &form.areaRangeText, &form.areaStepText},
+        {"fwhm-search", 2, &form.useFWHMSearch, &form.fwhmRangeText, &form.fwhmStepText},
+        {"pos-newton", 1, &form.usePositionNewton, &form.positionDeltaText, nullptr},
+        {"area-newton", 1, &form.useAreaNewton, &form.areaDeltaText, nullptr},
+        {"fwhm-newton", 1, &form.useFWHMNewton, &form.fwhmDeltaText, nullptr},
     };
     for (const LevelOption& l : levels) {
         for (const std::string& levelText : args.Values(l.name)) {
@@ -137,13 +137,13 @@ int RunOptions(int argc, char** argv) {
         }
     }
     if (args.Has("gl-sum")) {
-        form.GLSum = true;
-        form.GLProduct = false;
-        GLSumClick(form, options);
+        form.glSum = true;
+        form.glProduct = false;
+        ApplyGLSumChoice(form, options);
     } else if (args.Has("gl-product")) {
-        form.GLProduct = true;
-        form.GLSum = false;
-        GLProductClick(form, options);
+        form.glProduct = true;
+        form.glSum = false;
+        ApplyGLProductChoice(form, options);
     }
     if (Status st = ApplyOptionsDialog(form, options); !st) return Refused(st);
     if (Status st = WriteOptionFile(options, *args.Value("o")); !st) return Refused(st);

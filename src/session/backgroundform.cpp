@@ -12,7 +12,7 @@ namespace molvera {
 
 namespace {
 
-// EndPointAverage for an AverPt text, nothing for any other text.
+// EndPointAverage for an averaging text, nothing for any other text.
 std::optional<Int16> AveragePointsFromText(const std::string& text) {
     if (text == "None") return 1;
     if (text == "3") return 3;
@@ -76,52 +76,52 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
     form.visible = true;
     form.caption = "Region " + std::to_string(project.CurrentRegion);
     if (IsSet(region.HasBackground)) {
-        form.LBE = FormatGeneral(region.BackgroundLowBE);
-        form.HBE = FormatGeneral(region.BackgroundHighBE);
-        if (const char* text = AveragePointsText(region.EndPointAverage)) form.AverPt = text;
+        form.lowBEText = FormatGeneral(region.BackgroundLowBE);
+        form.highBEText = FormatGeneral(region.BackgroundHighBE);
+        if (const char* text = AveragePointsText(region.EndPointAverage)) form.averagePoints = text;
         if (region.BackgroundType == 1) {
-            form.BG = "Linear";
+            form.backgroundType = "Linear";
         } else if (region.BackgroundType == 2) {
-            form.BG = "Tougaard";
-            form.TouB1 = FormatGeneral(region.BackgroundParameter);
+            form.backgroundType = "Tougaard";
+            form.tougaardB1Text = FormatGeneral(region.BackgroundParameter);
         } else if (region.BackgroundType == 0) {
-            form.BG = "Shirley";
-            form.ShirleySlope = FormatGeneral(region.BackgroundParameter);
+            form.backgroundType = "Shirley";
+            form.shirleySlopeText = FormatGeneral(region.BackgroundParameter);
         }
     } else {
-        form.LBE = FormatGeneral(region.MinBE);
-        form.HBE = FormatGeneral(region.MaxBE);
-        form.AverPt = "None";
-        form.BG = "Shirley";
+        form.lowBEText = FormatGeneral(region.MinBE);
+        form.highBEText = FormatGeneral(region.MaxBE);
+        form.averagePoints = "None";
+        form.backgroundType = "Shirley";
     }
 }
 
 std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
                                                     BackgroundForm& form) {
-    const float low = BoxSingle(form.LBE);
+    const float low = BoxSingle(form.lowBEText);
     if (Beyond(low, region.MinBE, true)) {
-        form.LBE = FormatGeneral(region.MinBE);
+        form.lowBEText = FormatGeneral(region.MinBE);
         Refuse(host);
         return std::nullopt;
     }
-    const float high = BoxSingle(form.HBE);
+    const float high = BoxSingle(form.highBEText);
     if (Beyond(high, region.MaxBE, false)) {
-        form.HBE = FormatGeneral(region.MaxBE);
+        form.highBEText = FormatGeneral(region.MaxBE);
         Refuse(host);
         return std::nullopt;
     }
     // Equal or crossed boundaries, and a range too narrow to hold two points of the
     // data, are reset to the data's extent.
     if (low >= high || RangePointCount(region, low, high) < 2) {
-        form.LBE = FormatGeneral(region.MinBE);
-        form.HBE = FormatGeneral(region.MaxBE);
+        form.lowBEText = FormatGeneral(region.MinBE);
+        form.highBEText = FormatGeneral(region.MaxBE);
         Refuse(host);
         return std::nullopt;
     }
 
-    const std::optional<Int16> averagePoints = AveragePointsFromText(form.AverPt);
+    const std::optional<Int16> averagePoints = AveragePointsFromText(form.averagePoints);
     if (!averagePoints) {
-        form.AverPt = "None";
+        form.averagePoints = "None";
         Refuse(host);
         return std::nullopt;
     }
@@ -133,21 +133,21 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     const std::optional<BackgroundBoxes> boxes = CheckBackgroundBoxes(region, host, form);
     if (!boxes) return false;
 
-    if (LeadingNumber(form.ShirleySlope) == 0) form.ShirleySlope = "0";
-    if (LeadingNumber(form.TouB1) == 0) form.TouB1 = "3000";
+    if (LeadingNumber(form.shirleySlopeText) == 0) form.shirleySlopeText = "0";
+    if (LeadingNumber(form.tougaardB1Text) == 0) form.tougaardB1Text = "3000";
 
     Int16 type = 0;
     float parameter = region.BackgroundParameter;
-    if (form.BG == "Shirley") {
+    if (form.backgroundType == "Shirley") {
         type = 0;
-        parameter = BoxSingle(form.ShirleySlope);
-    } else if (form.BG == "Linear") {
+        parameter = BoxSingle(form.shirleySlopeText);
+    } else if (form.backgroundType == "Linear") {
         type = 1;
-    } else if (form.BG == "Tougaard") {
+    } else if (form.backgroundType == "Tougaard") {
         type = 2;
-        parameter = BoxSingle(form.TouB1);
+        parameter = BoxSingle(form.tougaardB1Text);
     } else {
-        form.BG = "Shirley";
+        form.backgroundType = "Shirley";
         return Refuse(host);
     }
 
@@ -159,7 +159,7 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
 
     project.KeepAreas = kTrue;
     RecomputeRegion(project, host);
-    form.Area = FormatGeneral(static_cast<float>(NetArea(region)));
+    form.areaText = FormatGeneral(static_cast<float>(NetArea(region)));
     region.HasBackground = kTrue;
     host.RegionInView();
     project.KeepAreas = kFalse;

@@ -11,13 +11,13 @@ namespace molvera {
 
 /// Texts of the background dialog's controls.
 struct BackgroundForm {
-    std::string LBE;             ///< "Low BE"
-    std::string HBE;             ///< "High BE"
-    std::string AverPt;          ///< "None", "3", "5", "7", "9"
-    std::string BG;              ///< "Shirley", "Linear", "Tougaard"
-    std::string ShirleySlope;    ///< slope of the Shirley+linear background
-    std::string TouB1 = "3000";  ///< Tougaard B1
-    std::string Area = "-----";  ///< "Area (I*eV)" after an Accept
+    std::string lowBEText;                ///< "Low BE"
+    std::string highBEText;               ///< "High BE"
+    std::string averagePoints;            ///< "None", "3", "5", "7", "9"
+    std::string backgroundType;           ///< "Shirley", "Linear", "Tougaard"
+    std::string shirleySlopeText;         ///< slope of the Shirley+linear background
+    std::string tougaardB1Text = "3000";  ///< Tougaard B1
+    std::string areaText = "-----";       ///< "Area (I*eV)" after an Accept
     std::string caption;
     bool visible = false;
 };
@@ -33,8 +33,8 @@ struct BackgroundBoxes {
     Int16 averagePoints = 1;
 };
 
-/// Accept's checks of LBE, HBE and AverPt, in order; a refusal corrects the box, beeps
-/// and gives nothing. Nothing is stored.
+/// Accept's checks of the two boundaries and the averaging, in order; a refusal
+/// corrects the box, beeps and gives nothing. Nothing is stored.
 std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
                                                     BackgroundForm& form);
 

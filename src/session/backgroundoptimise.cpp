@@ -20,7 +20,7 @@ constexpr int kB1Divisors[] = {10, 100, 1000};
 // One trial of the slope search: stored, shown, computed, redrawn; true if it crosses.
 bool TrySlope(Region& region, Host& host, BackgroundForm& form, float s) {
     region.BackgroundParameter = s;
-    form.ShirleySlope = FormatGeneral(s);
+    form.shirleySlopeText = FormatGeneral(s);
     ComputeShirley(region);
     host.CurvesChanged();
     host.Yield();
@@ -50,7 +50,7 @@ void OptimiseShirleySlope(Project& project, Host& host, BackgroundForm& form) {
     }
     if (!BackgroundCrosses(region)) return;
 
-    float s = BoxSingle(form.ShirleySlope);
+    float s = BoxSingle(form.shirleySlopeText);
     region.BackgroundParameter = s;
     if (s == 0) s = 1;
 
@@ -92,9 +92,9 @@ void RefineTougaardB1(Project& project, Host& host, BackgroundForm& form) {
         const float start = best;
         for (int k = -9; k <= 9; ++k) {
             const float b1 = static_cast<float>((static_cast<double>(k) / divisor + 1) * start);
-            form.TouB1 = FormatGeneral(b1);
+            form.tougaardB1Text = FormatGeneral(b1);
             host.Yield();
-            ComputeTougaardHead(region, BoxSingle(form.TouB1));
+            ComputeTougaardHead(region, BoxSingle(form.tougaardB1Text));
             const double misfit = HeadMisfit(region);
             if (misfit < bestMisfit) {
                 bestMisfit = misfit;
@@ -103,19 +103,15 @@ void RefineTougaardB1(Project& project, Host& host, BackgroundForm& form) {
         }
     }
 
-    form.TouB1 = FormatGeneral(best);
+    form.tougaardB1Text = FormatGeneral(best);
     region.BackgroundParameter = best;
     ComputeTougaard(region);
     host.CurvesChanged();
 }
 
-void ShirleyOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form) {
-    OptimiseShirleySlope(project, host, form);
-}
-
-void TougaardOptimiseClick(Project& project, SessionHost& host, BackgroundForm& form) {
+void OptimiseTougaardBackground(Project& project, SessionHost& host, BackgroundForm& form) {
     BeginBusy(project, host);
-    if (form.BG != "Tougaard") {
+    if (form.backgroundType != "Tougaard") {
         host.Beep();
         EndBusy(project, host);
         return;
@@ -126,7 +122,7 @@ void TougaardOptimiseClick(Project& project, SessionHost& host, BackgroundForm& 
         EndBusy(project, host);
         return;
     }
-    // BG reads "Tougaard" (checked above), so the type is 2; B1 comes later from Accept.
+    // The type reads "Tougaard" (checked above), so the type is 2; B1 comes later from Accept.
     region.BackgroundType = 2;
     region.EndPointAverage = boxes->averagePoints;
     region.BackgroundLowBE = boxes->low;
@@ -136,7 +132,7 @@ void TougaardOptimiseClick(Project& project, SessionHost& host, BackgroundForm& 
     OptimiseTougaardB1(project, host, form);
 
     RecomputeRegion(project, host);
-    form.Area = FormatGeneral(static_cast<float>(NetArea(region)));
+    form.areaText = FormatGeneral(static_cast<float>(NetArea(region)));
     host.RegionInView();
     EndBusy(project, host);
 }

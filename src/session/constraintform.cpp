@@ -90,18 +90,18 @@ void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind)
     const int p = project.CurrentPeak;
     if (!IsSlot(p)) return;
     ParameterConstraint& c = project.Constraints[p][GroupOf(kind)];
-    form.Kind = kind;
-    form.Caption = CaptionOf(kind);
-    form.PeakLabel = FormatGeneral(static_cast<float>(p));
-    form.RefPeak = FormatGeneral(static_cast<float>(c.RefPeak));
-    if (c.Operation >= 0 && c.Operation <= 3) form.ArgType = kOperationTexts[c.Operation];
-    form.Arg = FormatGeneral(c.Argument);
-    form.Use = IsSet(c.Linked);
-    form.Range = IsSet(c.UseLimits);
+    form.kind = kind;
+    form.caption = CaptionOf(kind);
+    form.peakLabel = FormatGeneral(static_cast<float>(p));
+    form.referencePeakText = FormatGeneral(static_cast<float>(c.RefPeak));
+    if (c.Operation >= 0 && c.Operation <= 3) form.operation = kOperationTexts[c.Operation];
+    form.argumentText = FormatGeneral(c.Argument);
+    form.useRelation = IsSet(c.Linked);
+    form.useLimits = IsSet(c.UseLimits);
     CorrectLimits(project, p, kind, c);
-    form.High = LimitText(c.HighLimit);
-    form.Low = LimitText(c.LowLimit);
-    form.Visible = true;
+    form.highLimitText = LimitText(c.HighLimit);
+    form.lowLimitText = LimitText(c.LowLimit);
+    form.visible = true;
 }
 
 void OpenPositionConstraint(Project& project, ConstraintForm& form) {
@@ -134,33 +134,34 @@ bool IsCircularArea(const Project& project, int p, int r) { return IsCircular(pr
 bool IsCircularFWHM(const Project& project, int p, int r) { return IsCircular(project, Group::FWHM, p, r); }
 bool IsCircularGL(const Project& project, int p, int r) { return IsCircular(project, Group::GL, p, r); }
 
-Status ConstraintOK(Project& project, ConstraintForm& form) {
+Status AcceptConstraint(Project& project, ConstraintForm& form) {
     const int p = project.CurrentPeak;
     if (!IsSlot(p)) return Status::Error(msg::kWrongReferencePeak);
-    const Group g = GroupOf(form.Kind);
+    const Group g = GroupOf(form.kind);
 
     // A reference outside the slots is refused whether or not the relation is on:
     // the recount below indexes the slots with it.
-    const auto ref = ToInt16(LeadingNumber(form.RefPeak));
+    const auto ref = ToInt16(LeadingNumber(form.referencePeakText));
     if (!ref || !IsSlot(*ref)) return Status::Error(msg::kWrongReferencePeak);
     const int r = *ref;
-    if (form.Use && (!IsSet(project.Peaks[r].InUse) || r == p)) {
+    if (form.useRelation && (!IsSet(project.Peaks[r].InUse) || r == p)) {
         return Status::Error(msg::kWrongReferencePeak);
     }
-    if (form.Use && IsCircular(project, g, p, r)) return Status::Error(msg::kCircularReference);
+    if (form.useRelation && IsCircular(project, g, p, r))
+        return Status::Error(msg::kCircularReference);
 
     Int16 operation = 0;
     for (int i = 0; i < 4; ++i) {
-        if (form.ArgType == kOperationTexts[i]) operation = static_cast<Int16>(i);
+        if (form.operation == kOperationTexts[i]) operation = static_cast<Int16>(i);
     }
-    const float a = static_cast<float>(LeadingNumber(form.Arg));
-    if (form.Use && (operation == 2 || operation == 3) && a == 0) {
+    const float a = static_cast<float>(LeadingNumber(form.argumentText));
+    if (form.useRelation && (operation == 2 || operation == 3) && a == 0) {
         return Status::Error(msg::kZeroArgument);
     }
 
     ParameterConstraint& mine = project.Constraints[p][g];
     ParameterConstraint& theirs = project.Constraints[r][g];
-    if (form.Use) {
+    if (form.useRelation) {
         theirs.IsReference = kTrue;
         theirs.DependentPeak = static_cast<Int16>(p);
         mine.Linked = kTrue;
@@ -172,20 +173,20 @@ Status ConstraintOK(Project& project, ConstraintForm& form) {
     mine.Operation = operation;
     mine.Argument = a;
 
-    if (!form.Range) {
+    if (!form.useLimits) {
         mine.UseLimits = kFalse;
-        form.Visible = false;
+        form.visible = false;
         return Status::Ok();
     }
-    const float low = static_cast<float>(LeadingNumber(form.Low));
-    const float high = static_cast<float>(LeadingNumber(form.High));
-    if (const char* refusal = LimitRefusal(project, p, form.Kind, low, high)) {
+    const float low = static_cast<float>(LeadingNumber(form.lowLimitText));
+    const float high = static_cast<float>(LeadingNumber(form.highLimitText));
+    if (const char* refusal = LimitRefusal(project, p, form.kind, low, high)) {
         return Status::Error(refusal);
     }
     mine.UseLimits = kTrue;
     mine.HighLimit = high;
     mine.LowLimit = low;
-    form.Visible = false;
+    form.visible = false;
     return Status::Ok();
 }
 

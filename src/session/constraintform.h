@@ -17,17 +17,17 @@ Group GroupOf(ConstraintKind kind);
 
 /// Texts and check states of the dialog's controls.
 struct ConstraintForm {
-    ConstraintKind Kind = ConstraintKind::Position;
-    std::string Caption;
-    std::string PeakLabel;  ///< slot number of the peak being edited
-    bool Use = false;       ///< "Relation with another peak"
-    std::string RefPeak;
-    std::string ArgType = "+";  ///< "+", "-", "*" or "/"
-    std::string Arg;
-    bool Range = false;  ///< "Limits of Search Range"
-    std::string Low;
-    std::string High;
-    bool Visible = false;
+    ConstraintKind kind = ConstraintKind::Position;
+    std::string caption;
+    std::string peakLabel;     ///< slot number of the peak being edited
+    bool useRelation = false;  ///< "Relation with another peak"
+    std::string referencePeakText;
+    std::string operation = "+";  ///< "+", "-", "*" or "/"
+    std::string argumentText;
+    bool useLimits = false;  ///< "Limits of Search Range"
+    std::string lowLimitText;
+    std::string highLimitText;
+    bool visible = false;
 };
 
 /// Open the dialog for a parameter of CurrentPeak: limits brought into their domain
@@ -41,7 +41,7 @@ void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind)
 
 /// OK: validates the form for CurrentPeak and stores the relation and the limits; a
 /// refusal returns its message and leaves the dialog open; success hides it.
-Status ConstraintOK(Project& project, ConstraintForm& form);
+Status AcceptConstraint(Project& project, ConstraintForm& form);
 
 /// True when following the references from r in group `g` comes back to p; a chain
 /// that loops elsewhere or leaves 0..50 ends after at most 51 steps with false.

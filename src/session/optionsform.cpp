@@ -29,18 +29,18 @@ struct NewtonRows {
 };
 
 std::array<SearchRows, 3> SearchRowsOf(OptionsForm& f, FitOptions& o) {
-    return {{{f.PosSearchCheck, f.PosRange, f.PosStep, o.PositionSearch, msg::kPosRangePrefix,
-              msg::kPosStepPrefix},
-             {f.AreaSearchCheck, f.AreaRange, f.AreaStep, o.AreaSearch, msg::kAreaRangePrefix,
+    return {{{f.usePositionSearch, f.positionRangeText, f.positionStepText, o.PositionSearch,
+              msg::kPosRangePrefix, msg::kPosStepPrefix},
+             {f.useAreaSearch, f.areaRangeText, f.areaStepText, o.AreaSearch, msg::kAreaRangePrefix,
               msg::kAreaStepPrefix},
-             {f.FWHMSearchCheck, f.FWHMRange, f.FWHMStep, o.FWHMSearch, msg::kFWHMRangePrefix,
+             {f.useFWHMSearch, f.fwhmRangeText, f.fwhmStepText, o.FWHMSearch, msg::kFWHMRangePrefix,
               msg::kFWHMStepPrefix}}};
 }
 
 std::array<NewtonRows, 3> NewtonRowsOf(OptionsForm& f, FitOptions& o) {
-    return {{{f.PosNewtonCheck, f.PosDelta, o.PositionNewton, msg::kPosDeltaPrefix},
-             {f.AreaNewtonCheck, f.AreaDelta, o.AreaNewton, msg::kAreaDeltaPrefix},
-             {f.FWHMNewtonCheck, f.FWHMDelta, o.FWHMNewton, msg::kFWHMDeltaPrefix}}};
+    return {{{f.usePositionNewton, f.positionDeltaText, o.PositionNewton, msg::kPosDeltaPrefix},
+             {f.useAreaNewton, f.areaDeltaText, o.AreaNewton, msg::kAreaDeltaPrefix},
+             {f.useFWHMNewton, f.fwhmDeltaText, o.FWHMNewton, msg::kFWHMDeltaPrefix}}};
 }
 
 // A trial count typed into a box: 1..200 after rounding halves to even.
@@ -66,14 +66,15 @@ Status MustBePositive(const char* prefix, int level) {
 }  // namespace
 
 void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
-    form.UseSearch = options.Method == 0;
-    form.UseNewton = !form.UseSearch;
-    form.SearchTrial = std::to_string(options.SearchTrials);
-    form.NewtonTrial = std::to_string(options.NewtonTrials);
-    form.TolVal = FormatTrimmed(static_cast<float>(static_cast<double>(options.Tolerance) * 100));
-    form.GLSum = options.GLSum != 0;
-    form.GLProduct = !form.GLSum;
-    form.AsymmetryFrameEnabled = form.GLSum;
+    form.useSearch = options.Method == 0;
+    form.useNewton = !form.useSearch;
+    form.searchTrialsText = std::to_string(options.SearchTrials);
+    form.newtonTrialsText = std::to_string(options.NewtonTrials);
+    form.toleranceText =
+        FormatTrimmed(static_cast<float>(static_cast<double>(options.Tolerance) * 100));
+    form.glSum = options.GLSum != 0;
+    form.glProduct = !form.glSum;
+    form.asymmetryFrameEnabled = form.glSum;
     FitOptions copy = options;
     for (int i = 0; i < kLevels; ++i) {
         for (SearchRows rows : SearchRowsOf(form, copy)) {
@@ -86,14 +87,16 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
             rows.delta[i] = FormatGeneral(rows.levels[i].Delta);
         }
     }
-    form.Visible = true;
+    form.visible = true;
 }
 
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
-    options.Method = form.UseSearch ? 0.0f : 1.0f;
-    if (!ReadTrials(form.SearchTrial, options.SearchTrials)) return Status::Error(msg::kSearchTrialsRange);
-    if (!ReadTrials(form.NewtonTrial, options.NewtonTrials)) return Status::Error(msg::kNewtonTrialsRange);
-    const double t = LeadingNumber(form.TolVal);
+    options.Method = form.useSearch ? 0.0f : 1.0f;
+    if (!ReadTrials(form.searchTrialsText, options.SearchTrials))
+        return Status::Error(msg::kSearchTrialsRange);
+    if (!ReadTrials(form.newtonTrialsText, options.NewtonTrials))
+        return Status::Error(msg::kNewtonTrialsRange);
+    const double t = LeadingNumber(form.toleranceText);
     if (!(t >= 0 && t <= 100)) return Status::Error(msg::kToleranceRange);
     options.Tolerance = static_cast<float>(t / 100);
 
@@ -119,30 +122,30 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
             if (!ReadPositive(rows.delta[i], l.Delta)) return MustBePositive(rows.deltaPrefix, level);
         }
     }
-    form.Visible = false;
+    form.visible = false;
     return Status::Ok();
 }
 
-void UseNewtonClick(OptionsForm& form, FitOptions& options) {
-    options.Method = form.UseNewton ? 1.0f : 0.0f;
-    form.UseSearch = !form.UseNewton;
+void ApplyNewtonChoice(OptionsForm& form, FitOptions& options) {
+    options.Method = form.useNewton ? 1.0f : 0.0f;
+    form.useSearch = !form.useNewton;
 }
 
-void UseSearchClick(OptionsForm& form, FitOptions& options) {
-    options.Method = form.UseSearch ? 0.0f : 1.0f;
-    form.UseNewton = !form.UseSearch;
+void ApplySearchChoice(OptionsForm& form, FitOptions& options) {
+    options.Method = form.useSearch ? 0.0f : 1.0f;
+    form.useNewton = !form.useSearch;
 }
 
-void GLSumClick(OptionsForm& form, FitOptions& options) {
-    options.GLSum = ToFlag(form.GLSum);
-    form.GLProduct = !form.GLSum;
-    form.AsymmetryFrameEnabled = form.GLSum;
+void ApplyGLSumChoice(OptionsForm& form, FitOptions& options) {
+    options.GLSum = ToFlag(form.glSum);
+    form.glProduct = !form.glSum;
+    form.asymmetryFrameEnabled = form.glSum;
 }
 
-void GLProductClick(OptionsForm& form, FitOptions& options) {
-    options.GLSum = ToFlag(!form.GLProduct);
-    form.GLSum = !form.GLProduct;
-    form.AsymmetryFrameEnabled = form.GLSum;
+void ApplyGLProductChoice(OptionsForm& form, FitOptions& options) {
+    options.GLSum = ToFlag(!form.glProduct);
+    form.glSum = !form.glProduct;
+    form.asymmetryFrameEnabled = form.glSum;
 }
 
 std::string ProposeOptionFileName(const std::string& lastFileName) {
@@ -159,7 +162,7 @@ Status LoadOptionsCommand(const std::string& path, OptionsForm& form, FitOptions
 
 void LoadDefaultOptions(const std::string& path, OptionsForm& form, FitOptions& options) {
     if (ReadOptionFile(options, path)) FillOptionsDialog(options, form);
-    form.Visible = false;
+    form.visible = false;
 }
 
 }  // namespace molvera

@@ -11,31 +11,31 @@ namespace molvera {
 
 /// Texts and check states of the options dialog's controls; index i is level i + 1.
 struct OptionsForm {
-    bool Visible = false;
-    bool UseSearch = false;
-    bool UseNewton = false;
-    std::string SearchTrial;
-    std::string NewtonTrial;
-    std::string TolVal = "0.0001";
-    std::array<bool, kLevels> PosSearchCheck{};
-    std::array<std::string, kLevels> PosRange;
-    std::array<std::string, kLevels> PosStep;
-    std::array<bool, kLevels> AreaSearchCheck{};
-    std::array<std::string, kLevels> AreaRange;
-    std::array<std::string, kLevels> AreaStep;
-    std::array<bool, kLevels> FWHMSearchCheck{};
-    std::array<std::string, kLevels> FWHMRange;
-    std::array<std::string, kLevels> FWHMStep;
-    std::array<bool, kLevels> PosNewtonCheck{};
-    std::array<std::string, kLevels> PosDelta;
-    std::array<bool, kLevels> AreaNewtonCheck{};
-    std::array<std::string, kLevels> AreaDelta;
-    std::array<bool, kLevels> FWHMNewtonCheck{};
-    std::array<std::string, kLevels> FWHMDelta;
-    bool GLSum = false;
-    bool GLProduct = false;
+    bool visible = false;
+    bool useSearch = false;
+    bool useNewton = false;
+    std::string searchTrialsText;
+    std::string newtonTrialsText;
+    std::string toleranceText = "0.0001";
+    std::array<bool, kLevels> usePositionSearch{};
+    std::array<std::string, kLevels> positionRangeText;
+    std::array<std::string, kLevels> positionStepText;
+    std::array<bool, kLevels> useAreaSearch{};
+    std::array<std::string, kLevels> areaRangeText;
+    std::array<std::string, kLevels> areaStepText;
+    std::array<bool, kLevels> useFWHMSearch{};
+    std::array<std::string, kLevels> fwhmRangeText;
+    std::array<std::string, kLevels> fwhmStepText;
+    std::array<bool, kLevels> usePositionNewton{};
+    std::array<std::string, kLevels> positionDeltaText;
+    std::array<bool, kLevels> useAreaNewton{};
+    std::array<std::string, kLevels> areaDeltaText;
+    std::array<bool, kLevels> useFWHMNewton{};
+    std::array<std::string, kLevels> fwhmDeltaText;
+    bool glSum = false;
+    bool glProduct = false;
     /// Output: whether the peak editor's asymmetry frame is enabled (GL sum only).
-    bool AsymmetryFrameEnabled = false;
+    bool asymmetryFrameEnabled = false;
 };
 
 /// Copies the options into the dialog and shows it.
@@ -45,11 +45,12 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form);
 /// message, keeping what earlier steps stored. On success the dialog is hidden.
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options);
 
-/// Immediate handlers, run after the toolkit has changed the clicked button's state.
-void UseNewtonClick(OptionsForm& form, FitOptions& options);
-void UseSearchClick(OptionsForm& form, FitOptions& options);
-void GLSumClick(OptionsForm& form, FitOptions& options);
-void GLProductClick(OptionsForm& form, FitOptions& options);
+/// A method or line-shape button was clicked (the toolkit has already changed its
+/// state): the options follow that button at once, and its partner shows the opposite.
+void ApplyNewtonChoice(OptionsForm& form, FitOptions& options);
+void ApplySearchChoice(OptionsForm& form, FitOptions& options);
+void ApplyGLSumChoice(OptionsForm& form, FitOptions& options);
+void ApplyGLProductChoice(OptionsForm& form, FitOptions& options);
 
 /// The name that Save Parameters proposes: up to and including the first "." of the
 /// last file name, then "opa"; a name without "." is proposed unchanged.

@@ -53,15 +53,15 @@ bool BarPosition(double value, int& position) {
 ScrollBar& Bar(PeakForm& form, PeakParameter which) {
     switch (which) {
         case PeakParameter::Position:
-            return form.ScPos;
+            return form.positionBar;
         case PeakParameter::FWHM:
-            return form.ScFWHM;
+            return form.fwhmBar;
         case PeakParameter::Area:
-            return form.ScArea;
+            return form.areaBar;
         case PeakParameter::GL:
             break;
     }
-    return form.ScGL;
+    return form.glBar;
 }
 
 // Rewrites the box of a bar from its position, as a user's move does.
@@ -69,16 +69,17 @@ void WriteBarText(PeakForm& form, PeakParameter which) {
     const int position = Bar(form, which).value;
     switch (which) {
         case PeakParameter::Position:
-            form.PosVal = FormatGeneral(static_cast<float>(form.PositionBase + position / 100.0));
+            form.positionText =
+                FormatGeneral(static_cast<float>(form.positionBase + position / 100.0));
             break;
         case PeakParameter::FWHM:
-            form.FWHMVal = FormatGeneral(static_cast<float>(position / 100.0));
+            form.fwhmText = FormatGeneral(static_cast<float>(position / 100.0));
             break;
         case PeakParameter::Area:
-            form.AreaVal = FormatGeneral(static_cast<float>(position) * form.AreaScale);
+            form.areaText = FormatGeneral(static_cast<float>(position) * form.areaScale);
             break;
         case PeakParameter::GL:
-            form.GLVal = std::to_string(position);
+            form.glText = std::to_string(position);
             break;
     }
 }
@@ -108,7 +109,7 @@ void ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
     ApplyPeakEditor(project, form);
     ApplyAllRelations(project);
     FillPeakEditor(project, form, slot);
-    project.AreaScale = form.AreaScale;
+    project.AreaScale = form.areaScale;
     if (IsSet(project.Current().HasBackground)) ComputeRegionEnvelope(project, host);
     host.CurvesChanged();
 }
@@ -141,7 +142,7 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
     project.CurrentPeak = static_cast<Int16>(slot);
     project.SavedPeaks[slot] = project.Peaks[slot];
     FillPeakEditor(project, form, slot);
-    project.AreaScale = form.AreaScale;
+    project.AreaScale = form.areaScale;
     host.CurvesChanged();
     form.visible = true;
     return true;
@@ -155,43 +156,43 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     const Region& region = project.Regions[r];
 
     form.caption = "Peak " + std::to_string(slot);
-    form.PosVal = FormatGeneral(peak.Position);
-    form.FWHMVal = FormatGeneral(peak.FWHM);
-    form.AreaVal = FormatGeneral(peak.Area);
-    form.GLVal = std::to_string(peak.PercentGL);
-    form.SplittingVal = FormatGeneral(peak.Splitting);
-    form.TSVal = FormatGeneral(peak.TailScale);
-    form.TLVal = FormatGeneral(peak.TailLength);
-    form.ChkPos = peak.FixPosition != 0;
-    form.ChkFWHM = peak.FixFWHM != 0;
-    form.ChkArea = peak.FixArea != 0;
-    form.ChkGL = peak.FixGL != 0;
-    if (const char* type = PeakTypeText(peak.PeakType)) form.PeakType = type;
-    form.ActFWHM = ActualFWHMText(ActualFWHM(project, slot));
+    form.positionText = FormatGeneral(peak.Position);
+    form.fwhmText = FormatGeneral(peak.FWHM);
+    form.areaText = FormatGeneral(peak.Area);
+    form.glText = std::to_string(peak.PercentGL);
+    form.splittingText = FormatGeneral(peak.Splitting);
+    form.tailScaleText = FormatGeneral(peak.TailScale);
+    form.tailLengthText = FormatGeneral(peak.TailLength);
+    form.fixPosition = peak.FixPosition != 0;
+    form.fixFWHM = peak.FixFWHM != 0;
+    form.fixArea = peak.FixArea != 0;
+    form.fixGL = peak.FixGL != 0;
+    if (const char* type = PeakTypeText(peak.PeakType)) form.peakType = type;
+    form.actualFWHM = ActualFWHMText(ActualFWHM(project, slot));
 
     int position = 0;
     int posMax = 0;
     if (BarPosition(static_cast<double>(region.BackgroundHighBE - region.BackgroundLowBE) * 100.0,
                     posMax)) {
-        SetBarRange(form.ScPos, 0, posMax);
+        SetBarRange(form.positionBar, 0, posMax);
     }
-    form.PositionBase = region.BackgroundLowBE;
+    form.positionBase = region.BackgroundLowBE;
     bool usable = BarPosition((peak.Position - region.BackgroundLowBE) * 100.0f, position);
     SetBarFromPeak(form, PeakParameter::Position, usable, position);
 
-    SetBarRange(form.ScFWHM, 30, 500);
+    SetBarRange(form.fwhmBar, 30, 500);
     position = 50;
     usable = peak.FWHM >= 0.5f ? BarPosition(peak.FWHM * 100.0f, position) : true;
     SetBarFromPeak(form, PeakParameter::FWHM, usable, position);
 
-    SetBarRange(form.ScArea, 0, 1000);
-    form.AreaScale = peak.Area / 500.0f;
-    if (form.AreaScale == 0) form.AreaScale = 1;
-    usable = BarPosition(peak.Area / form.AreaScale, position);
+    SetBarRange(form.areaBar, 0, 1000);
+    form.areaScale = peak.Area / 500.0f;
+    if (form.areaScale == 0) form.areaScale = 1;
+    usable = BarPosition(peak.Area / form.areaScale, position);
     if (usable && position == 0) position = 1;
     SetBarFromPeak(form, PeakParameter::Area, usable, position);
 
-    SetBarRange(form.ScGL, 0, 100);
+    SetBarRange(form.glBar, 0, 100);
     SetBarFromPeak(form, PeakParameter::GL, true, peak.PercentGL);
 }
 
@@ -200,28 +201,28 @@ void ApplyPeakEditor(Project& project, PeakForm& form) {
     if (!ValidSlot(slot)) return;
     Peak& peak = project.Peaks[slot];
 
-    peak.Position = BoxSingle(form.PosVal);
-    peak.FWHM = BoxSingle(form.FWHMVal);
-    peak.Area = BoxSingle(form.AreaVal);
-    peak.Splitting = BoxSingle(form.SplittingVal);
+    peak.Position = BoxSingle(form.positionText);
+    peak.FWHM = BoxSingle(form.fwhmText);
+    peak.Area = BoxSingle(form.areaText);
+    peak.Splitting = BoxSingle(form.splittingText);
     // %GL indexes the line-shape tables: it is kept inside 0..100 like TS and TL.
-    const double typedGL = RoundHalfEven(LeadingNumber(form.GLVal));
+    const double typedGL = RoundHalfEven(LeadingNumber(form.glText));
     const double gl = std::clamp(typedGL, 0.0, 100.0);
     peak.PercentGL = static_cast<Int16>(gl);
-    if (gl != typedGL) form.GLVal = std::to_string(peak.PercentGL);
+    if (gl != typedGL) form.glText = std::to_string(peak.PercentGL);
 
-    peak.TailScale = std::clamp(BoxSingle(form.TSVal), 0.0f, 1.0f);
-    peak.TailLength = std::clamp(BoxSingle(form.TLVal), 0.01f, 200.0f);
-    form.TSVal = FormatGeneral(peak.TailScale);
-    form.TLVal = FormatGeneral(peak.TailLength);
+    peak.TailScale = std::clamp(BoxSingle(form.tailScaleText), 0.0f, 1.0f);
+    peak.TailLength = std::clamp(BoxSingle(form.tailLengthText), 0.01f, 200.0f);
+    form.tailScaleText = FormatGeneral(peak.TailScale);
+    form.tailLengthText = FormatGeneral(peak.TailLength);
 
-    if (const int type = PeakTypeFromText(form.PeakType)) peak.PeakType = static_cast<Int16>(type);
+    if (const int type = PeakTypeFromText(form.peakType)) peak.PeakType = static_cast<Int16>(type);
     peak.HeightPercent = AreaToHeightPercent(project, peak);
 
-    peak.FixPosition = CheckValue(form.ChkPos);
-    peak.FixFWHM = CheckValue(form.ChkFWHM);
-    peak.FixArea = CheckValue(form.ChkArea);
-    peak.FixGL = CheckValue(form.ChkGL);
+    peak.FixPosition = CheckValue(form.fixPosition);
+    peak.FixFWHM = CheckValue(form.fixFWHM);
+    peak.FixArea = CheckValue(form.fixArea);
+    peak.FixGL = CheckValue(form.fixGL);
 }
 
 bool MoveScrollBar(PeakForm& form, PeakParameter which, int position) {
@@ -239,34 +240,34 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
     Peak& peak = project.Peaks[slot];
     switch (which) {
         case PeakParameter::Position:
-            form.ChkPos = checked;
+            form.fixPosition = checked;
             peak.FixPosition = CheckValue(checked);
             break;
         case PeakParameter::FWHM:
-            form.ChkFWHM = checked;
+            form.fixFWHM = checked;
             peak.FixFWHM = CheckValue(checked);
             break;
         case PeakParameter::Area:
-            form.ChkArea = checked;
+            form.fixArea = checked;
             peak.FixArea = CheckValue(checked);
             break;
         case PeakParameter::GL:
-            form.ChkGL = checked;
+            form.fixGL = checked;
             peak.FixGL = CheckValue(checked);
             break;
     }
 }
 
-void PeakAccept(Project& project, Host& host, PeakForm& form) {
+void AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
     ApplyAndRecompute(project, host, form);
     HideEditor(form);
 }
 
-void PeakReDraw(Project& project, Host& host, PeakForm& form) {
+void RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
     ApplyAndRecompute(project, host, form);
 }
 
-void PeakCancel(Project& project, Host& host, PeakForm& form) {
+void CancelPeakEditor(Project& project, Host& host, PeakForm& form) {
     if (RestoreSavedPeak(project, form)) ComputeRegionEnvelope(project, host);
     host.CurvesChanged();
 }
@@ -276,7 +277,7 @@ void ClosePeakEditor(Project& project, Host& host, PeakForm& form) {
     host.CurvesChanged();
 }
 
-void PeakDelete(Project& project, Host& host, PeakForm& form) {
+void DeleteEditedPeak(Project& project, Host& host, PeakForm& form) {
     DeletePeak(project, host);
     form.visible = false;
 }

@@ -22,27 +22,27 @@ enum class PeakParameter { Position, FWHM, Area, GL };
 
 /// State of every control of the peak editor.
 struct PeakForm {
-    std::string PeakType = "s";  ///< "s", "p", "d" or "f"
-    std::string SplittingVal;    ///< "S.O.S."
-    std::string ActFWHM = "---";
-    std::string PosVal;
-    ScrollBar ScPos{0, 0, 0};
-    bool ChkPos = false;
-    std::string FWHMVal;
-    ScrollBar ScFWHM{30, 500, 30};
-    bool ChkFWHM = false;
-    std::string AreaVal = "100";
-    ScrollBar ScArea{0, 1000, 0};
-    bool ChkArea = false;
-    std::string GLVal = "80";
-    ScrollBar ScGL{0, 100, 0};
-    bool ChkGL = false;
-    std::string TSVal;
-    std::string TLVal;
+    std::string peakType = "s";  ///< "s", "p", "d" or "f"
+    std::string splittingText;   ///< "S.O.S."
+    std::string actualFWHM = "---";
+    std::string positionText;
+    ScrollBar positionBar{0, 0, 0};
+    bool fixPosition = false;
+    std::string fwhmText;
+    ScrollBar fwhmBar{30, 500, 30};
+    bool fixFWHM = false;
+    std::string areaText = "100";
+    ScrollBar areaBar{0, 1000, 0};
+    bool fixArea = false;
+    std::string glText = "80";
+    ScrollBar glBar{0, 100, 0};
+    bool fixGL = false;
+    std::string tailScaleText;   ///< "TS"
+    std::string tailLengthText;  ///< "TL"
     std::string caption;
     bool visible = false;
-    float PositionBase = 0;  ///< BackgroundLowBE: the energy of ScPos position 0
-    float AreaScale = 1;     ///< area of one step of ScArea
+    float positionBase = 0;  ///< BackgroundLowBE: the energy of positionBar's position 0
+    float areaScale = 1;     ///< area of one step of areaBar
 };
 
 /// The text of the measured-width label for a measured width.
@@ -54,7 +54,7 @@ std::string ActualFWHMText(const MeasuredWidth& w);
 bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonIndex);
 
 /// Writes the values of peak `slot` into the controls, the scroll bars rewriting their
-/// boxes; sets form.AreaScale (the caller keeps it as the project's AreaScale).
+/// boxes; sets form.areaScale (the caller keeps it as the project's AreaScale).
 void FillPeakEditor(const Project& project, PeakForm& form, int slot);
 
 /// Reads the controls into CurrentPeak (TS and TL limited and written back).
@@ -68,14 +68,14 @@ bool MoveScrollBar(PeakForm& form, PeakParameter which, int position);
 void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool checked);
 
 /// Accept: apply, relations, refill, envelope, redraw, hide.
-void PeakAccept(Project& project, Host& host, PeakForm& form);
+void AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
 /// ReDraw: as Accept, but the editor stays open.
-void PeakReDraw(Project& project, Host& host, PeakForm& form);
+void RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Cancel: the peak as it was when the editor opened; hide; envelope; redraw.
-void PeakCancel(Project& project, Host& host, PeakForm& form);
+void CancelPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Closing the window: as Cancel, with the quiet recompute that leaves the total alone.
 void ClosePeakEditor(Project& project, Host& host, PeakForm& form);
 /// Delete Peak: removes CurrentPeak from the project and hides the editor.
-void PeakDelete(Project& project, Host& host, PeakForm& form);
+void DeleteEditedPeak(Project& project, Host& host, PeakForm& form);
 
 }  // namespace molvera

@@ -40,17 +40,17 @@ Group GroupOf(PeakParameter which) {
 void ReadBox(Peak& peak, PeakForm& form, PeakParameter which) {
     switch (which) {
         case PeakParameter::Position:
-            peak.Position = BoxSingle(form.PosVal);
+            peak.Position = BoxSingle(form.positionText);
             break;
         case PeakParameter::FWHM:
-            peak.FWHM = BoxSingle(form.FWHMVal);
+            peak.FWHM = BoxSingle(form.fwhmText);
             break;
         case PeakParameter::Area:
-            peak.Area = BoxSingle(form.AreaVal);
+            peak.Area = BoxSingle(form.areaText);
             break;
         case PeakParameter::GL:
             peak.PercentGL = static_cast<Int16>(
-                std::clamp(RoundHalfEven(LeadingNumber(form.GLVal)), 0.0, 100.0));
+                std::clamp(RoundHalfEven(LeadingNumber(form.glText)), 0.0, 100.0));
             break;
     }
 }
@@ -58,16 +58,16 @@ void ReadBox(Peak& peak, PeakForm& form, PeakParameter which) {
 void WriteBox(const Peak& peak, PeakForm& form, PeakParameter which) {
     switch (which) {
         case PeakParameter::Position:
-            form.PosVal = FormatGeneral(peak.Position);
+            form.positionText = FormatGeneral(peak.Position);
             break;
         case PeakParameter::FWHM:
-            form.FWHMVal = FormatGeneral(peak.FWHM);
+            form.fwhmText = FormatGeneral(peak.FWHM);
             break;
         case PeakParameter::Area:
-            form.AreaVal = FormatGeneral(peak.Area);
+            form.areaText = FormatGeneral(peak.Area);
             break;
         case PeakParameter::GL:
-            form.GLVal = std::to_string(peak.PercentGL);
+            form.glText = std::to_string(peak.PercentGL);
             break;
     }
 }
@@ -81,7 +81,7 @@ void ScoreTypedValues(Project& project, Host& host, Peak& peak) {
 
 }  // namespace
 
-void OptimiseParameterClick(Project& project, Host& host, PeakForm& form, PeakParameter which) {
+void OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakParameter which) {
     Peak* peak = EditedPeak(project);
     if (peak == nullptr) return;
     ReadBox(*peak, form, which);
@@ -90,7 +90,7 @@ void OptimiseParameterClick(Project& project, Host& host, PeakForm& form, PeakPa
     WriteBox(*peak, form, which);
 }
 
-void OptpeakClick(Project& project, Host& host, PeakForm& form) {
+void OptimiseEditedPeak(Project& project, Host& host, PeakForm& form) {
     Peak* peak = EditedPeak(project);
     if (peak == nullptr) return;
     ApplyPeakEditor(project, form);
@@ -99,7 +99,7 @@ void OptpeakClick(Project& project, Host& host, PeakForm& form) {
     for (const PeakParameter which :
          {PeakParameter::Position, PeakParameter::FWHM, PeakParameter::Area, PeakParameter::GL})
         WriteBox(*peak, form, which);
-    form.ActFWHM = ActualFWHMText(ActualFWHM(project, project.CurrentPeak));
+    form.actualFWHM = ActualFWHMText(ActualFWHM(project, project.CurrentPeak));
 }
 
 }  // namespace molvera

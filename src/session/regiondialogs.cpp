@@ -6,23 +6,23 @@
 namespace molvera {
 
 void OpenRegionShift(const Project& project, RegionShiftForm& form) {
-    form.ShiftText = FormatGeneral(project.Current().Shift);
+    form.shiftText = FormatGeneral(project.Current().Shift);
     form.visible = true;
 }
 
 void AcceptRegionShift(Project& project, RegionShiftForm& form) {
-    project.Current().Shift = BoxSingle(form.ShiftText);
+    project.Current().Shift = BoxSingle(form.shiftText);
     form.visible = false;
 }
 
 void OpenRegionCaption(const Project& project, RegionCaptionForm& form) {
-    form.Text = project.Current().Caption.Str();
+    form.captionText = project.Current().Caption.Str();
     form.visible = true;
 }
 
 void AcceptRegionCaption(Project& project, Host& host, RegionCaptionForm& form) {
     Region& region = project.Current();
-    region.Caption = Text20::From(form.Text);
+    region.Caption = Text20::From(form.captionText);
     form.visible = false;
     if (IsSet(region.HasData)) host.CurvesChanged();
 }

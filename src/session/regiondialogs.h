@@ -8,15 +8,15 @@
 
 namespace molvera {
 
-/// "Region Shift": the box `ShiftText` (eV).
+/// "Region Shift": the shift box (eV).
 struct RegionShiftForm {
-    std::string ShiftText;
+    std::string shiftText;
     bool visible = false;
 };
 
-/// "Region Caption": the box `Text`, in the records' single-byte code page.
+/// "Region Caption": the caption box, in the records' single-byte code page.
 struct RegionCaptionForm {
-    std::string Text;
+    std::string captionText;
     bool visible = false;
 };
 

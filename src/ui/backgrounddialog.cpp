@@ -27,54 +27,55 @@ void SetChoice(QComboBox* box, const std::string& text) {
 
 BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host) {
-    setObjectName(QStringLiteral("BGForm"));
+    setObjectName(QStringLiteral("backgroundDialog"));
     setWindowTitle(QStringLiteral("Background"));
 
     auto* boundary = new QGroupBox(QStringLiteral("Boundary"), this);
     auto* ends = new QFormLayout(boundary);
-    lbe_ = Box("LBE");
-    hbe_ = Box("HBE");
-    ends->addRow(QStringLiteral("Low BE"), lbe_);
-    ends->addRow(QStringLiteral("High BE"), hbe_);
+    lowBE_ = Box("lowBEText");
+    highBE_ = Box("highBEText");
+    ends->addRow(QStringLiteral("Low BE"), lowBE_);
+    ends->addRow(QStringLiteral("High BE"), highBE_);
 
     auto* choices = new QFormLayout;
-    averPt_ = Choice("AverPt", {QStringLiteral("None"), QStringLiteral("3"), QStringLiteral("5"),
-                                QStringLiteral("7"), QStringLiteral("9")});
-    bg_ = Choice("BG",
-                 {QStringLiteral("Shirley"), QStringLiteral("Linear"), QStringLiteral("Tougaard")});
-    choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averPt_);
-    choices->addRow(QStringLiteral("Backgound Type"), bg_);
+    averagePoints_ = Choice("averagePoints", {QStringLiteral("None"), QStringLiteral("3"),
+                                              QStringLiteral("5"), QStringLiteral("7"),
+                                              QStringLiteral("9")});
+    backgroundType_ = Choice("backgroundType", {QStringLiteral("Shirley"), QStringLiteral("Linear"),
+                                                QStringLiteral("Tougaard")});
+    choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averagePoints_);
+    choices->addRow(QStringLiteral("Backgound Type"), backgroundType_);
 
     auto* shirley = new QGroupBox(QStringLiteral("Shirley+Linear (0 for Shir.)"), this);
     auto* shirleyRow = new QHBoxLayout(shirley);
-    slope_ = Box("ShirleySlope");
-    auto* shirleyOpt = new QPushButton(QStringLiteral("Optimise"), shirley);
-    shirleyOpt->setObjectName(QStringLiteral("Command1"));
+    shirleySlope_ = Box("shirleySlopeText");
+    auto* shirleySearch = new QPushButton(QStringLiteral("Optimise"), shirley);
+    shirleySearch->setObjectName(QStringLiteral("shirleySlopeSearchButton"));
     auto* slopeLabel = new QLabel(QStringLiteral("Slope"), shirley);
     shirleyRow->addWidget(slopeLabel);
-    shirleyRow->addWidget(slope_);
-    shirleyRow->addWidget(shirleyOpt);
+    shirleyRow->addWidget(shirleySlope_);
+    shirleyRow->addWidget(shirleySearch);
     shirleyRow->addStretch();
 
     auto* tougaard = new QGroupBox(QStringLiteral("For Tougaard only"), this);
     auto* tougaardRow = new QHBoxLayout(tougaard);
-    touB1_ = Box("TouB1");
-    auto* tougaardOpt = new QPushButton(QStringLiteral("Optimise"), tougaard);
-    tougaardOpt->setObjectName(QStringLiteral("Toug_Opt"));
+    tougaardB1_ = Box("tougaardB1Text");
+    auto* tougaardSearch = new QPushButton(QStringLiteral("Optimise"), tougaard);
+    tougaardSearch->setObjectName(QStringLiteral("tougaardB1SearchButton"));
     auto* b1Label = new QLabel(QStringLiteral("B1"), tougaard);
     b1Label->setMinimumWidth(slopeLabel->sizeHint().width());  // the two boxes in line
     tougaardRow->addWidget(b1Label);
-    tougaardRow->addWidget(touB1_);
-    tougaardRow->addWidget(tougaardOpt);
+    tougaardRow->addWidget(tougaardB1_);
+    tougaardRow->addWidget(tougaardSearch);
     tougaardRow->addStretch();
 
     auto* bottom = new QHBoxLayout;
-    area_ = Box("Area");
+    area_ = Box("areaText");
     area_->setReadOnly(true);
     auto* accept = new QPushButton(QStringLiteral("Accept"), this);
-    accept->setObjectName(QStringLiteral("BGAccept"));
+    accept->setObjectName(QStringLiteral("acceptButton"));
     auto* close = new QPushButton(QStringLiteral("Close"), this);
-    close->setObjectName(QStringLiteral("BGClose"));
+    close->setObjectName(QStringLiteral("closeButton"));
     bottom->addWidget(new QLabel(QStringLiteral("Area (I*eV)"), this));
     bottom->addWidget(area_);
     bottom->addStretch();
@@ -90,8 +91,10 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
 
     connect(accept, &QPushButton::clicked, this, &BackgroundDialog::AcceptClicked);
     connect(close, &QPushButton::clicked, this, &BackgroundDialog::CloseClicked);
-    connect(shirleyOpt, &QPushButton::clicked, this, &BackgroundDialog::ShirleyOptimiseClicked);
-    connect(tougaardOpt, &QPushButton::clicked, this, &BackgroundDialog::TougaardOptimiseClicked);
+    connect(shirleySearch, &QPushButton::clicked, this,
+            &BackgroundDialog::ShirleySlopeSearchClicked);
+    connect(tougaardSearch, &QPushButton::clicked, this,
+            &BackgroundDialog::TougaardB1SearchClicked);
     ShowForm();
 }
 
@@ -109,25 +112,26 @@ QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) 
 }
 
 void BackgroundDialog::ShowForm() {
-    lbe_->setText(FromLatin1(form_.LBE));
-    hbe_->setText(FromLatin1(form_.HBE));
-    SetChoice(averPt_, form_.AverPt);
-    SetChoice(bg_, form_.BG);
-    slope_->setText(FromLatin1(form_.ShirleySlope));
-    touB1_->setText(FromLatin1(form_.TouB1));
-    area_->setText(FromLatin1(form_.Area));
-    for (QLineEdit* box : {lbe_, hbe_, slope_, touB1_, area_}) box->setCursorPosition(0);
+    lowBE_->setText(FromLatin1(form_.lowBEText));
+    highBE_->setText(FromLatin1(form_.highBEText));
+    SetChoice(averagePoints_, form_.averagePoints);
+    SetChoice(backgroundType_, form_.backgroundType);
+    shirleySlope_->setText(FromLatin1(form_.shirleySlopeText));
+    tougaardB1_->setText(FromLatin1(form_.tougaardB1Text));
+    area_->setText(FromLatin1(form_.areaText));
+    for (QLineEdit* box : {lowBE_, highBE_, shirleySlope_, tougaardB1_, area_})
+        box->setCursorPosition(0);
     if (!form_.caption.empty()) setWindowTitle(FromLatin1(form_.caption));
     ShowOrHide(*this, form_.visible);
 }
 
 void BackgroundDialog::ReadForm() {
-    form_.LBE = ToLatin1(lbe_->text());
-    form_.HBE = ToLatin1(hbe_->text());
-    form_.AverPt = ToLatin1(averPt_->currentText());
-    form_.BG = ToLatin1(bg_->currentText());
-    form_.ShirleySlope = ToLatin1(slope_->text());
-    form_.TouB1 = ToLatin1(touB1_->text());
+    form_.lowBEText = ToLatin1(lowBE_->text());
+    form_.highBEText = ToLatin1(highBE_->text());
+    form_.averagePoints = ToLatin1(averagePoints_->currentText());
+    form_.backgroundType = ToLatin1(backgroundType_->currentText());
+    form_.shirleySlopeText = ToLatin1(shirleySlope_->text());
+    form_.tougaardB1Text = ToLatin1(tougaardB1_->text());
 }
 
 void BackgroundDialog::Open() {
@@ -143,8 +147,8 @@ void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundFor
     // painted at once (the plot otherwise paints once per screen refresh).
     int redraws = host_.RedrawCount();
     host_.beforeYield = [this, &redraws] {
-        slope_->setText(FromLatin1(form_.ShirleySlope));
-        touB1_->setText(FromLatin1(form_.TouB1));
+        shirleySlope_->setText(FromLatin1(form_.shirleySlopeText));
+        tougaardB1_->setText(FromLatin1(form_.tougaardB1Text));
         if (host_.RedrawCount() != redraws && repaintPlot) repaintPlot();
         redraws = host_.RedrawCount();
     };
@@ -163,12 +167,12 @@ void BackgroundDialog::CloseClicked() {
     ShowForm();
 }
 
-void BackgroundDialog::ShirleyOptimiseClicked() {
-    Run(&ShirleyOptimiseClick);
+void BackgroundDialog::ShirleySlopeSearchClicked() {
+    Run([](Project& p, SessionHost& h, BackgroundForm& f) { OptimiseShirleySlope(p, h, f); });
 }
 
-void BackgroundDialog::TougaardOptimiseClicked() {
-    Run(&TougaardOptimiseClick);
+void BackgroundDialog::TougaardB1SearchClicked() {
+    Run(&OptimiseTougaardBackground);
 }
 
 void BackgroundDialog::closeEvent(QCloseEvent* event) {

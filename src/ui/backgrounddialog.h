@@ -1,5 +1,5 @@
 #pragma once
-// `BGForm`: the background dialog, modeless, over the session's BackgroundForm.
+// The background dialog, modeless, over the session's BackgroundForm.
 
 #include <QWidget>
 #include <functional>
@@ -31,10 +31,10 @@ public:
 
     void AcceptClicked();
     void CloseClicked();
-    /// `Command1`: the Shirley slope search; the plot and the Slope box follow every trial.
-    void ShirleyOptimiseClicked();
-    /// `Toug_Opt`: the Tougaard B1 search in the busy state.
-    void TougaardOptimiseClicked();
+    /// The Shirley slope search; the plot and the Slope box follow every trial.
+    void ShirleySlopeSearchClicked();
+    /// The Tougaard B1 search in the busy state.
+    void TougaardB1SearchClicked();
 
     /// Paints the region's plot at once, so that every trial of a search is seen.
     std::function<void()> repaintPlot;
@@ -52,12 +52,12 @@ private:
     QtHost& host_;
     BackgroundForm form_;
     bool running_ = false;  // a search yields to the event loop: no second click meanwhile
-    QLineEdit* lbe_ = nullptr;
-    QLineEdit* hbe_ = nullptr;
-    QComboBox* averPt_ = nullptr;
-    QComboBox* bg_ = nullptr;
-    QLineEdit* slope_ = nullptr;
-    QLineEdit* touB1_ = nullptr;
+    QLineEdit* lowBE_ = nullptr;
+    QLineEdit* highBE_ = nullptr;
+    QComboBox* averagePoints_ = nullptr;
+    QComboBox* backgroundType_ = nullptr;
+    QLineEdit* shirleySlope_ = nullptr;
+    QLineEdit* tougaardB1_ = nullptr;
     QLineEdit* area_ = nullptr;
 };
 

@@ -16,56 +16,58 @@
 namespace molvera::ui {
 ConstraintDialog::ConstraintDialog(Project& project, QtHost& host, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), host_(host) {
-    setObjectName(QStringLiteral("CntForm"));
+    setObjectName(QStringLiteral("constraintDialog"));
 
     auto* heading = new QHBoxLayout;
     heading->addWidget(new QLabel(QStringLiteral("Peak"), this));
-    peak_ = new QLabel(this);
-    peak_->setObjectName(QStringLiteral("PeakLabel"));
-    heading->addWidget(peak_);
+    peakLabel_ = new QLabel(this);
+    peakLabel_->setObjectName(QStringLiteral("peakLabel"));
+    heading->addWidget(peakLabel_);
     heading->addStretch();
 
     auto* relation = new QGroupBox(QStringLiteral("Relation with another peak"), this);
     auto* relationLine = new QHBoxLayout(relation);
-    use_ = new QCheckBox(QStringLiteral("Use"), relation);
-    use_->setObjectName(QStringLiteral("Use"));
-    refPeak_ = NamedBox(relation, QStringLiteral("RefPeak"), 50);
-    argType_ = new QComboBox(relation);
-    argType_->setObjectName(QStringLiteral("ArgType"));
-    argType_->setEditable(true);
-    argType_->addItems({QStringLiteral("+"), QStringLiteral("-"), QStringLiteral("*"), QStringLiteral("/")});
-    QFont operationFont = argType_->font();
+    useRelation_ = new QCheckBox(QStringLiteral("Use"), relation);
+    useRelation_->setObjectName(QStringLiteral("useRelation"));
+    referencePeak_ = NamedBox(relation, QStringLiteral("referencePeakText"), 50);
+    operation_ = new QComboBox(relation);
+    operation_->setObjectName(QStringLiteral("operation"));
+    operation_->setEditable(true);
+    operation_->addItems(
+        {QStringLiteral("+"), QStringLiteral("-"), QStringLiteral("*"), QStringLiteral("/")});
+    QFont operationFont = operation_->font();
     operationFont.setPointSize(11);
-    argType_->setFont(operationFont);
-    argType_->setFixedWidth(55);
-    arg_ = NamedBox(relation, QStringLiteral("Arg"), 80);
-    relationLine->addWidget(use_);
+    operation_->setFont(operationFont);
+    operation_->setFixedWidth(55);
+    argument_ = NamedBox(relation, QStringLiteral("argumentText"), 80);
+    relationLine->addWidget(useRelation_);
     relationLine->addSpacing(12);
     relationLine->addWidget(new QLabel(QStringLiteral("= Peak"), relation));
-    relationLine->addWidget(refPeak_);
-    relationLine->addWidget(argType_);
-    relationLine->addWidget(arg_);
+    relationLine->addWidget(referencePeak_);
+    relationLine->addWidget(operation_);
+    relationLine->addWidget(argument_);
     relationLine->addStretch();
 
     auto* limits = new QGroupBox(QStringLiteral("Limits of Search Range"), this);
     auto* limitLine = new QHBoxLayout(limits);
-    range_ = new QCheckBox(QStringLiteral("Use"), limits);
-    range_->setObjectName(QStringLiteral("Range"));
-    low_ = NamedBox(limits, QStringLiteral("Low"), 90);
-    high_ = NamedBox(limits, QStringLiteral("High"), 90);
-    limitLine->addWidget(range_);
+    useLimits_ = new QCheckBox(QStringLiteral("Use"), limits);
+    useLimits_->setObjectName(QStringLiteral("useLimits"));
+    lowLimit_ = NamedBox(limits, QStringLiteral("lowLimitText"), 90);
+    highLimit_ = NamedBox(limits, QStringLiteral("highLimitText"), 90);
+    limitLine->addWidget(useLimits_);
     limitLine->addSpacing(12);
     limitLine->addWidget(new QLabel(QStringLiteral("Low"), limits));
-    limitLine->addWidget(low_);
+    limitLine->addWidget(lowLimit_);
     limitLine->addSpacing(12);
     limitLine->addWidget(new QLabel(QStringLiteral("High"), limits));
-    limitLine->addWidget(high_);
+    limitLine->addWidget(highLimit_);
     limitLine->addStretch();
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    QPushButton* ok = NamedButton(this, QStringLiteral("OK"), QStringLiteral("CntOK"));
-    QPushButton* cancel = NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("CntCancel"));
+    QPushButton* ok = NamedButton(this, QStringLiteral("OK"), QStringLiteral("okButton"));
+    QPushButton* cancel =
+        NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("cancelButton"));
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
 
@@ -81,26 +83,26 @@ ConstraintDialog::ConstraintDialog(Project& project, QtHost& host, QWidget* pare
 }
 
 void ConstraintDialog::ShowForm() {
-    setWindowTitle(FromLatin1(form_.Caption));
-    peak_->setText(FromLatin1(form_.PeakLabel));
-    use_->setChecked(form_.Use);
-    SetBoxText(refPeak_, form_.RefPeak);
-    argType_->setCurrentText(FromLatin1(form_.ArgType));
-    SetBoxText(arg_, form_.Arg);
-    range_->setChecked(form_.Range);
-    SetBoxText(low_, form_.Low);
-    SetBoxText(high_, form_.High);
-    ShowOrHide(*this, form_.Visible);
+    setWindowTitle(FromLatin1(form_.caption));
+    peakLabel_->setText(FromLatin1(form_.peakLabel));
+    useRelation_->setChecked(form_.useRelation);
+    SetBoxText(referencePeak_, form_.referencePeakText);
+    operation_->setCurrentText(FromLatin1(form_.operation));
+    SetBoxText(argument_, form_.argumentText);
+    useLimits_->setChecked(form_.useLimits);
+    SetBoxText(lowLimit_, form_.lowLimitText);
+    SetBoxText(highLimit_, form_.highLimitText);
+    ShowOrHide(*this, form_.visible);
 }
 
 void ConstraintDialog::ReadForm() {
-    form_.Use = use_->isChecked();
-    form_.RefPeak = ToLatin1(refPeak_->text());
-    form_.ArgType = ToLatin1(argType_->currentText());
-    form_.Arg = ToLatin1(arg_->text());
-    form_.Range = range_->isChecked();
-    form_.Low = ToLatin1(low_->text());
-    form_.High = ToLatin1(high_->text());
+    form_.useRelation = useRelation_->isChecked();
+    form_.referencePeakText = ToLatin1(referencePeak_->text());
+    form_.operation = ToLatin1(operation_->currentText());
+    form_.argumentText = ToLatin1(argument_->text());
+    form_.useLimits = useLimits_->isChecked();
+    form_.lowLimitText = ToLatin1(lowLimit_->text());
+    form_.highLimitText = ToLatin1(highLimit_->text());
 }
 
 void ConstraintDialog::Open(ConstraintKind kind) {
@@ -109,13 +111,13 @@ void ConstraintDialog::Open(ConstraintKind kind) {
 }
 
 void ConstraintDialog::HideDialog() {
-    form_.Visible = false;
+    form_.visible = false;
     hide();
 }
 
 void ConstraintDialog::OkClicked() {
     ReadForm();
-    const Status st = ConstraintOK(project_, form_);
+    const Status st = AcceptConstraint(project_, form_);
     // The dialog keeps the user's entries after a refusal.
     if (!st) {
         host_.Show(st);

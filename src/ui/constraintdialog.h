@@ -1,5 +1,5 @@
 #pragma once
-// `CntForm`: the constraint dialog, modeless, over the session's ConstraintForm.
+// The constraint dialog, modeless, over the session's ConstraintForm.
 
 #include <QWidget>
 
@@ -39,14 +39,14 @@ private:
     Project& project_;
     QtHost& host_;
     ConstraintForm form_;
-    QLabel* peak_ = nullptr;
-    QCheckBox* use_ = nullptr;
-    QLineEdit* refPeak_ = nullptr;
-    QComboBox* argType_ = nullptr;
-    QLineEdit* arg_ = nullptr;
-    QCheckBox* range_ = nullptr;
-    QLineEdit* low_ = nullptr;
-    QLineEdit* high_ = nullptr;
+    QLabel* peakLabel_ = nullptr;
+    QCheckBox* useRelation_ = nullptr;
+    QLineEdit* referencePeak_ = nullptr;
+    QComboBox* operation_ = nullptr;
+    QLineEdit* argument_ = nullptr;
+    QCheckBox* useLimits_ = nullptr;
+    QLineEdit* lowLimit_ = nullptr;
+    QLineEdit* highLimit_ = nullptr;
 };
 
 }  // namespace molvera::ui

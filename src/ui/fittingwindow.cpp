@@ -9,8 +9,8 @@ FittingWindow::FittingWindow(Project& project, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::WindowTitleHint | Qt::CustomizeWindowHint),
       stop_(new QPushButton(QStringLiteral("Stop Fitting"), this)) {
     setWindowTitle(QStringLiteral("Fitting"));
-    setObjectName(QStringLiteral("FittingForm"));
-    stop_->setObjectName(QStringLiteral("cancelfitting"));
+    setObjectName(QStringLiteral("fittingWindow"));
+    stop_->setObjectName(QStringLiteral("stopFittingButton"));
     stop_->setMinimumSize(160, 40);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(stop_);

@@ -14,7 +14,7 @@ class FittingWindow : public QWidget {
     Q_OBJECT
 public:
     explicit FittingWindow(Project& project, QWidget* parent = nullptr);
-    /// The "Stop Fitting" button (`cancelfitting`).
+    /// The "Stop Fitting" button.
     QPushButton* StopButton() const { return stop_; }
 
 private:

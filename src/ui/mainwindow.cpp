@@ -33,7 +33,7 @@ QPushButton* Button(const QString& caption, const char* name, QWidget* parent) {
 
 MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent)
     : QWidget(parent), project_(project), host_(host), files_(files) {
-    setObjectName(QStringLiteral("XPSForm"));
+    setObjectName(QStringLiteral("mainWindow"));
     setWindowTitle(QStringLiteral("Molvera"));
 
     auto* grid = new QGridLayout;
@@ -46,26 +46,26 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
                     Qt::AlignCenter);
     for (int r = 0; r < kRegionCount; ++r) {
         auto* b = new QPushButton(QString::number(r + 1), this);
-        b->setObjectName(QStringLiteral("reg%1").arg(r));
+        b->setObjectName(QStringLiteral("regionButton%1").arg(r));
         b->setFixedWidth(44);
         connect(b, &QPushButton::clicked, this, [this, r] { SelectRegion(project_, host_, r); });
-        reg_[static_cast<std::size_t>(r)] = b;
+        regionButtons_[static_cast<std::size_t>(r)] = b;
         grid->addWidget(b, r + 1, 0);
         for (int k = 0; k < kMaxPeaksPerRegion; ++k) {
             const int i = PeakButtonIndex(r, k);
             auto* p = new QPushButton(this);
-            p->setObjectName(QStringLiteral("pp%1").arg(i));
+            p->setObjectName(QStringLiteral("peakButton%1").arg(i));
             p->setFixedWidth(34);
             p->setEnabled(false);
             connect(p, &QPushButton::clicked, this, [this, i] { PeakButtonClicked(i); });
-            pp_[static_cast<std::size_t>(i)] = p;
+            peakButtons_[static_cast<std::size_t>(i)] = p;
             grid->addWidget(p, r + 1, 1 + k);
         }
         auto* c = new QLineEdit(this);
-        c->setObjectName(QStringLiteral("chi%1").arg(r));
+        c->setObjectName(QStringLiteral("chiSquareBox%1").arg(r));
         c->setReadOnly(true);
         c->setMinimumWidth(110);
-        chi_[static_cast<std::size_t>(r)] = c;
+        chiSquareBoxes_[static_cast<std::size_t>(r)] = c;
         grid->addWidget(c, r + 1, 1 + kMaxPeaksPerRegion);
     }
     auto* sigma = new QLabel(QString(QChar(0x03A3)), this);
@@ -73,27 +73,27 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     big.setPointSizeF(big.pointSizeF() * 1.4);
     big.setBold(true);
     sigma->setFont(big);
-    sumCS_ = new QLabel(QStringLiteral("0"), this);
-    sumCS_->setObjectName(QStringLiteral("SumCS"));
-    sumCS_->setFrameShape(QFrame::Panel);
-    sumCS_->setFrameShadow(QFrame::Sunken);
-    sumCS_->setMinimumWidth(110);
+    totalChiSquare_ = new QLabel(QStringLiteral("0"), this);
+    totalChiSquare_->setObjectName(QStringLiteral("totalChiSquareLabel"));
+    totalChiSquare_->setFrameShape(QFrame::Panel);
+    totalChiSquare_->setFrameShadow(QFrame::Sunken);
+    totalChiSquare_->setMinimumWidth(110);
     grid->addWidget(sigma, kRegionCount + 1, kMaxPeaksPerRegion, Qt::AlignRight);
-    grid->addWidget(sumCS_, kRegionCount + 1, 1 + kMaxPeaksPerRegion);
+    grid->addWidget(totalChiSquare_, kRegionCount + 1, 1 + kMaxPeaksPerRegion);
 
     auto* frame = new QGroupBox(QStringLiteral("Description"), this);
-    desc_ = new QLineEdit(frame);
-    desc_->setObjectName(QStringLiteral("Desc"));
-    (new QVBoxLayout(frame))->addWidget(desc_);
-    connect(desc_, &QLineEdit::textChanged, this, [this](const QString& text) {
+    description_ = new QLineEdit(frame);
+    description_->setObjectName(QStringLiteral("descriptionBox"));
+    (new QVBoxLayout(frame))->addWidget(description_);
+    connect(description_, &QLineEdit::textChanged, this, [this](const QString& text) {
         if (!settingDescription_) project_.Description = Utf8ToLatin1(text.toStdString());
     });
 
-    auto* options = Button(QStringLiteral("Options"), "Command1", this);
-    auto* open = Button(QStringLiteral("Open XPS"), "Open", this);
-    auto* save = Button(QStringLiteral("Save XPS"), "Save", this);
-    auto* close = Button(QStringLiteral("Close"), "Close", this);
-    auto* optimiseAll = Button(QStringLiteral("Optimise All"), "OptimiseAllRegions", this);
+    auto* options = Button(QStringLiteral("Options"), "optionsButton", this);
+    auto* open = Button(QStringLiteral("Open XPS"), "openProjectButton", this);
+    auto* save = Button(QStringLiteral("Save XPS"), "saveProjectButton", this);
+    auto* close = Button(QStringLiteral("Close"), "closeButton", this);
+    auto* optimiseAll = Button(QStringLiteral("Optimise All"), "optimiseAllButton", this);
     connect(options, &QPushButton::clicked, this, [this] {
         if (openOptions) openOptions();
     });
@@ -113,27 +113,28 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
 }
 
 void MainWindow::SetChiText(int region, const QString& text) {
-    if (region >= 0 && region < kRegionCount) chi_[static_cast<std::size_t>(region)]->setText(text);
+    if (region >= 0 && region < kRegionCount)
+        chiSquareBoxes_[static_cast<std::size_t>(region)]->setText(text);
 }
 
-void MainWindow::SetTotalText(const QString& text) { sumCS_->setText(text); }
+void MainWindow::SetTotalText(const QString& text) { totalChiSquare_->setText(text); }
 
 void MainWindow::SetPeakButton(int index, const QString& caption, bool enabled) {
     if (index < 0 || index >= kRegionCount * kMaxPeaksPerRegion) return;
-    QPushButton* b = pp_[static_cast<std::size_t>(index)];
+    QPushButton* b = peakButtons_[static_cast<std::size_t>(index)];
     b->setText(caption);
     b->setEnabled(enabled);
 }
 
 void MainWindow::SetDescription(const QString& text) {
     settingDescription_ = true;
-    desc_->setText(text);
+    description_->setText(text);
     settingDescription_ = false;
 }
 
 void MainWindow::RecolourRegionButtons() {
     for (int r = 0; r < kRegionCount; ++r) {
-        QPushButton* b = reg_[static_cast<std::size_t>(r)];
+        QPushButton* b = regionButtons_[static_cast<std::size_t>(r)];
         const RegionButtonColour colour = RegionButtonColourOf(project_, r);
         QPalette pal = QApplication::palette(b);
         if (colour != RegionButtonColour::ButtonFace) {

@@ -18,7 +18,7 @@ namespace molvera::ui {
 class QtHost;
 class FileDialog;
 
-/// `XPSForm`.
+/// The main window.
 class MainWindow : public QWidget {
     Q_OBJECT
 public:
@@ -31,11 +31,11 @@ public:
     /// Region buttons in their colours (data, current, empty).
     void RecolourRegionButtons();
 
-    QPushButton* RegionButton(int k) const { return reg_[static_cast<std::size_t>(k)]; }
-    QPushButton* PeakButton(int i) const { return pp_[static_cast<std::size_t>(i)]; }
-    QLineEdit* ChiBox(int k) const { return chi_[static_cast<std::size_t>(k)]; }
-    QLabel* TotalLabel() const { return sumCS_; }
-    QLineEdit* DescriptionBox() const { return desc_; }
+    QPushButton* RegionButton(int k) const { return regionButtons_[static_cast<std::size_t>(k)]; }
+    QPushButton* PeakButton(int i) const { return peakButtons_[static_cast<std::size_t>(i)]; }
+    QLineEdit* ChiSquareBox(int k) const { return chiSquareBoxes_[static_cast<std::size_t>(k)]; }
+    QLabel* TotalLabel() const { return totalChiSquare_; }
+    QLineEdit* DescriptionBox() const { return description_; }
 
     /// Open XPS and Save XPS, as their buttons run them.
     void OpenProjectCommand();
@@ -56,11 +56,11 @@ private:
     Project& project_;
     QtHost& host_;
     FileDialog& files_;
-    std::array<QPushButton*, kRegionCount> reg_{};
-    std::array<QPushButton*, kRegionCount * kMaxPeaksPerRegion> pp_{};
-    std::array<QLineEdit*, kRegionCount> chi_{};
-    QLabel* sumCS_ = nullptr;
-    QLineEdit* desc_ = nullptr;
+    std::array<QPushButton*, kRegionCount> regionButtons_{};
+    std::array<QPushButton*, kRegionCount * kMaxPeaksPerRegion> peakButtons_{};
+    std::array<QLineEdit*, kRegionCount> chiSquareBoxes_{};
+    QLabel* totalChiSquare_ = nullptr;
+    QLineEdit* description_ = nullptr;
     bool settingDescription_ = false;
 };
 

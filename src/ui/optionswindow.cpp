@@ -23,7 +23,7 @@ constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
 OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& host, FileDialog& files,
                              QWidget* parent)
     : QWidget(parent, Qt::Window), form_(form), options_(options), host_(host), files_(files) {
-    setObjectName(QStringLiteral("OptForm"));
+    setObjectName(QStringLiteral("optionsWindow"));
     setWindowTitle(QStringLiteral("Option"));
 
     auto* frames = new QHBoxLayout;
@@ -32,23 +32,23 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
 
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
-    QLineEdit* tol = Box(QStringLiteral("TolVal"), &OptionsForm::TolVal);
+    QLineEdit* tol = Box(QStringLiteral("toleranceText"), &OptionsForm::toleranceText);
     tol->setMinimumWidth(150);
     bottom->addWidget(tol);
     bottom->addSpacing(20);
     glSum_ = new QRadioButton(QStringLiteral("GL Sum"), this);
-    glSum_->setObjectName(QStringLiteral("GLSum"));
+    glSum_->setObjectName(QStringLiteral("glSum"));
     glProduct_ = new QRadioButton(QStringLiteral("GL Product"), this);
-    glProduct_->setObjectName(QStringLiteral("GLProduct"));
+    glProduct_->setObjectName(QStringLiteral("glProduct"));
     bottom->addWidget(glSum_);
     bottom->addWidget(glProduct_);
     bottom->addStretch();
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("OptionOK"));
+    ok->setObjectName(QStringLiteral("okButton"));
     auto* load = new QPushButton(QStringLiteral("Load Parameters"), this);
-    load->setObjectName(QStringLiteral("ReadOption"));
+    load->setObjectName(QStringLiteral("loadParametersButton"));
     auto* save = new QPushButton(QStringLiteral("Save Parameters"), this);
-    save->setObjectName(QStringLiteral("SaveOption"));
+    save->setObjectName(QStringLiteral("saveParametersButton"));
     bottom->addWidget(ok);
     bottom->addWidget(load);
     bottom->addWidget(save);
@@ -57,10 +57,11 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     layout->addLayout(frames);
     layout->addLayout(bottom);
 
-    connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&UseSearchClick); });
-    connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&UseNewtonClick); });
-    connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&GLSumClick); });
-    connect(glProduct_, &QRadioButton::clicked, this, [this] { RunHandler(&GLProductClick); });
+    connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplySearchChoice); });
+    connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyNewtonChoice); });
+    connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLSumChoice); });
+    connect(glProduct_, &QRadioButton::clicked, this,
+            [this] { RunHandler(&ApplyGLProductChoice); });
     connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
     connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
     connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
@@ -78,22 +79,25 @@ QGroupBox* OptionsWindow::SearchFrame() {
     auto* layout = new QVBoxLayout(frame);
     auto* top = new QHBoxLayout;
     useSearch_ = new QRadioButton(QStringLiteral("Use"), frame);
-    useSearch_->setObjectName(QStringLiteral("UseSearch"));
+    useSearch_->setObjectName(QStringLiteral("useSearch"));
     useSearch_->setAutoExclusive(false);
     top->addWidget(useSearch_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("SearchTrial"), &OptionsForm::SearchTrial);
+    QLineEdit* trials = Box(QStringLiteral("searchTrialsText"), &OptionsForm::searchTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use   Range   Step");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosSearchCheck,
-                                 &OptionsForm::PosRange, &OptionsForm::PosStep, QStringLiteral("Pos")));
-    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaSearchCheck,
-                                 &OptionsForm::AreaRange, &OptionsForm::AreaStep, QStringLiteral("Area")));
-    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMSearchCheck,
-                                 &OptionsForm::FWHMRange, &OptionsForm::FWHMStep, QStringLiteral("FWHM")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading,
+                                 &OptionsForm::usePositionSearch, &OptionsForm::positionRangeText,
+                                 &OptionsForm::positionStepText, QStringLiteral("Position")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaSearch,
+                                 &OptionsForm::areaRangeText, &OptionsForm::areaStepText,
+                                 QStringLiteral("Area")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMSearch,
+                                 &OptionsForm::fwhmRangeText, &OptionsForm::fwhmStepText,
+                                 QStringLiteral("FWHM")));
     return frame;
 }
 
@@ -102,22 +106,23 @@ QGroupBox* OptionsWindow::NewtonFrame() {
     auto* layout = new QVBoxLayout(frame);
     auto* top = new QHBoxLayout;
     useNewton_ = new QRadioButton(QStringLiteral("Use"), frame);
-    useNewton_->setObjectName(QStringLiteral("UseNewton"));
+    useNewton_->setObjectName(QStringLiteral("useNewton"));
     useNewton_->setAutoExclusive(false);
     top->addWidget(useNewton_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("No. of trials"), frame));
-    QLineEdit* trials = Box(QStringLiteral("NewtonTrial"), &OptionsForm::NewtonTrial);
+    QLineEdit* trials = Box(QStringLiteral("newtonTrialsText"), &OptionsForm::newtonTrialsText);
     trials->setMaximumWidth(60);
     top->addWidget(trials);
     layout->addLayout(top);
     const QString heading = QStringLiteral("Use  Delta");
-    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading, &OptionsForm::PosNewtonCheck,
-                                 &OptionsForm::PosDelta, nullptr, QStringLiteral("PosNewton")));
-    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::AreaNewtonCheck,
-                                 &OptionsForm::AreaDelta, nullptr, QStringLiteral("AreaNewton")));
-    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::FWHMNewtonCheck,
-                                 &OptionsForm::FWHMDelta, nullptr, QStringLiteral("FWHMNewton")));
+    layout->addWidget(LevelGroup(QStringLiteral("Position"), heading,
+                                 &OptionsForm::usePositionNewton, &OptionsForm::positionDeltaText,
+                                 nullptr, QStringLiteral("Position")));
+    layout->addWidget(LevelGroup(QStringLiteral("Area"), heading, &OptionsForm::useAreaNewton,
+                                 &OptionsForm::areaDeltaText, nullptr, QStringLiteral("Area")));
+    layout->addWidget(LevelGroup(QStringLiteral("FWHM"), heading, &OptionsForm::useFWHMNewton,
+                                 &OptionsForm::fwhmDeltaText, nullptr, QStringLiteral("FWHM")));
     return frame;
 }
 
@@ -125,7 +130,7 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
                                      std::array<bool, kLevels> OptionsForm::*check,
                                      std::array<std::string, kLevels> OptionsForm::*first,
                                      std::array<std::string, kLevels> OptionsForm::*second,
-                                     const QString& name) {
+                                     const QString& parameter) {
     auto* group = new QGroupBox(title, this);
     auto* grid = new QGridLayout(group);
     grid->setVerticalSpacing(2);
@@ -135,23 +140,27 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
         grid->addWidget(new QLabel(words[c], group), 0, static_cast<int>(c) + 1, Qt::AlignLeft);
     grid->setColumnStretch(4, 1);
     const bool search = second != nullptr;
+    // usePositionSearch0, positionRangeText0, positionStepText0; useAreaNewton2, areaDeltaText2.
+    const QString checkName = QStringLiteral("use") + parameter +
+                              (search ? QStringLiteral("Search%1") : QStringLiteral("Newton%1"));
+    const QString firstName = LowerCamel(parameter) + (search ? QStringLiteral("RangeText%1")
+                                                              : QStringLiteral("DeltaText%1"));
+    const QString secondName = LowerCamel(parameter) + QStringLiteral("StepText%1");
     for (int i = 0; i < kLevels; ++i) {
         const auto idx = static_cast<std::size_t>(i);
         grid->addWidget(new QLabel(QStringLiteral("Level %1").arg(i + 1), group), i + 1, 0);
         auto* box = new QCheckBox(group);
-        box->setObjectName(name + (search ? QStringLiteral("SearchCheck%1") : QStringLiteral("Check%1")).arg(i));
+        box->setObjectName(checkName.arg(i));
         checks_.push_back({box, [check, idx](OptionsForm& f) -> bool& { return (f.*check)[idx]; }});
         grid->addWidget(box, i + 1, 1);
-        const QString firstName = search ? name + QStringLiteral("Range%1").arg(i)
-                                         : name.left(name.size() - 6) + QStringLiteral("Delta%1").arg(i);
         auto* a = new QLineEdit(group);
-        a->setObjectName(firstName);
+        a->setObjectName(firstName.arg(i));
         a->setFixedWidth(80);
         texts_.push_back({a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
         grid->addWidget(a, i + 1, 2);
         if (search) {
             auto* b = new QLineEdit(group);
-            b->setObjectName(name + QStringLiteral("Step%1").arg(i));
+            b->setObjectName(secondName.arg(i));
             b->setFixedWidth(80);
             texts_.push_back({b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
             grid->addWidget(b, i + 1, 3);
@@ -163,10 +172,10 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
 void OptionsWindow::ReadForm() {
     for (auto& t : texts_) t.field(form_) = ToLatin1(t.box->text());
     for (auto& c : checks_) c.field(form_) = c.box->isChecked();
-    form_.UseSearch = useSearch_->isChecked();
-    form_.UseNewton = useNewton_->isChecked();
-    form_.GLSum = glSum_->isChecked();
-    form_.GLProduct = glProduct_->isChecked();
+    form_.useSearch = useSearch_->isChecked();
+    form_.useNewton = useNewton_->isChecked();
+    form_.glSum = glSum_->isChecked();
+    form_.glProduct = glProduct_->isChecked();
 }
 
 void OptionsWindow::ShowForm() {
@@ -175,16 +184,16 @@ void OptionsWindow::ShowForm() {
         t.box->setCursorPosition(0);  // long numbers show their leading digits
     }
     for (auto& c : checks_) c.box->setChecked(c.field(form_));
-    useSearch_->setChecked(form_.UseSearch);
-    useNewton_->setChecked(form_.UseNewton);
+    useSearch_->setChecked(form_.useSearch);
+    useNewton_->setChecked(form_.useNewton);
     glSum_->setAutoExclusive(false);
     glProduct_->setAutoExclusive(false);
-    glSum_->setChecked(form_.GLSum);
-    glProduct_->setChecked(form_.GLProduct);
+    glSum_->setChecked(form_.glSum);
+    glProduct_->setChecked(form_.glProduct);
     glSum_->setAutoExclusive(true);
     glProduct_->setAutoExclusive(true);
-    if (setAsymmetryFrameEnabled) setAsymmetryFrameEnabled(form_.AsymmetryFrameEnabled);
-    if (form_.Visible) {
+    if (setAsymmetryFrameEnabled) setAsymmetryFrameEnabled(form_.asymmetryFrameEnabled);
+    if (form_.visible) {
         show();
         raise();
     } else {

@@ -1,5 +1,5 @@
 #pragma once
-// `OptForm`: the options dialog ("Option"), modeless, over the session's OptionsForm.
+// The options dialog ("Option"), modeless, over the session's OptionsForm.
 
 #include <QWidget>
 #include <functional>
@@ -45,7 +45,7 @@ private:
                           std::array<bool, kLevels> OptionsForm::*check,
                           std::array<std::string, kLevels> OptionsForm::*first,
                           std::array<std::string, kLevels> OptionsForm::*second,
-                          const QString& name);
+                          const QString& parameter);
     QLineEdit* Box(const QString& name, std::string OptionsForm::*field);
     void RunHandler(void (*handler)(OptionsForm&, FitOptions&));
 

@@ -27,34 +27,35 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
       host_(host),
       plot_(plot),
       constraints_(constraints),
-      rows_{{{PeakParameter::Position, &PeakForm::PosVal, &PeakForm::ScPos, &PeakForm::ChkPos},
-             {PeakParameter::FWHM, &PeakForm::FWHMVal, &PeakForm::ScFWHM, &PeakForm::ChkFWHM},
-             {PeakParameter::Area, &PeakForm::AreaVal, &PeakForm::ScArea, &PeakForm::ChkArea},
-             {PeakParameter::GL, &PeakForm::GLVal, &PeakForm::ScGL, &PeakForm::ChkGL}}} {
-    setObjectName(QStringLiteral("PeakForm"));
+      rows_{{{PeakParameter::Position, &PeakForm::positionText, &PeakForm::positionBar,
+              &PeakForm::fixPosition},
+             {PeakParameter::FWHM, &PeakForm::fwhmText, &PeakForm::fwhmBar, &PeakForm::fixFWHM},
+             {PeakParameter::Area, &PeakForm::areaText, &PeakForm::areaBar, &PeakForm::fixArea},
+             {PeakParameter::GL, &PeakForm::glText, &PeakForm::glBar, &PeakForm::fixGL}}} {
+    setObjectName(QStringLiteral("peakEditor"));
 
     auto* top = new QHBoxLayout;
     type_ = new QComboBox(this);
-    type_->setObjectName(QStringLiteral("PeakType"));
+    type_->setObjectName(QStringLiteral("peakType"));
     type_->setEditable(true);
     type_->addItems({QStringLiteral("s"), QStringLiteral("p"), QStringLiteral("d"), QStringLiteral("f")});
     type_->setFixedWidth(60);
     top->addWidget(type_);
     top->addSpacing(16);
     top->addWidget(new QLabel(QStringLiteral("S.O.S."), this));
-    splitting_ = NamedBox(this, QStringLiteral("SplittingVal"), 80);
+    splitting_ = NamedBox(this, QStringLiteral("splittingText"), 80);
     top->addWidget(splitting_);
     top->addStretch();
     top->addWidget(new QLabel(QStringLiteral("Actual FWHM:"), this));
-    actFWHM_ = new QLabel(QStringLiteral("---"), this);
-    actFWHM_->setObjectName(QStringLiteral("ActFWHM"));
-    actFWHM_->setMinimumWidth(70);
-    top->addWidget(actFWHM_);
+    actualFWHM_ = new QLabel(QStringLiteral("---"), this);
+    actualFWHM_->setObjectName(QStringLiteral("actualFWHM"));
+    actualFWHM_->setMinimumWidth(70);
+    top->addWidget(actualFWHM_);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
-    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Pos"),
-                                     ConstraintKind::Position));
+    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"),
+                                     QStringLiteral("Position"), ConstraintKind::Position));
     layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM"),
                                      ConstraintKind::FWHM));
     layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area"),
@@ -64,12 +65,17 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
     layout->addWidget(AsymmetryFrame());
 
     auto* buttons = new QHBoxLayout;
-    QPushButton* optpeak = NamedButton(this, QStringLiteral("Optimise Peak"), QStringLiteral("Optpeak"));
-    QPushButton* redraw = NamedButton(this, QStringLiteral("ReDraw"), QStringLiteral("ReDraw"));
-    QPushButton* accept = NamedButton(this, QStringLiteral("Accept"), QStringLiteral("PeakAccept"));
-    QPushButton* cancel = NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("PeakCancel"));
-    QPushButton* remove = NamedButton(this, QStringLiteral("Delete Peak"), QStringLiteral("DeletePeak"));
-    buttons->addWidget(optpeak);
+    QPushButton* optimisePeak =
+        NamedButton(this, QStringLiteral("Optimise Peak"), QStringLiteral("optimisePeakButton"));
+    QPushButton* redraw =
+        NamedButton(this, QStringLiteral("ReDraw"), QStringLiteral("redrawButton"));
+    QPushButton* accept =
+        NamedButton(this, QStringLiteral("Accept"), QStringLiteral("acceptButton"));
+    QPushButton* cancel =
+        NamedButton(this, QStringLiteral("Cancel"), QStringLiteral("cancelButton"));
+    QPushButton* remove =
+        NamedButton(this, QStringLiteral("Delete Peak"), QStringLiteral("deletePeakButton"));
+    buttons->addWidget(optimisePeak);
     buttons->addWidget(redraw);
     buttons->addStretch();
     buttons->addWidget(accept);
@@ -78,7 +84,7 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
     buttons->addWidget(remove);
     layout->addLayout(buttons);
 
-    connect(optpeak, &QPushButton::clicked, this, &PeakEditor::OptimisePeakClicked);
+    connect(optimisePeak, &QPushButton::clicked, this, &PeakEditor::OptimisePeakClicked);
     connect(redraw, &QPushButton::clicked, this, &PeakEditor::ReDrawClicked);
     connect(accept, &QPushButton::clicked, this, &PeakEditor::AcceptClicked);
     connect(cancel, &QPushButton::clicked, this, &PeakEditor::CancelClicked);
@@ -86,18 +92,23 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
     ShowForm();
 }
 
-QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
-                                      ConstraintKind kind) {
+QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
+                                      const QString& parameter, ConstraintKind kind) {
+    // positionText, positionBar, fixPosition, optimisePositionButton, positionConstraintsButton
+    const QString word = LowerCamel(parameter);
     auto* frame = new QGroupBox(title, this);
     auto* line = new QHBoxLayout(frame);
-    row.box = NamedBox(frame, prefix + QStringLiteral("Val"), 90);
+    row.box = NamedBox(frame, word + QStringLiteral("Text"), 90);
     row.scroll = new QScrollBar(Qt::Horizontal, frame);
-    row.scroll->setObjectName(QStringLiteral("Sc") + prefix);
+    row.scroll->setObjectName(word + QStringLiteral("Bar"));
     row.scroll->setMinimumWidth(220);
     row.fix = new QCheckBox(QStringLiteral("Fix"), frame);
-    row.fix->setObjectName(QStringLiteral("Chk") + prefix);
-    QPushButton* optimise = NamedButton(frame, QStringLiteral("Optimise"), QStringLiteral("Opt") + prefix);
-    QPushButton* constraints = NamedButton(frame, QStringLiteral("Constraints"), prefix + QStringLiteral("Cnt"));
+    row.fix->setObjectName(QStringLiteral("fix") + parameter);
+    QPushButton* optimise =
+        NamedButton(frame, QStringLiteral("Optimise"),
+                    QStringLiteral("optimise") + parameter + QStringLiteral("Button"));
+    QPushButton* constraints = NamedButton(frame, QStringLiteral("Constraints"),
+                                           word + QStringLiteral("ConstraintsButton"));
     line->addWidget(row.box);
     line->addWidget(row.scroll, 1);
     line->addWidget(row.fix);
@@ -114,16 +125,16 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, c
 
 QGroupBox* PeakEditor::AsymmetryFrame() {
     asymmetry_ = new QGroupBox(QStringLiteral("Asymmetry (TS=0 for symmetry)"), this);
-    asymmetry_->setObjectName(QStringLiteral("AsyFrame"));
+    asymmetry_->setObjectName(QStringLiteral("asymmetryFrame"));
     auto* line = new QHBoxLayout(asymmetry_);
-    ts_ = NamedBox(asymmetry_, QStringLiteral("TSVal"), 90);
-    tl_ = NamedBox(asymmetry_, QStringLiteral("TLVal"), 90);
+    tailScale_ = NamedBox(asymmetry_, QStringLiteral("tailScaleText"), 90);
+    tailLength_ = NamedBox(asymmetry_, QStringLiteral("tailLengthText"), 90);
     line->addWidget(new QLabel(QStringLiteral("TS"), asymmetry_));
-    line->addWidget(ts_);
+    line->addWidget(tailScale_);
     line->addWidget(new QLabel(QStringLiteral("0-1"), asymmetry_));
     line->addSpacing(30);
     line->addWidget(new QLabel(QStringLiteral("TL"), asymmetry_));
-    line->addWidget(tl_);
+    line->addWidget(tailLength_);
     line->addWidget(new QLabel(QStringLiteral("0.01-200"), asymmetry_));
     line->addStretch();
     return asymmetry_;
@@ -132,11 +143,12 @@ QGroupBox* PeakEditor::AsymmetryFrame() {
 void PeakEditor::ShowForm() {
     showing_ = true;
     setWindowTitle(FromLatin1(form_.caption));
-    if (type_->currentText() != FromLatin1(form_.PeakType)) type_->setCurrentText(FromLatin1(form_.PeakType));
-    SetBoxText(splitting_, form_.SplittingVal);
-    actFWHM_->setText(FromLatin1(form_.ActFWHM));
-    SetBoxText(ts_, form_.TSVal);
-    SetBoxText(tl_, form_.TLVal);
+    if (type_->currentText() != FromLatin1(form_.peakType))
+        type_->setCurrentText(FromLatin1(form_.peakType));
+    SetBoxText(splitting_, form_.splittingText);
+    actualFWHM_->setText(FromLatin1(form_.actualFWHM));
+    SetBoxText(tailScale_, form_.tailScaleText);
+    SetBoxText(tailLength_, form_.tailLengthText);
     for (ParameterRow& row : rows_) {
         SetBoxText(row.box, form_.*row.text);
         const ScrollBar& bar = form_.*row.bar;
@@ -150,10 +162,10 @@ void PeakEditor::ShowForm() {
 }
 
 void PeakEditor::ReadForm() {
-    form_.PeakType = ToLatin1(type_->currentText());
-    form_.SplittingVal = ToLatin1(splitting_->text());
-    form_.TSVal = ToLatin1(ts_->text());
-    form_.TLVal = ToLatin1(tl_->text());
+    form_.peakType = ToLatin1(type_->currentText());
+    form_.splittingText = ToLatin1(splitting_->text());
+    form_.tailScaleText = ToLatin1(tailScale_->text());
+    form_.tailLengthText = ToLatin1(tailLength_->text());
     for (ParameterRow& row : rows_) {
         form_.*row.text = ToLatin1(row.box->text());
         form_.*row.check = row.fix->isChecked();
@@ -196,35 +208,35 @@ void PeakEditor::FixToggled(ParameterRow& row, bool checked) {
 
 void PeakEditor::AcceptClicked() {
     ReadForm();
-    PeakAccept(project_, host_, form_);
+    AcceptPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::ReDrawClicked() {
     ReadForm();
-    PeakReDraw(project_, host_, form_);
+    RedrawPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::CancelClicked() {
-    PeakCancel(project_, host_, form_);
+    CancelPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::DeleteClicked() {
-    PeakDelete(project_, host_, form_);
+    DeleteEditedPeak(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::OptimiseClicked(PeakParameter which) {
     ReadForm();
-    OptimiseParameterClick(project_, host_, form_, which);
+    OptimiseEditedParameter(project_, host_, form_, which);
     ShowForm();
 }
 
 void PeakEditor::OptimisePeakClicked() {
     ReadForm();
-    OptpeakClick(project_, host_, form_);
+    OptimiseEditedPeak(project_, host_, form_);
     ShowForm();
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// `PeakForm`: the peak editor window, modeless, over the session's PeakForm.
+// The peak editor window, modeless, over the session's PeakForm.
 
 #include <QWidget>
 #include <array>
@@ -67,7 +67,7 @@ private:
         QScrollBar* scroll = nullptr;
         QCheckBox* fix = nullptr;
     };
-    QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
+    QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& parameter,
                               ConstraintKind kind);
     QGroupBox* AsymmetryFrame();
     void BarMoved(ParameterRow& row, int position);
@@ -83,10 +83,10 @@ private:
     std::array<ParameterRow, 4> rows_;
     QComboBox* type_ = nullptr;
     QLineEdit* splitting_ = nullptr;
-    QLabel* actFWHM_ = nullptr;
+    QLabel* actualFWHM_ = nullptr;
     QGroupBox* asymmetry_ = nullptr;
-    QLineEdit* ts_ = nullptr;
-    QLineEdit* tl_ = nullptr;
+    QLineEdit* tailScale_ = nullptr;
+    QLineEdit* tailLength_ = nullptr;
 };
 
 }  // namespace molvera::ui

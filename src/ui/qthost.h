@@ -45,7 +45,7 @@ public:
     void HidePeakEditor() override;
     void HideRegionDialogs() override;
 
-    /// Number of redraws asked for so far (ShowRegionWindow included).
+    /// Number of redraws asked for so far (bringing the region into view included).
     int RedrawCount() const { return redraws_; }
 
     /// Hooks for the peak editor and the region dialogs (background, constraint),

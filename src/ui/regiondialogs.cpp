@@ -13,12 +13,12 @@ namespace molvera::ui {
 
 RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
     : QWidget(parent, Qt::Window), project_(project), shiftText_(new QLineEdit(this)) {
-    setObjectName(QStringLiteral("RegionShiftForm"));
+    setObjectName(QStringLiteral("regionShiftDialog"));
     setWindowTitle(QStringLiteral("Region Shift"));
-    shiftText_->setObjectName(QStringLiteral("ShiftText"));
+    shiftText_->setObjectName(QStringLiteral("shiftText"));
     shiftText_->setMinimumWidth(100);
     auto* accept = new QPushButton(QStringLiteral("Accept"), this);
-    accept->setObjectName(QStringLiteral("Command1"));
+    accept->setObjectName(QStringLiteral("acceptButton"));
     auto* row = new QHBoxLayout(this);
     row->addWidget(new QLabel(QStringLiteral("Shift"), this));
     row->addWidget(shiftText_);
@@ -28,7 +28,7 @@ RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
 }
 
 void RegionShiftDialog::ShowForm() {
-    shiftText_->setText(FromLatin1(form_.ShiftText));
+    shiftText_->setText(FromLatin1(form_.shiftText));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -38,7 +38,7 @@ void RegionShiftDialog::Open() {
 }
 
 void RegionShiftDialog::AcceptClicked() {
-    form_.ShiftText = ToLatin1(shiftText_->text());
+    form_.shiftText = ToLatin1(shiftText_->text());
     AcceptRegionShift(project_, form_);
     ShowForm();
 }
@@ -49,21 +49,24 @@ void RegionShiftDialog::closeEvent(QCloseEvent* event) {
 }
 
 RegionCaptionDialog::RegionCaptionDialog(Project& project, QtHost& host, QWidget* parent)
-    : QWidget(parent, Qt::Window), project_(project), host_(host), text_(new QLineEdit(this)) {
-    setObjectName(QStringLiteral("RCaptionForm"));
+    : QWidget(parent, Qt::Window),
+      project_(project),
+      host_(host),
+      captionText_(new QLineEdit(this)) {
+    setObjectName(QStringLiteral("regionCaptionDialog"));
     setWindowTitle(QStringLiteral("Region Caption"));
-    text_->setObjectName(QStringLiteral("Text"));
-    text_->setMinimumWidth(220);
+    captionText_->setObjectName(QStringLiteral("captionText"));
+    captionText_->setMinimumWidth(220);
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("RCaptioOK"));
+    ok->setObjectName(QStringLiteral("okButton"));
     auto* row = new QHBoxLayout(this);
-    row->addWidget(text_);
+    row->addWidget(captionText_);
     row->addWidget(ok);
     connect(ok, &QPushButton::clicked, this, &RegionCaptionDialog::OkClicked);
 }
 
 void RegionCaptionDialog::ShowForm() {
-    text_->setText(FromLatin1(form_.Text));
+    captionText_->setText(FromLatin1(form_.captionText));
     ShowOrHide(*this, form_.visible);
 }
 
@@ -73,7 +76,7 @@ void RegionCaptionDialog::Open() {
 }
 
 void RegionCaptionDialog::OkClicked() {
-    form_.Text = ToLatin1(text_->text());
+    form_.captionText = ToLatin1(captionText_->text());
     AcceptRegionCaption(project_, host_, form_);
     ShowForm();
 }

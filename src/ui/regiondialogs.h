@@ -12,12 +12,13 @@ class QLineEdit;
 namespace molvera::ui {
 
 class QtHost;
-/// `RegionShiftForm`: the current region's energy shift.
+
+/// The current region's energy shift.
 class RegionShiftDialog : public QWidget {
     Q_OBJECT
 public:
     explicit RegionShiftDialog(Project& project, QWidget* parent = nullptr);
-    /// Shown with the current region's Shift in `ShiftText`.
+    /// Shown with the current region's Shift in the shift box.
     void Open();
     void AcceptClicked();
     const RegionShiftForm& Form() const { return form_; }
@@ -33,7 +34,7 @@ private:
     QLineEdit* shiftText_;
 };
 
-/// `RCaptionForm`: the current region's 20-character caption.
+/// The current region's 20-character caption.
 class RegionCaptionDialog : public QWidget {
     Q_OBJECT
 public:
@@ -52,7 +53,7 @@ private:
     Project& project_;
     QtHost& host_;
     RegionCaptionForm form_;
-    QLineEdit* text_;
+    QLineEdit* captionText_;
 };
 
 }  // namespace molvera::ui

@@ -10,77 +10,75 @@
 namespace molvera::ui {
 namespace {
 
-/// Menu caption and item name of each import format, by its CLI name.
-struct ImportItem {
-    std::string_view format;
-    const char* caption;
-    const char* name;
-};
-constexpr ImportItem kImportItems[] = {
-    {"kratos", "Import (Kratos)", "Import_Kratos"},
-    {"leybold", "Import (Leybold)", "Import_Leybold"},
-    {"phi", "Import (Phi)", "Import_Phi"},
-    {"vamas", "Import (VAMAS)", "Import_VAMAS"},
-    {"ascii", "Import (ASCII)", "ImportAsc"},
-};
+/// The object name of a format's menu item: "import" and the CLI name, then "Action".
+QString ImportActionName(std::string_view format) {
+    QString name = QString::fromLatin1(format.data(), static_cast<qsizetype>(format.size()));
+    name[0] = name[0].toUpper();
+    return QStringLiteral("import") + name + QStringLiteral("Action");
+}
 
 }  // namespace
 
 RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent)
     : QMainWindow(parent), project_(project), host_(host), files_(files),
       plot_(new PlotWidget(project, this)) {
-    setObjectName(QStringLiteral("SpecForm"));
+    setObjectName(QStringLiteral("regionWindow"));
     setWindowTitle(QStringLiteral("Region"));
     setCentralWidget(plot_);
     resize(820, 600);
     BuildMenus();
 }
 
-QAction* RegionWindow::AddItem(QMenu* menu, const QString& caption, const char* name,
+QAction* RegionWindow::AddItem(QMenu* menu, const QString& caption, const QString& name,
                                std::function<void()> command) {
     QAction* action = menu ? menu->addAction(caption) : menuBar()->addAction(caption);
-    action->setObjectName(QLatin1String(name));
+    action->setObjectName(name);
     connect(action, &QAction::triggered, this, [command = std::move(command)] { command(); });
     return action;
 }
 
 void RegionWindow::BuildMenus() {
     QMenu* data = menuBar()->addMenu(QStringLiteral("Data"));
-    data->setObjectName(QStringLiteral("Data"));
+    data->setObjectName(QStringLiteral("dataMenu"));
     for (const ImportFormat& format : ImportFormats()) {
-        for (const ImportItem& item : kImportItems) {
-            if (item.format != format.name) continue;
-            const ImportFormat* f = &format;
-            AddItem(data, QLatin1String(item.caption), item.name, [this, f] { Import(*f); });
-        }
+        const QString caption = QString::fromLatin1(format.menuCaption.data(),
+                                                    static_cast<qsizetype>(format.menuCaption.size()));
+        AddItem(data, caption, ImportActionName(format.name), [this, &format] { Import(format); });
     }
-    AddItem(data, QStringLiteral("Export (Spectrum)"), "Export", [this] { ExportSpectrumCommand(); });
-    AddItem(data, QStringLiteral("Export (Peak Parameters)"), "ExportPeakParameters",
+    AddItem(data, QStringLiteral("Export (Spectrum)"), "exportSpectrumAction",
+            [this] { ExportSpectrumCommand(); });
+    AddItem(data, QStringLiteral("Export (Peak Parameters)"), "exportPeakParametersAction",
             [this] { ExportPeakParametersCommand(); });
-    AddItem(data, QStringLiteral("Export to clipboard"), "ExportClip",
+    AddItem(data, QStringLiteral("Export to clipboard"), "exportClipboardAction",
             [this] { ExportClipboardCommand(); });
-    AddItem(data, QStringLiteral("Print Spectrum"), "PrintG", [this] { PrintCommand(false); });
-    AddItem(data, QStringLiteral("Print with peak parameters"), "Printwithpeakparameters",
+    AddItem(data, QStringLiteral("Print Spectrum"), "printSpectrumAction",
+            [this] { PrintCommand(false); });
+    AddItem(data, QStringLiteral("Print with peak parameters"), "printWithPeakParametersAction",
             [this] { PrintCommand(true); });
 
-    AddItem(nullptr, QStringLiteral("Background"), "Background", [this] { BackgroundCommand(); });
-    AddItem(nullptr, QStringLiteral("Add Peak"), "AddPeak", [this] { AddPeakCommand(); });
+    AddItem(nullptr, QStringLiteral("Background"), "backgroundAction",
+            [this] { BackgroundCommand(); });
+    AddItem(nullptr, QStringLiteral("Add Peak"), "addPeakAction", [this] { AddPeakCommand(); });
 
     QMenu* params = menuBar()->addMenu(QStringLiteral("Parameters"));
-    params->setObjectName(QStringLiteral("RegionParameters"));
-    AddItem(params, QStringLiteral("Region Caption"), "RegionCaption", [this] { RegionCaptionCommand(); });
-    AddItem(params, QStringLiteral("Load Region Parameters"), "LoadRegionParameters",
+    params->setObjectName(QStringLiteral("parametersMenu"));
+    AddItem(params, QStringLiteral("Region Caption"), "regionCaptionAction",
+            [this] { RegionCaptionCommand(); });
+    AddItem(params, QStringLiteral("Load Region Parameters"), "loadRegionParametersAction",
             [this] { LoadRegionParametersCommand(); });
-    AddItem(params, QStringLiteral("Save Region Parameters"), "SaveRegionParameters",
+    AddItem(params, QStringLiteral("Save Region Parameters"), "saveRegionParametersAction",
             [this] { SaveRegionParametersCommand(); });
-    AddItem(params, QStringLiteral("Clear Parameters"), "ClearParameters",
+    AddItem(params, QStringLiteral("Clear Parameters"), "clearParametersAction",
             [this] { ClearParametersCommand(); });
-    AddItem(params, QStringLiteral("Delete Region"), "Delete_Region", [this] { DeleteRegionCommand(); });
-    AddItem(params, QStringLiteral("Region Shift"), "RegionShift", [this] { RegionShiftCommand(); });
+    AddItem(params, QStringLiteral("Delete Region"), "deleteRegionAction",
+            [this] { DeleteRegionCommand(); });
+    AddItem(params, QStringLiteral("Region Shift"), "regionShiftAction",
+            [this] { RegionShiftCommand(); });
 
-    AddItem(nullptr, QStringLiteral("Optimise Region"), "OptimiseRegion",
+    AddItem(nullptr, QStringLiteral("Optimise Region"), "optimiseRegionAction",
             [this] { OptimiseRegionCommand(); });
-    AddItem(nullptr, QStringLiteral("ReDisplay"), "ReDisplay", [this] { ReDisplayCommand(); });
+    AddItem(nullptr, QStringLiteral("ReDisplay"), "redisplayAction",
+            [this] { ReDisplayCommand(); });
 }
 
 QAction* RegionWindow::Action(const QString& itemName) const {

@@ -1,6 +1,6 @@
 #pragma once
-// `SpecForm`: the region window with the plot of the current region and the menu of
-// every command on it.
+// The region window with the plot of the current region and the menu of every command
+// on it.
 
 #include <QMainWindow>
 #include <functional>
@@ -23,7 +23,8 @@ class RegionWindow : public QMainWindow {
 public:
     RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent = nullptr);
 
-    /// ShowRegionWindow: shown and titled "Region N"; the plot redrawn when asked.
+    /// The current region in view: the window shown and titled "Region N"; the plot redrawn
+    /// when asked.
     void ShowRegion(bool redraw = true);
     /// The redisplay rule: the plot is repainted from the project.
     void Redraw();
@@ -32,7 +33,7 @@ public:
     /// stays enabled so that the plot is not repainted for the change of state.
     void SetCommandsEnabled(bool enabled);
     bool CommandsEnabled() const;
-    /// The menu item of that name (`Import_Kratos`, `AddPeak`, ...), or null.
+    /// The menu item of that name (`importKratosAction`, `addPeakAction`, ...), or null.
     QAction* Action(const QString& itemName) const;
 
     // The menu commands.
@@ -64,7 +65,7 @@ protected:
 
 private:
     void BuildMenus();
-    QAction* AddItem(QMenu* menu, const QString& caption, const char* name,
+    QAction* AddItem(QMenu* menu, const QString& caption, const QString& name,
                      std::function<void()> command);
     bool SaveDialog(std::string_view title, std::string_view filter, const char* extension,
                     std::string& path);

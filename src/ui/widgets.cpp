@@ -5,6 +5,11 @@
 
 namespace molvera::ui {
 
+QString LowerCamel(const QString& word) {
+    // An all-capital word is an abbreviation and goes all lower case.
+    return word == word.toUpper() ? word.toLower() : word.left(1).toLower() + word.mid(1);
+}
+
 QString FromLatin1(const std::string& latin1) {
     return QString::fromLatin1(latin1.data(), static_cast<qsizetype>(latin1.size()));
 }

@@ -1,6 +1,11 @@
 #pragma once
 // Small pieces the windows share: texts between the records' Latin-1 and Qt, named
 // text boxes and buttons, and showing a window as its form says.
+//
+// Object names, by which the tests find windows and controls, are lowerCamelCase: a
+// control that shows a field of a session form carries that field's name
+// (positionText, positionBar, fixPosition); buttons end in "Button", menu items in
+// "Action", menus in "Menu"; a row of like controls is numbered from 0 (regionButton3).
 
 #include <QString>
 #include <string>
@@ -10,6 +15,9 @@ class QPushButton;
 class QWidget;
 
 namespace molvera::ui {
+
+/// `word` at the start of a lowerCamelCase name: "Position" -> "position", "FWHM" -> "fwhm".
+QString LowerCamel(const QString& word);
 
 /// Latin-1 bytes of the records as a QString.
 QString FromLatin1(const std::string& latin1);

@@ -25,7 +25,7 @@ protected:
         test::Settle(project);
     }
     /// Makes every group of peak 0 a reference of a tiny peak 2: Region mode everywhere,
-    /// so every trial shows up at the chi box with peak 0's values.
+    /// so every trial shows up at the chi-square box with peak 0's values.
     std::vector<char>* WatchVariedParameters() {
         test::AddKnownPeak(project, 0, 2, {290.0f, 1, 1.0f, 30});
         for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {

@@ -23,7 +23,7 @@ protected:
 };
 
 TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
-    // Region mode (a follower in the region) exposes each sample through the chi box.
+    // Region mode (a follower in the region) exposes each sample through the chi-square box.
     test::AddKnownPeak(project, 0, 1, {290.0f, 1, 1.0f, 30});
     project.Constraints[1][Group::Position] = {kTrue, 0, kFalse, 0, 0, 5.0f, kFalse, 0, 0};
     project.Constraints[0][Group::Position].IsReference = kTrue;

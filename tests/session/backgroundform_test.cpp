@@ -43,13 +43,13 @@ protected:
 };
 
 TEST_F(BackgroundFormTest, BoundariesAreCheckedOneAtATimeThenAccepted) {
-    form.LBE = "279.5";
-    form.HBE = "291";
+    form.lowBEText = "279.5";
+    form.highBEText = "291";
     ExpectRefused();
-    EXPECT_EQ(form.LBE, "280");
-    EXPECT_EQ(form.HBE, "291");  // step 2 not reached yet
+    EXPECT_EQ(form.lowBEText, "280");
+    EXPECT_EQ(form.highBEText, "291");  // step 2 not reached yet
     ExpectRefused();
-    EXPECT_EQ(form.HBE, "290");
+    EXPECT_EQ(form.highBEText, "290");
 
     test::RecordingHost host;
     EXPECT_TRUE(AcceptBackground(project, host, form));
@@ -72,41 +72,41 @@ TEST_F(BackgroundFormTest, EqualCrossedOrTooCloseBoundariesResetBothBoxes) {
         {"284.9", "285.2"},  // one range point: m = round(0.3 + 1) = 1
     };
     for (const auto& [low, high] : cases) {
-        form.LBE = low;
-        form.HBE = high;
+        form.lowBEText = low;
+        form.highBEText = high;
         ExpectRefused();
-        EXPECT_EQ(form.LBE, "280") << low;
-        EXPECT_EQ(form.HBE, "290") << high;
+        EXPECT_EQ(form.lowBEText, "280") << low;
+        EXPECT_EQ(form.highBEText, "290") << high;
     }
     // Two points are enough: m = round(0.6 + 1) = 2.
-    form.LBE = "284.8";
-    form.HBE = "285.4";
+    form.lowBEText = "284.8";
+    form.highBEText = "285.4";
     test::RecordingHost host;
     EXPECT_TRUE(AcceptBackground(project, host, form));
     EXPECT_EQ(project.Regions[2].RangeCount, 2);
 }
 
 TEST_F(BackgroundFormTest, UnknownAveragingIsRefusedBeforeTheSlopeIsCorrected) {
-    form.AverPt = "4";
-    form.BG = "Foo";
-    form.ShirleySlope = "";
+    form.averagePoints = "4";
+    form.backgroundType = "Foo";
+    form.shirleySlopeText = "";
     ExpectRefused();
-    EXPECT_EQ(form.AverPt, "None");
-    EXPECT_EQ(form.BG, "Foo");
-    EXPECT_EQ(form.ShirleySlope, "");
+    EXPECT_EQ(form.averagePoints, "None");
+    EXPECT_EQ(form.backgroundType, "Foo");
+    EXPECT_EQ(form.shirleySlopeText, "");
 }
 
 TEST_F(BackgroundFormTest, EmptySlopeGivesPureShirleyAndLinearKeepsTheParameter) {
-    form.ShirleySlope = "";
+    form.shirleySlopeText = "";
     test::RecordingHost host;
     ASSERT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(form.ShirleySlope, "0");
+    EXPECT_EQ(form.shirleySlopeText, "0");
     const Region& r = project.Regions[2];
     // A pure Shirley ends at the low-energy end average.
     EXPECT_FLOAT_EQ(r.BackgroundCurve[r.RangeCount], r.EndAverage);
     EXPECT_EQ(r.BackgroundParameter, 0.0f);
-    form.BG = "Linear";
-    form.ShirleySlope = "4";
+    form.backgroundType = "Linear";
+    form.shirleySlopeText = "4";
     project.Regions[2].BackgroundParameter = 7.5f;
     ASSERT_TRUE(AcceptBackground(project, host, form));
     EXPECT_EQ(r.BackgroundType, 1);
@@ -120,8 +120,8 @@ TEST_F(BackgroundFormTest, PeaksKeepTheirAreasWhenTheBackgroundChanges) {
     p.Area = 500;
     p.HeightPercent = AreaToHeightPercent(project, p);
     ShowBackgroundDialog(project, form);
-    form.LBE = "283";
-    form.HBE = "287";
+    form.lowBEText = "283";
+    form.highBEText = "287";
     test::RecordingHost host;
     ASSERT_TRUE(AcceptBackground(project, host, form));
     EXPECT_EQ(p.Area, 500.0f);
@@ -137,12 +137,12 @@ TEST_F(BackgroundFormTest, CorrectedBoxIsAcceptedForAnyDataMinimum) {
     UpdateDataExtents(r);
     ASSERT_LT(280.0f, r.MinBE);
     ASSERT_GT(290.0f, r.MaxBE);
-    form.LBE = "200";
+    form.lowBEText = "200";
     ExpectRefused();
-    form.HBE = "400";
+    form.highBEText = "400";
     ExpectRefused();
-    EXPECT_EQ(form.LBE, "280");
-    EXPECT_EQ(form.HBE, "290");
+    EXPECT_EQ(form.lowBEText, "280");
+    EXPECT_EQ(form.highBEText, "290");
     test::RecordingHost host;
     EXPECT_TRUE(AcceptBackground(project, host, form));
 }

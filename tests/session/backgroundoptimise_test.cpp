@@ -23,8 +23,8 @@ struct TrialHost : test::RecordingHost {
     std::vector<float> parameters;
     void Yield() override {
         RecordingHost::Yield();
-        slopes.push_back(form->ShirleySlope);
-        b1s.push_back(form->TouB1);
+        slopes.push_back(form->shirleySlopeText);
+        b1s.push_back(form->tougaardB1Text);
         parameters.push_back(project->Regions[0].BackgroundParameter);
     }
 };
@@ -90,9 +90,9 @@ protected:
             project, 0, test::FallingEnergies(static_cast<int>(y.size()), 300, 0.5f), y);
         UpdateDataExtents(reg);
         ShowBackgroundDialog(project, form);
-        form.BG = type;
-        form.ShirleySlope = slope;
-        form.TouB1 = b1;
+        form.backgroundType = type;
+        form.shirleySlopeText = slope;
+        form.tougaardB1Text = b1;
         EXPECT_TRUE(AcceptBackground(project, QuietHost(), form));
         return reg;
     }
@@ -125,7 +125,7 @@ TEST_F(BackgroundOptimiseTest, SlopeSearchFromZeroStartsAtTwoAndEndsAtTheSmalles
     }
     const float result = reg.BackgroundParameter;
     EXPECT_EQ(result, host.parameters.back());
-    EXPECT_EQ(form.ShirleySlope, FormatGeneral(result));
+    EXPECT_EQ(form.shirleySlopeText, FormatGeneral(result));
     EXPECT_NEAR(result, smallest, 1e-4 + 1.0 / (1 << 21));
     // The curve left behind is the Shirley background of the last slope tried.
     Region check = reg;
@@ -146,7 +146,7 @@ TEST_F(BackgroundOptimiseTest, SlopeSearchStopsAfterTwentyDoublingsAndClosesInOn
     EXPECT_EQ(host.parameters[19], 524288.0f);  // 0.5 x 2^20
     // Every bisection crosses, so a moves up to c each time: b - (b - a) / 2^21.
     EXPECT_EQ(reg.BackgroundParameter, 524288.0f - 0.125f);
-    EXPECT_EQ(form.ShirleySlope, FormatGeneral(524287.875f));
+    EXPECT_EQ(form.shirleySlopeText, FormatGeneral(524287.875f));
 }
 
 TEST_F(BackgroundOptimiseTest, SlopeSearchOnlyForShirleyAndOnlyOnTenPointsOrMore) {
@@ -166,7 +166,7 @@ TEST_F(BackgroundOptimiseTest, SlopeSearchOnlyForShirleyAndOnlyOnTenPointsOrMore
         EXPECT_EQ(reg, before) << m;
         EXPECT_EQ(quiet.beeps, 1) << m;
         EXPECT_EQ(quiet.yields, 0) << m;
-        EXPECT_EQ(form.ShirleySlope, "0") << m;
+        EXPECT_EQ(form.shirleySlopeText, "0") << m;
     }
 }
 
@@ -180,7 +180,7 @@ TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheSta
         EXPECT_LE(LeadingNumber(b), 3000 * 1.9 * 1.09 * 1.009 * 1.0001);
     }
     EXPECT_NEAR(reg.BackgroundParameter, 3000 * 1.9 * 1.09 * 1.009, 0.01);
-    EXPECT_EQ(form.TouB1, FormatGeneral(reg.BackgroundParameter));
+    EXPECT_EQ(form.tougaardB1Text, FormatGeneral(reg.BackgroundParameter));
     Region check = reg;
     ComputeTougaard(check);
     EXPECT_EQ(check.BackgroundCurve, reg.BackgroundCurve);
@@ -191,7 +191,7 @@ TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheSta
 TEST_F(BackgroundOptimiseTest, TougaardSearchFindsTheBestB1OverTheFirstTenPoints) {
     Region& reg = Accepted(RisingTailAndPeak(40), "Tougaard", "", "3000");
     const double best = BestB1ByHand(reg);
-    form.TouB1 = FormatGeneral(static_cast<float>(1.3 * best));
+    form.tougaardB1Text = FormatGeneral(static_cast<float>(1.3 * best));
     OptimiseTougaardB1(project, host, form);
     // The last stage steps by a thousandth of its start value.
     EXPECT_NEAR(reg.BackgroundParameter, best, best * 0.0006);
@@ -205,7 +205,7 @@ TEST_F(BackgroundOptimiseTest, B1StaysWhenNoTrialIsStrictlyBetter) {
     OptimiseTougaardB1(project, host, form);
     EXPECT_EQ(host.yields, 57);
     EXPECT_EQ(reg.BackgroundParameter, 2500.0f);
-    EXPECT_EQ(form.TouB1, "2500");
+    EXPECT_EQ(form.tougaardB1Text, "2500");
 }
 
 }  // namespace

@@ -25,12 +25,12 @@ protected:
                 const std::string& arg = "1") {
         project.CurrentPeak = static_cast<Int16>(p);
         OpenConstraint(project, form, kind);
-        form.Use = true;
-        form.RefPeak = ref;
-        form.ArgType = op;
-        form.Arg = arg;
-        form.Range = false;
-        return ConstraintOK(project, form);
+        form.useRelation = true;
+        form.referencePeakText = ref;
+        form.operation = op;
+        form.argumentText = arg;
+        form.useLimits = false;
+        return AcceptConstraint(project, form);
     }
     Project project;
     ConstraintForm form;
@@ -41,17 +41,17 @@ TEST_F(ConstraintFormTest, ReferencePeakNumbers) {
     for (const auto& [ref, stored] : {std::pair{"2.5", 2}, {"3.5", 4}, {"", 0}}) {
         ASSERT_TRUE(Link(1, ConstraintKind::Position, ref).ok()) << ref;
         EXPECT_EQ(project.Constraints[1].Position.RefPeak, stored) << ref;
-        EXPECT_FALSE(form.Visible);
+        EXPECT_FALSE(form.visible);
     }
     // Itself, an unused slot, out of 0..50.
     for (const char* ref : {"1", "7", "51", "-1", "1e9"}) {
         EXPECT_EQ(Link(1, ConstraintKind::Area, ref).message(), msg::kWrongReferencePeak) << ref;
         EXPECT_FALSE(IsSet(project.Constraints[1].Area.Linked)) << ref;
-        EXPECT_TRUE(form.Visible);
+        EXPECT_TRUE(form.visible);
     }
-    form.Use = false;  // out of range is refused even with the relation switched off
-    form.RefPeak = "60";
-    EXPECT_EQ(ConstraintOK(project, form).message(), msg::kWrongReferencePeak);
+    form.useRelation = false;  // out of range is refused even with the relation switched off
+    form.referencePeakText = "60";
+    EXPECT_EQ(AcceptConstraint(project, form).message(), msg::kWrongReferencePeak);
 }
 
 TEST_F(ConstraintFormTest, CircularReferences) {
@@ -81,14 +81,14 @@ TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
     EXPECT_FALSE(IsSet(project.Constraints[0].Area.IsReference));
     EXPECT_TRUE(Link(1, ConstraintKind::Area, "0", "+", "0").ok());
     OpenConstraint(project, form, ConstraintKind::Area);
-    form.Use = false;
-    form.ArgType = "/";
-    form.Arg = "0";
-    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    form.useRelation = false;
+    form.operation = "/";
+    form.argumentText = "0";
+    ASSERT_TRUE(AcceptConstraint(project, form).ok());
     EXPECT_EQ(project.Constraints[1].Area.Operation, 3);
     EXPECT_EQ(project.Constraints[1].Area.Argument, 0.0f);
-    form.ArgType = "x";  // unknown text: "+"
-    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    form.operation = "x";  // unknown text: "+"
+    ASSERT_TRUE(AcceptConstraint(project, form).ok());
     EXPECT_EQ(project.Constraints[1].Area.Operation, 0);
 }
 
@@ -98,14 +98,14 @@ TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
     EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 3);
     project.CurrentPeak = 3;
     OpenPositionConstraint(project, form);
-    form.Use = false;
-    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    form.useRelation = false;
+    ASSERT_TRUE(AcceptConstraint(project, form).ok());
     EXPECT_TRUE(IsSet(project.Constraints[0].Position.IsReference));
     EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);
     project.CurrentPeak = 1;
     OpenPositionConstraint(project, form);
-    form.Use = false;
-    ASSERT_TRUE(ConstraintOK(project, form).ok());
+    form.useRelation = false;
+    ASSERT_TRUE(AcceptConstraint(project, form).ok());
     EXPECT_FALSE(IsSet(project.Constraints[0].Position.IsReference));
     EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);  // left as it was
 }
@@ -113,14 +113,14 @@ TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
 TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
     auto limits = [&](ConstraintKind kind, const char* low, const char* high) {
         OpenConstraint(project, form, kind);
-        form.Use = true;
-        form.RefPeak = "0";
-        form.ArgType = "+";
-        form.Arg = "1";
-        form.Range = true;
-        form.Low = low;
-        form.High = high;
-        return ConstraintOK(project, form).message();
+        form.useRelation = true;
+        form.referencePeakText = "0";
+        form.operation = "+";
+        form.argumentText = "1";
+        form.useLimits = true;
+        form.lowLimitText = low;
+        form.highLimitText = high;
+        return AcceptConstraint(project, form).message();
     };
     EXPECT_EQ(limits(ConstraintKind::Position, "301", "299"), msg::kRangeInvalid);
     EXPECT_EQ(limits(ConstraintKind::Position, "285", "300.002"), msg::kHighBEOutOfRange);
@@ -145,11 +145,11 @@ TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
     OpenPositionConstraint(project, form);
     EXPECT_EQ(pos.HighLimit, 300.0f);
     EXPECT_EQ(pos.LowLimit, 290.0f);
-    EXPECT_EQ(form.High, " 300");
-    EXPECT_EQ(form.Low, " 290");
-    EXPECT_EQ(form.ArgType, "/");
-    EXPECT_EQ(form.Arg, "2.5");
-    EXPECT_EQ(form.Caption, "Constraints for Peak Position");
+    EXPECT_EQ(form.highLimitText, " 300");
+    EXPECT_EQ(form.lowLimitText, " 290");
+    EXPECT_EQ(form.operation, "/");
+    EXPECT_EQ(form.argumentText, "2.5");
+    EXPECT_EQ(form.caption, "Constraints for Peak Position");
 
     auto& gl = project.Constraints[1].GL;
     gl.HighLimit = 120;
@@ -157,7 +157,7 @@ TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
     OpenGLConstraint(project, form);
     EXPECT_EQ(gl.HighLimit, 100.0f);
     EXPECT_EQ(gl.LowLimit, 0.0f);
-    EXPECT_EQ(form.Caption, "Constraint for Peak %GL");
+    EXPECT_EQ(form.caption, "Constraint for Peak %GL");
 }
 
 }  // namespace

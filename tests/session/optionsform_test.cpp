@@ -22,17 +22,18 @@ using test::RecordingHost;
 // ticked for every row.
 OptionsForm ValidForm() {
     OptionsForm f;
-    f.Visible = true;
-    f.UseSearch = true;
-    f.SearchTrial = "10";
-    f.NewtonTrial = "20";
-    f.TolVal = "0.5";
+    f.visible = true;
+    f.useSearch = true;
+    f.searchTrialsText = "10";
+    f.newtonTrialsText = "20";
+    f.toleranceText = "0.5";
     for (int i = 0; i < 2; ++i) {
-        for (auto* check : {&f.PosSearchCheck, &f.AreaSearchCheck, &f.FWHMSearchCheck,
-                            &f.PosNewtonCheck, &f.AreaNewtonCheck, &f.FWHMNewtonCheck})
+        for (auto* check : {&f.usePositionSearch, &f.useAreaSearch, &f.useFWHMSearch,
+                            &f.usePositionNewton, &f.useAreaNewton, &f.useFWHMNewton})
             (*check)[i] = true;
-        for (auto* box : {&f.PosRange, &f.PosStep, &f.AreaRange, &f.AreaStep, &f.FWHMRange,
-                          &f.FWHMStep, &f.PosDelta, &f.AreaDelta, &f.FWHMDelta})
+        for (auto* box : {&f.positionRangeText, &f.positionStepText, &f.areaRangeText,
+                          &f.areaStepText, &f.fwhmRangeText, &f.fwhmStepText, &f.positionDeltaText,
+                          &f.areaDeltaText, &f.fwhmDeltaText})
             (*box)[i] = i == 0 ? "1" : "0.25";
     }
     return f;
@@ -44,14 +45,14 @@ TEST(OptionsDialogFill, ToleranceInPerCentAndAnyNonZeroMethodIsNewton) {
     o.Tolerance = 0.0001f;  // times 100 as a Single, then up to 14 decimals
     OptionsForm f;
     FillOptionsDialog(o, f);
-    EXPECT_TRUE(f.UseNewton);
-    EXPECT_FALSE(f.UseSearch);
-    EXPECT_EQ(f.TolVal, "0.00999999977648");
+    EXPECT_TRUE(f.useNewton);
+    EXPECT_FALSE(f.useSearch);
+    EXPECT_EQ(f.toleranceText, "0.00999999977648");
 }
 
 TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
     OptionsForm f = ValidForm();
-    f.AreaDelta[3] = "-5";  // not ticked, so not read
+    f.areaDeltaText[3] = "-5";  // not ticked, so not read
     FitOptions o;
     o.AreaNewton[3] = {-1, 0.02f};
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
@@ -60,8 +61,8 @@ TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
     EXPECT_EQ(o.AreaNewton[3].Use, kFalse);  // unticked: off, its value kept
     EXPECT_EQ(o.AreaNewton[3].Delta, 0.02f);
-    f.UseSearch = false;
-    f.UseNewton = true;
+    f.useSearch = false;
+    f.useNewton = true;
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
     EXPECT_EQ(o.Method, 1.0f);
 }
@@ -77,11 +78,11 @@ TEST(OptionsDialogApply, ToleranceFrom0To100PerCent) {
     FitOptions o;
     OptionsForm f = ValidForm();
     for (const Case& c : cases) {
-        f.TolVal = c.text;
-        f.Visible = true;
+        f.toleranceText = c.text;
+        f.visible = true;
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.ok ? "" : msg::kToleranceRange) << c.text;
         EXPECT_EQ(o.Tolerance, c.stored) << c.text;
-        EXPECT_EQ(f.Visible, !c.ok) << c.text;
+        EXPECT_EQ(f.visible, !c.ok) << c.text;
     }
 }
 
@@ -94,13 +95,13 @@ TEST(OptionsDialogApply, TrialsFrom1To200RoundedHalfToEven) {
     for (const auto& [text, stored] : cases) {
         SCOPED_TRACE(text);
         o.SearchTrials = o.NewtonTrials = 99;
-        f.SearchTrial = text;
-        f.NewtonTrial = "20";
+        f.searchTrialsText = text;
+        f.newtonTrialsText = "20";
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored ? "" : msg::kSearchTrialsRange);
         EXPECT_EQ(o.SearchTrials, stored ? stored : 99);
         EXPECT_EQ(o.NewtonTrials, stored ? 20 : 99);  // later steps not run after a refusal
-        f.SearchTrial = "20";
-        f.NewtonTrial = text;
+        f.searchTrialsText = "20";
+        f.newtonTrialsText = text;
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored ? "" : msg::kNewtonTrialsRange);
         EXPECT_EQ(o.SearchTrials, 20);  // stored by the step before
         EXPECT_EQ(o.NewtonTrials, stored ? stored : 99);
@@ -114,15 +115,15 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
         const char* message;
     };
     const Case cases[] = {
-        {&OptionsForm::PosRange, 1, "Range value for Position of level 1 must be >0"},
-        {&OptionsForm::PosStep, 1, "Step value for Position of level 1 must be >0"},
-        {&OptionsForm::AreaRange, 2, "Range value for Area of level 2 must be >0"},
-        {&OptionsForm::AreaStep, 1, "Step value for Area of level 1 must be >0"},
-        {&OptionsForm::FWHMRange, 1, "Range value for FWHM of level 1 must be >0"},
-        {&OptionsForm::FWHMStep, 2, "Step value for FWHM of level 2 must be >0"},
-        {&OptionsForm::PosDelta, 2, "Delta value for Position of level 2 must be >0"},
-        {&OptionsForm::AreaDelta, 1, "Delta value for Area of level 1 must be >0"},
-        {&OptionsForm::FWHMDelta, 2, "Delta value for FWHM of level 2 must be >0"},
+        {&OptionsForm::positionRangeText, 1, "Range value for Position of level 1 must be >0"},
+        {&OptionsForm::positionStepText, 1, "Step value for Position of level 1 must be >0"},
+        {&OptionsForm::areaRangeText, 2, "Range value for Area of level 2 must be >0"},
+        {&OptionsForm::areaStepText, 1, "Step value for Area of level 1 must be >0"},
+        {&OptionsForm::fwhmRangeText, 1, "Range value for FWHM of level 1 must be >0"},
+        {&OptionsForm::fwhmStepText, 2, "Step value for FWHM of level 2 must be >0"},
+        {&OptionsForm::positionDeltaText, 2, "Delta value for Position of level 2 must be >0"},
+        {&OptionsForm::areaDeltaText, 1, "Delta value for Area of level 1 must be >0"},
+        {&OptionsForm::fwhmDeltaText, 2, "Delta value for FWHM of level 2 must be >0"},
     };
     for (const Case& c : cases) {
         OptionsForm f = ValidForm();
@@ -130,13 +131,13 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
         (f.*c.box)[2] = "0";  // level 3 is not ticked: not read
         FitOptions o;
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.message);
-        EXPECT_TRUE(f.Visible);
+        EXPECT_TRUE(f.visible);
     }
     // Level 1 is checked whole before level 2: a bad level-2 position range comes
     // after every row of level 1 has been stored.
     OptionsForm f = ValidForm();
-    f.PosRange[1] = "x";
-    f.FWHMDelta[1] = "0";
+    f.positionRangeText[1] = "x";
+    f.fwhmDeltaText[1] = "0";
     FitOptions o;
     EXPECT_EQ(ApplyOptionsDialog(f, o).message(), "Range value for Position of level 2 must be >0");
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
@@ -148,8 +149,8 @@ TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     // Save Parameters stores what the checks got to, then writes.
     const auto dir = test::ScratchDir();
     OptionsForm f = ValidForm();
-    f.NewtonTrial = "0";
-    f.SearchTrial = "33";
+    f.newtonTrialsText = "0";
+    f.searchTrialsText = "33";
     FitOptions o;
     o.GLSum = -1;
     EXPECT_EQ(ApplyOptionsDialog(f, o).message(), msg::kNewtonTrialsRange);
@@ -163,8 +164,8 @@ TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     test::WriteBytes(dir / "short.opa", std::string(10, '\0'));
     OptionsForm g;
     EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o).message(), msg::kErrorReadingFile);
-    EXPECT_FALSE(g.Visible);
-    EXPECT_EQ(g.SearchTrial, "");
+    EXPECT_FALSE(g.visible);
+    EXPECT_EQ(g.searchTrialsText, "");
 }
 
 }  // namespace

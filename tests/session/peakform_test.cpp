@@ -38,26 +38,26 @@ protected:
 TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
     EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));  // a button without a peak
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    EXPECT_EQ(form.ScPos.value, 457);
-    EXPECT_EQ(form.ScFWHM.value, 50);
-    EXPECT_EQ(form.ScArea.value, 500);
+    EXPECT_EQ(form.positionBar.value, 457);
+    EXPECT_EQ(form.fwhmBar.value, 50);
+    EXPECT_EQ(form.areaBar.value, 500);
     EXPECT_EQ(project.AreaScale, 0.5f);
     // Moves outside a bar's range are refused.
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 1));
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Area, 1000));
-    EXPECT_EQ(form.AreaVal, "500");  // twice the area at the right end
+    EXPECT_EQ(form.areaText, "500");  // twice the area at the right end
     EXPECT_FALSE(MoveScrollBar(form, PeakParameter::FWHM, 29));
     EXPECT_FALSE(MoveScrollBar(form, PeakParameter::Position, 1001));
-    EXPECT_EQ(form.FWHMVal, "0.5");
-    EXPECT_EQ(form.ScPos.value, 1);
+    EXPECT_EQ(form.fwhmText, "0.5");
+    EXPECT_EQ(form.positionBar.value, 1);
 }
 
 TEST_F(PeakFormTest, ZeroAreaOpensWithAUnitBar) {
     project.Peaks[0].Area = 0;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
     EXPECT_EQ(project.AreaScale, 1.0f);
-    EXPECT_EQ(form.ScArea.value, 1);
-    EXPECT_EQ(form.AreaVal, "1");
+    EXPECT_EQ(form.areaBar.value, 1);
+    EXPECT_EQ(form.areaText, "1");
 }
 
 TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
@@ -70,19 +70,19 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     project.Constraints[0].Position.IsReference = kTrue;
     project.Constraints[0].Position.DependentPeak = 1;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    form.PosVal = "284";
-    form.AreaVal = "400";
-    form.GLVal = "42.5";  // halves to even
-    PeakAccept(project, host, form);
+    form.positionText = "284";
+    form.areaText = "400";
+    form.glText = "42.5";  // halves to even
+    AcceptPeakEditor(project, host, form);
     const Peak& p = project.Peaks[0];
     EXPECT_EQ(p.Area, 400.0f);
     EXPECT_EQ(p.PercentGL, 42);
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
-    form.GLVal = "150";
+    form.glText = "150";
     ApplyPeakEditor(project, form);
     EXPECT_EQ(project.Peaks[0].PercentGL, 100);
-    EXPECT_EQ(form.GLVal, "100");
+    EXPECT_EQ(form.glText, "100");
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ protected:
         GuiTest::SetUp();
         main().RegionButton(3)->click();
         ImportSample();
-        Menu("Background");
+        Menu("backgroundAction");
     }
     ui::BackgroundDialog& dialog() { return gui->backgroundDialog(); }
     QLineEdit* Box(const char* name) { return dialog().findChild<QLineEdit*>(name); }
@@ -49,72 +49,73 @@ TEST_F(BackgroundDialogTest, OpensFromTheMenuWithTheDataExtent) {
     EXPECT_TRUE(dialog().isVisible());
     EXPECT_FALSE(dialog().isModal());
     EXPECT_EQ(dialog().windowTitle(), QStringLiteral("Region 3"));
-    EXPECT_EQ(Text("LBE"), FormatGeneral(reg().MinBE));
-    EXPECT_EQ(Text("HBE"), FormatGeneral(reg().MaxBE));
-    EXPECT_EQ(Choice("AverPt")->currentText(), QStringLiteral("None"));
-    EXPECT_EQ(Choice("BG")->currentText(), QStringLiteral("Shirley"));
-    EXPECT_EQ(Text("TouB1"), "3000");
-    EXPECT_EQ(Text("Area"), "-----");
+    EXPECT_EQ(Text("lowBEText"), FormatGeneral(reg().MinBE));
+    EXPECT_EQ(Text("highBEText"), FormatGeneral(reg().MaxBE));
+    EXPECT_EQ(Choice("averagePoints")->currentText(), QStringLiteral("None"));
+    EXPECT_EQ(Choice("backgroundType")->currentText(), QStringLiteral("Shirley"));
+    EXPECT_EQ(Text("tougaardB1Text"), "3000");
+    EXPECT_EQ(Text("areaText"), "-----");
     QStringList types;
-    for (int i = 0; i < Choice("BG")->count(); ++i) types << Choice("BG")->itemText(i);
+    QComboBox* type = Choice("backgroundType");
+    for (int i = 0; i < type->count(); ++i) types << type->itemText(i);
     EXPECT_EQ(types, (QStringList{"Shirley", "Linear", "Tougaard"}));
-    EXPECT_EQ(Choice("AverPt")->count(), 5);
+    EXPECT_EQ(Choice("averagePoints")->count(), 5);
 
-    Click("BGClose");
+    Click("closeButton");
     EXPECT_FALSE(dialog().isVisible());
     EXPECT_FALSE(IsSet(reg().HasBackground));
 }
 
 TEST_F(BackgroundDialogTest, LowBEBelowTheDataIsCorrectedThenAccepted) {
-    Box("LBE")->setText(QStringLiteral("100"));
-    Box("HBE")->setText(QStringLiteral("295.5"));
-    Click("BGAccept");
+    Box("lowBEText")->setText(QStringLiteral("100"));
+    Box("highBEText")->setText(QStringLiteral("295.5"));
+    Click("acceptButton");
     EXPECT_EQ(sink.beeps, 1);
-    EXPECT_EQ(Text("LBE"), FormatGeneral(reg().MinBE));
-    EXPECT_EQ(Text("HBE"), "295.5");
+    EXPECT_EQ(Text("lowBEText"), FormatGeneral(reg().MinBE));
+    EXPECT_EQ(Text("highBEText"), "295.5");
     EXPECT_FALSE(IsSet(reg().HasBackground));
-    EXPECT_EQ(Text("Area"), "-----");
+    EXPECT_EQ(Text("areaText"), "-----");
 
-    Click("BGAccept");
+    Click("acceptButton");
     EXPECT_EQ(sink.beeps, 1);
     ASSERT_TRUE(IsSet(reg().HasBackground));
     EXPECT_EQ(reg().BackgroundLowBE, reg().MinBE);
     EXPECT_EQ(reg().BackgroundHighBE, 295.5f);
-    EXPECT_EQ(Text("ShirleySlope"), "0");  // an empty slope box reads as 0
-    EXPECT_NE(Text("Area"), "-----");
-    EXPECT_EQ(Text("Area"), FormatGeneral(static_cast<float>(NetArea(reg()))));
+    EXPECT_EQ(Text("shirleySlopeText"), "0");  // an empty slope box reads as 0
+    EXPECT_NE(Text("areaText"), "-----");
+    EXPECT_EQ(Text("areaText"), FormatGeneral(static_cast<float>(NetArea(reg()))));
     EXPECT_TRUE(dialog().isVisible());
 }
 
 TEST_F(BackgroundDialogTest, TougaardB1ZeroBecomes3000) {
-    Choice("BG")->setCurrentText(QStringLiteral("Tougaard"));
-    Box("TouB1")->setText(QStringLiteral("0"));
-    Click("BGAccept");
-    EXPECT_EQ(Text("TouB1"), "3000");
+    Choice("backgroundType")->setCurrentText(QStringLiteral("Tougaard"));
+    Box("tougaardB1Text")->setText(QStringLiteral("0"));
+    Click("acceptButton");
+    EXPECT_EQ(Text("tougaardB1Text"), "3000");
     EXPECT_EQ(reg().BackgroundType, 2);
     EXPECT_EQ(reg().BackgroundParameter, 3000.0f);
     EXPECT_EQ(sink.beeps, 0);
 
     // Reopening shows what was stored.
-    Click("BGClose");
-    Menu("Background");
-    EXPECT_EQ(Choice("BG")->currentText(), QStringLiteral("Tougaard"));
-    EXPECT_EQ(Text("TouB1"), "3000");
+    Click("closeButton");
+    Menu("backgroundAction");
+    EXPECT_EQ(Choice("backgroundType")->currentText(), QStringLiteral("Tougaard"));
+    EXPECT_EQ(Text("tougaardB1Text"), "3000");
 }
 
 TEST_F(BackgroundDialogTest, UnknownTypeTextIsReplacedByShirley) {
-    Choice("BG")->setEditText(QStringLiteral("Shirly"));
-    Click("BGAccept");
+    Choice("backgroundType")->setEditText(QStringLiteral("Shirly"));
+    Click("acceptButton");
     EXPECT_EQ(sink.beeps, 1);
-    EXPECT_EQ(Choice("BG")->currentText(), QStringLiteral("Shirley"));
+    EXPECT_EQ(Choice("backgroundType")->currentText(), QStringLiteral("Shirley"));
     EXPECT_FALSE(IsSet(reg().HasBackground));
 }
 
 TEST_F(BackgroundDialogTest, TougaardOptimiseWithShirleyOnlyBeeps) {
-    Click("Toug_Opt");
+    Click("tougaardB1SearchButton");
     EXPECT_EQ(sink.beeps, 1);
     EXPECT_FALSE(IsSet(reg().HasBackground));
-    EXPECT_EQ(Text("TouB1"), "3000");
+    EXPECT_EQ(Text("tougaardB1Text"), "3000");
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     EXPECT_TRUE(main().isEnabled());
     EXPECT_TRUE(region().isEnabled());
@@ -123,20 +124,20 @@ TEST_F(BackgroundDialogTest, TougaardOptimiseWithShirleyOnlyBeeps) {
 }
 
 TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrials) {
-    Choice("BG")->setCurrentText(QStringLiteral("Tougaard"));
+    Choice("backgroundType")->setCurrentText(QStringLiteral("Tougaard"));
     std::set<std::string> shown;
     bool busyEverywhere = true;
     int probes = 0;
     {
         Probe probe([&] {
             ++probes;
-            shown.insert(Text("TouB1"));
+            shown.insert(Text("tougaardB1Text"));
             const QCursor* c = QGuiApplication::overrideCursor();
             busyEverywhere = busyEverywhere && c && c->shape() == Qt::WaitCursor &&
                              !main().isEnabled() && !region().isEnabled() &&
                              !dialog().isEnabled() && !IsSet(project().Idle);
         });
-        Click("Toug_Opt");
+        Click("tougaardB1SearchButton");
     }
     EXPECT_GE(probes, 57);
     EXPECT_TRUE(busyEverywhere);
@@ -146,10 +147,10 @@ TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrial
     ASSERT_TRUE(IsSet(reg().HasBackground));
     EXPECT_EQ(reg().BackgroundType, 2);
     const float b1 = reg().BackgroundParameter;
-    EXPECT_EQ(Text("TouB1"), FormatGeneral(b1));
+    EXPECT_EQ(Text("tougaardB1Text"), FormatGeneral(b1));
     EXPECT_GE(b1, 3000 * 0.1f * 0.91f * 0.991f * 0.999f);
     EXPECT_LE(b1, 3000 * 1.9f * 1.09f * 1.009f * 1.001f);
-    EXPECT_EQ(Text("Area"), FormatGeneral(static_cast<float>(NetArea(reg()))));
+    EXPECT_EQ(Text("areaText"), FormatGeneral(static_cast<float>(NetArea(reg()))));
 
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
     EXPECT_TRUE(main().isEnabled());
@@ -161,7 +162,7 @@ TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrial
 TEST_F(BackgroundDialogTest, ShirleySlopeSearchShowsEveryTrialAndPaintsThePlot) {
     // Over the whole C 1s range the Shirley background lies above the falling
     // high-energy tail, so the search has something to do.
-    Click("BGAccept");
+    Click("acceptButton");
     ASSERT_TRUE(IsSet(reg().HasBackground));
     ASSERT_TRUE(BackgroundCrosses(reg()));
 
@@ -169,10 +170,10 @@ TEST_F(BackgroundDialogTest, ShirleySlopeSearchShowsEveryTrialAndPaintsThePlot) 
     const int paintsBefore = region().Plot()->PaintCount();
     {
         Probe probe([&] {
-            if (slopes.empty() || slopes.back() != Text("ShirleySlope"))
-                slopes.push_back(Text("ShirleySlope"));
+            if (slopes.empty() || slopes.back() != Text("shirleySlopeText"))
+                slopes.push_back(Text("shirleySlopeText"));
         });
-        Click("Command1");
+        Click("shirleySlopeSearchButton");
     }
     const int paints = region().Plot()->PaintCount() - paintsBefore;
     // At least one doubling and the 21 bisection steps, each shown and painted.
@@ -182,7 +183,7 @@ TEST_F(BackgroundDialogTest, ShirleySlopeSearchShowsEveryTrialAndPaintsThePlot) 
 
     const float s = reg().BackgroundParameter;
     EXPECT_GT(s, 0.0f);
-    EXPECT_EQ(Text("ShirleySlope"), FormatGeneral(s));
+    EXPECT_EQ(Text("shirleySlopeText"), FormatGeneral(s));
     EXPECT_EQ(slopes.back(), FormatGeneral(s));
     EXPECT_EQ(sink.beeps, 0);
 }

@@ -95,7 +95,7 @@ protected:
     std::string ImportSample() {
         const std::string path = DataFile("real/lg4x/C1s_sample.csv");
         chooser.paths.push_back(path);
-        Menu("ImportAsc");
+        Menu("importAsciiAction");
         return path;
     }
 

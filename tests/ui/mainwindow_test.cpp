@@ -66,8 +66,8 @@ TEST_F(GuiTest, PeakButtonsFollowTheCurrentRegionAndSetCurrentPeak) {
     main().RegionButton(1)->click();
     ImportSample();
     GiveBackground();
-    Menu("AddPeak");
-    Menu("AddPeak");
+    Menu("addPeakAction");
+    Menu("addPeakAction");
     EXPECT_EQ(main().PeakButton(10)->text(), "0");
     EXPECT_EQ(main().PeakButton(11)->text(), "1");
     EXPECT_TRUE(main().PeakButton(11)->isEnabled());
@@ -89,15 +89,15 @@ TEST_F(GuiTest, SaveAndOpenRoundTripThroughTheButtons) {
     const std::string csv = (dir / "C1s.sample.csv").string();
     std::filesystem::copy_file(DataFile("real/lg4x/C1s_sample.csv"), csv);
     chooser.paths.push_back(csv);
-    Menu("ImportAsc");
+    Menu("importAsciiAction");
     GiveBackground();
-    Menu("AddPeak");
+    Menu("addPeakAction");
     main().DescriptionBox()->setText(QStringLiteral("C 1s, caf\u00e9"));
     EXPECT_EQ(project().Description, "C 1s, caf\xe9");  // kept as Latin-1
 
     const std::string xps = (dir / "saved.xps").string();
     chooser.paths.push_back(xps);
-    main().findChild<QPushButton*>("Save")->click();
+    main().findChild<QPushButton*>("saveProjectButton")->click();
     ASSERT_EQ(sink.messages, std::vector<std::string>{msg::kFileSaved});
     const auto& saveRequest = chooser.requests.back();
     EXPECT_TRUE(saveRequest.save);
@@ -106,7 +106,7 @@ TEST_F(GuiTest, SaveAndOpenRoundTripThroughTheButtons) {
     EXPECT_EQ(saveRequest.name, (dir / "C1s.xps").string());  // after the first "."
 
     // Cancelling Save does nothing.
-    main().findChild<QPushButton*>("Save")->click();
+    main().findChild<QPushButton*>("saveProjectButton")->click();
     EXPECT_EQ(sink.messages.size(), 1u);
 
     const Region savedRegion = project().Regions[0];
@@ -116,7 +116,7 @@ TEST_F(GuiTest, SaveAndOpenRoundTripThroughTheButtons) {
     ui::Gui other(sink2, chooser2);
     other.Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa");
     chooser2.paths.push_back(xps);
-    other.mainWindow().findChild<QPushButton*>("Open")->click();
+    other.mainWindow().findChild<QPushButton*>("openProjectButton")->click();
     EXPECT_TRUE(sink2.messages.empty());
     EXPECT_EQ(chooser2.requests.back().title, "Open file");
     EXPECT_FALSE(chooser2.requests.back().save);
@@ -130,13 +130,13 @@ TEST_F(GuiTest, SaveAndOpenRoundTripThroughTheButtons) {
     EXPECT_EQ(other.mainWindow().DescriptionBox()->text(), QStringLiteral("C 1s, caf\u00e9"));
     EXPECT_EQ(other.mainWindow().PeakButton(0)->text(), "0");
     EXPECT_TRUE(other.mainWindow().PeakButton(0)->isEnabled());
-    EXPECT_FALSE(other.mainWindow().ChiBox(0)->text().isEmpty());
+    EXPECT_FALSE(other.mainWindow().ChiSquareBox(0)->text().isEmpty());
     EXPECT_EQ(other.regionWindow().windowTitle(), "Region 1");
 }
 
 TEST_F(GuiTest, OpenOfAWrongFileShowsTheMessageOnceWithItsDetail) {
     chooser.paths.push_back(DataFile("real/lg4x/C1s_sample.csv"));
-    main().findChild<QPushButton*>("Open")->click();
+    main().findChild<QPushButton*>("openProjectButton")->click();
     ASSERT_EQ(sink.messages.size(), 1u);
     // The same text as molvera-cli prints: the fixed message, and the detail below it.
     EXPECT_EQ(sink.messages[0], std::string(msg::kWrongFileFormat) +

@@ -20,7 +20,7 @@ class OptionsTest : public GuiTest {
 protected:
     void SetUp() override {
         GuiTest::SetUp();
-        main().findChild<QPushButton*>("Command1")->click();
+        main().findChild<QPushButton*>("optionsButton")->click();
     }
     ui::OptionsWindow& dialog() { return gui->optionsWindow(); }
     template <class W>
@@ -30,71 +30,74 @@ protected:
         return w;
     }
     void Type(const char* box, const char* text) { Control<QLineEdit>(box)->setText(text); }
-    void Ok() { Control<QPushButton>("OptionOK")->click(); }
+    void Ok() { Control<QPushButton>("okButton")->click(); }
 };
 
 TEST_F(OptionsTest, OpensFilledFromTheOptions) {
     EXPECT_TRUE(dialog().isVisible());
     EXPECT_EQ(dialog().windowTitle(), "Option");
-    EXPECT_TRUE(Control<QRadioButton>("UseNewton")->isChecked());
-    EXPECT_FALSE(Control<QRadioButton>("UseSearch")->isChecked());
-    EXPECT_EQ(Control<QLineEdit>("NewtonTrial")->text(), QString::number(DefaultNewtonTrials()));
-    EXPECT_EQ(Control<QCheckBox>("PosNewtonCheck0")->isChecked(),
+    EXPECT_TRUE(Control<QRadioButton>("useNewton")->isChecked());
+    EXPECT_FALSE(Control<QRadioButton>("useSearch")->isChecked());
+    EXPECT_EQ(Control<QLineEdit>("newtonTrialsText")->text(),
+              QString::number(DefaultNewtonTrials()));
+    EXPECT_EQ(Control<QCheckBox>("usePositionNewton0")->isChecked(),
               IsSet(project().Options.PositionNewton[0].Use));
-    EXPECT_EQ(Control<QRadioButton>("GLSum")->isChecked(), IsSet(project().Options.GLSum));
-    EXPECT_NE(Control<QRadioButton>("GLProduct")->isChecked(), IsSet(project().Options.GLSum));
-    for (const char* name : {"PosRange3", "AreaStep2", "FWHMRange0", "PosDelta1", "AreaDelta3",
-                             "FWHMDelta0", "TolVal", "SearchTrial"})
+    EXPECT_EQ(Control<QRadioButton>("glSum")->isChecked(), IsSet(project().Options.GLSum));
+    EXPECT_NE(Control<QRadioButton>("glProduct")->isChecked(), IsSet(project().Options.GLSum));
+    for (const char* name : {"positionRangeText3", "areaStepText2", "fwhmRangeText0",
+                             "positionDeltaText1", "areaDeltaText3", "fwhmDeltaText0",
+                             "toleranceText", "searchTrialsText"})
         Control<QLineEdit>(name);
-    for (const char* name : {"ReadOption", "SaveOption"}) Control<QPushButton>(name);
+    for (const char* name : {"loadParametersButton", "saveParametersButton"})
+        Control<QPushButton>(name);
 }
 
 TEST_F(OptionsTest, MethodButtonsSitInTwoFramesAndStayExclusive) {
-    Control<QRadioButton>("UseSearch")->click();
+    Control<QRadioButton>("useSearch")->click();
     EXPECT_EQ(project().Options.Method, 0.0f);
-    EXPECT_FALSE(Control<QRadioButton>("UseNewton")->isChecked());
-    Control<QRadioButton>("UseNewton")->click();
+    EXPECT_FALSE(Control<QRadioButton>("useNewton")->isChecked());
+    Control<QRadioButton>("useNewton")->click();
     EXPECT_EQ(project().Options.Method, 1.0f);
-    EXPECT_FALSE(Control<QRadioButton>("UseSearch")->isChecked());
+    EXPECT_FALSE(Control<QRadioButton>("useSearch")->isChecked());
 
-    Control<QRadioButton>("GLSum")->click();
+    Control<QRadioButton>("glSum")->click();
     EXPECT_TRUE(IsSet(project().Options.GLSum));  // at once, without OK
-    Control<QRadioButton>("GLProduct")->click();
+    Control<QRadioButton>("glProduct")->click();
     EXPECT_FALSE(IsSet(project().Options.GLSum));
 }
 
 TEST_F(OptionsTest, OkReportsTheFirstFailureAndKeepsTheDialogOpen) {
-    Type("SearchTrial", "201");
+    Type("searchTrialsText", "201");
     Ok();
     ASSERT_EQ(sink.messages, std::vector<std::string>{msg::kSearchTrialsRange});
     EXPECT_TRUE(dialog().isVisible());
 
-    Type("SearchTrial", "2.5");
-    Type("NewtonTrial", "0");
+    Type("searchTrialsText", "2.5");
+    Type("newtonTrialsText", "0");
     Ok();
     EXPECT_EQ(sink.messages.back(), msg::kNewtonTrialsRange);
     EXPECT_EQ(project().Options.SearchTrials, 2);  // stored before the failure
 
-    Type("NewtonTrial", "200");
-    Type("TolVal", "100.5");
+    Type("newtonTrialsText", "200");
+    Type("toleranceText", "100.5");
     Ok();
     EXPECT_EQ(sink.messages.back(), msg::kToleranceRange);
 
-    Type("TolVal", "0.01");
-    Control<QCheckBox>("PosSearchCheck0")->setChecked(true);
-    Type("PosRange0", "0");
+    Type("toleranceText", "0.01");
+    Control<QCheckBox>("usePositionSearch0")->setChecked(true);
+    Type("positionRangeText0", "0");
     Ok();
     EXPECT_EQ(sink.messages.back(), "Range value for Position of level 1 must be >0");
     EXPECT_TRUE(IsSet(project().Options.PositionSearch[0].Use));
     EXPECT_EQ(project().Options.Tolerance, 0.01f / 100.0f);
 
-    Type("PosRange0", "1");
-    Control<QCheckBox>("FWHMNewtonCheck2")->setChecked(true);
-    Type("FWHMDelta2", "-1");
+    Type("positionRangeText0", "1");
+    Control<QCheckBox>("useFWHMNewton2")->setChecked(true);
+    Type("fwhmDeltaText2", "-1");
     Ok();
     EXPECT_EQ(sink.messages.back(), "Delta value for FWHM of level 3 must be >0");
 
-    Type("FWHMDelta2", "0.01");
+    Type("fwhmDeltaText2", "0.01");
     const std::size_t shown = sink.messages.size();
     Ok();
     EXPECT_EQ(sink.messages.size(), shown);
@@ -105,29 +108,29 @@ TEST_F(OptionsTest, OkReportsTheFirstFailureAndKeepsTheDialogOpen) {
 TEST_F(OptionsTest, SaveAndLoadParametersGoThroughTheFileDialog) {
     const auto dir = ScratchDir();
     const std::string opa = (dir / "mine.opa").string();
-    Type("NewtonTrial", "7");
+    Type("newtonTrialsText", "7");
     chooser.paths.push_back(opa);
-    Control<QPushButton>("SaveOption")->click();
+    Control<QPushButton>("saveParametersButton")->click();
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(chooser.requests.back().filter, "Parameter Files (*.opa)");
     EXPECT_EQ(std::filesystem::file_size(opa), 206u);
 
-    main().findChild<QPushButton*>("Command1")->click();
-    Type("NewtonTrial", "9");
+    main().findChild<QPushButton*>("optionsButton")->click();
+    Type("newtonTrialsText", "9");
     Ok();
     EXPECT_EQ(project().Options.NewtonTrials, 9);
     chooser.paths.push_back(opa);
-    Control<QPushButton>("ReadOption")->click();
+    Control<QPushButton>("loadParametersButton")->click();
     EXPECT_EQ(chooser.requests.back().name, "");  // the dialog's name is emptied first
     EXPECT_EQ(project().Options.NewtonTrials, 7);
-    EXPECT_EQ(Control<QLineEdit>("NewtonTrial")->text(), "7");
+    EXPECT_EQ(Control<QLineEdit>("newtonTrialsText")->text(), "7");
     EXPECT_TRUE(dialog().isVisible());
 }
 
 TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     ImportSample();
     GiveBackground();
-    for (int k = 0; k < 6; ++k) Menu("AddPeak");
+    for (int k = 0; k < 6; ++k) Menu("addPeakAction");
     for (int k = 0; k < 6; ++k) {
         Peak& p = project().Peaks[static_cast<std::size_t>(k)];
         p.Position += static_cast<float>(k - 3);
@@ -151,7 +154,7 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     timer.start();
     const float before = project().TotalChiSquare;
     const int redrawsBefore = gui->host().RedrawCount();
-    Menu("OptimiseRegion");
+    Menu("optimiseRegionAction");
     timer.stop();
 
     EXPECT_GE(ticks, 3);

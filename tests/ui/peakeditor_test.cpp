@@ -31,7 +31,7 @@ protected:
         main().RegionButton(1)->click();
         ImportSample();
         GiveBackground();
-        Menu("AddPeak");
+        Menu("addPeakAction");
         slot = project().CurrentPeak;
     }
     ui::PeakEditor& editor() { return gui->peakEditor(); }
@@ -62,7 +62,7 @@ TEST_F(PeakEditorTest, AddPeakOpensTheEditorOnTheNewPeakHighlighted) {
     EXPECT_EQ(gui->regionWindow().Plot()->SelectedPeak(), slot);
     EXPECT_TRUE(main().PeakButton(10)->isEnabled());
 
-    auto* type = In<QComboBox>(editor(), "PeakType");
+    auto* type = In<QComboBox>(editor(), "peakType");
     QStringList items;
     for (int i = 0; i < type->count(); ++i) items << type->itemText(i);
     EXPECT_EQ(items, (QStringList{"s", "p", "d", "f"}));
@@ -70,28 +70,31 @@ TEST_F(PeakEditorTest, AddPeakOpensTheEditorOnTheNewPeakHighlighted) {
     for (const QGroupBox* g : editor().findChildren<QGroupBox*>()) frames << g->title();
     EXPECT_EQ(frames, (QStringList{"Position", "FWHM", "Area", "% Lorentzian-Gaussian (0:G, 100:L)",
                                    "Asymmetry (TS=0 for symmetry)"}));
-    for (const char* name : {"Optpeak", "ReDraw", "PeakAccept", "PeakCancel", "DeletePeak", "OptPos",
-                             "PosCnt", "OptGL", "GLCnt"})
+    for (const char* name :
+         {"optimisePeakButton", "redrawButton", "acceptButton", "cancelButton", "deletePeakButton",
+          "optimisePositionButton", "positionConstraintsButton", "optimiseGLButton",
+          "glConstraintsButton"})
         EXPECT_NE(editor().findChild<QPushButton*>(name), nullptr) << name;
-    EXPECT_EQ(In<QPushButton>(editor(), "Optpeak")->text(), QStringLiteral("Optimise Peak"));
-    EXPECT_EQ(In<QCheckBox>(editor(), "ChkArea")->text(), QStringLiteral("Fix"));
+    EXPECT_EQ(In<QPushButton>(editor(), "optimisePeakButton")->text(),
+              QStringLiteral("Optimise Peak"));
+    EXPECT_EQ(In<QCheckBox>(editor(), "fixArea")->text(), QStringLiteral("Fix"));
     // The asymmetry frame follows the line shape of the options.
-    auto* asymmetry = In<QGroupBox>(editor(), "AsyFrame");
+    auto* asymmetry = In<QGroupBox>(editor(), "asymmetryFrame");
     EXPECT_EQ(asymmetry->isEnabled(), project().Options.GLSum != 0);
-    main().findChild<QPushButton*>("Command1")->click();  // Options
-    In<QRadioButton>(gui->optionsWindow(), "GLSum")->click();
+    main().findChild<QPushButton*>("optionsButton")->click();  // Options
+    In<QRadioButton>(gui->optionsWindow(), "glSum")->click();
     EXPECT_TRUE(asymmetry->isEnabled());
-    In<QRadioButton>(gui->optionsWindow(), "GLProduct")->click();
+    In<QRadioButton>(gui->optionsWindow(), "glProduct")->click();
     EXPECT_FALSE(asymmetry->isEnabled());
 
     // The bars: position in 0.01 eV steps over the background range, area around its middle.
     const Region& reg = project().Current();
-    auto* pos = In<QScrollBar>(editor(), "ScPos");
+    auto* pos = In<QScrollBar>(editor(), "positionBar");
     EXPECT_EQ(pos->minimum(), 0);
     EXPECT_EQ(pos->maximum(), static_cast<int>(std::lround((reg.BackgroundHighBE - reg.BackgroundLowBE) * 100)));
-    EXPECT_EQ(In<QScrollBar>(editor(), "ScArea")->value(), 500);
-    EXPECT_EQ(In<QScrollBar>(editor(), "ScFWHM")->minimum(), 30);
-    EXPECT_EQ(In<QScrollBar>(editor(), "ScFWHM")->maximum(), 500);
+    EXPECT_EQ(In<QScrollBar>(editor(), "areaBar")->value(), 500);
+    EXPECT_EQ(In<QScrollBar>(editor(), "fwhmBar")->minimum(), 30);
+    EXPECT_EQ(In<QScrollBar>(editor(), "fwhmBar")->maximum(), 500);
 }
 
 TEST_F(PeakEditorTest, OpeningRoundsThroughTheBarsAndCancelRestoresAfterReDraw) {
@@ -102,32 +105,32 @@ TEST_F(PeakEditorTest, OpeningRoundsThroughTheBarsAndCancelRestoresAfterReDraw) 
     const Peak before = peak();
     main().PeakButton(10)->click();
     ASSERT_TRUE(editor().isVisible());
-    EXPECT_EQ(Text("PosVal"), "284.57");
-    EXPECT_EQ(Text("FWHMVal"), "0.5");
+    EXPECT_EQ(Text("positionText"), "284.57");
+    EXPECT_EQ(Text("fwhmText"), "0.5");
 
     // A bar moved by the user rewrites its box; ReDraw applies the boxes and stays open.
-    auto* bar = In<QScrollBar>(editor(), "ScPos");
+    auto* bar = In<QScrollBar>(editor(), "positionBar");
     bar->setValue(bar->value() + 10);
-    EXPECT_EQ(Text("PosVal"), "284.67");
-    Box("GLVal")->setText(QStringLiteral("35"));
-    Click("ReDraw");
+    EXPECT_EQ(Text("positionText"), "284.67");
+    Box("glText")->setText(QStringLiteral("35"));
+    Click("redrawButton");
     EXPECT_TRUE(editor().isVisible());
     EXPECT_FLOAT_EQ(peak().Position, 284.67f);
     EXPECT_FLOAT_EQ(peak().FWHM, 0.5f);
     EXPECT_EQ(peak().PercentGL, 35);
 
-    Click("PeakCancel");
+    Click("cancelButton");
     EXPECT_FALSE(editor().isVisible());
     EXPECT_EQ(gui->regionWindow().Plot()->SelectedPeak(), -1);
     EXPECT_TRUE(peak() == before) << "the peak as it was when opened";
 
     // The title-bar X restores the same way.
     main().PeakButton(10)->click();
-    Box("FWHMVal")->setText(QStringLiteral("0.3"));
-    Click("ReDraw");
+    Box("fwhmText")->setText(QStringLiteral("0.3"));
+    Click("redrawButton");
     EXPECT_FLOAT_EQ(peak().FWHM, 0.3f);  // typed below the bar's range, kept
-    Box("AreaVal")->setText(QStringLiteral("12345"));
-    Click("ReDraw");
+    Box("areaText")->setText(QStringLiteral("12345"));
+    Click("redrawButton");
     QCloseEvent close;
     QCoreApplication::sendEvent(&editor(), &close);
     EXPECT_TRUE(close.isAccepted());
@@ -136,40 +139,40 @@ TEST_F(PeakEditorTest, OpeningRoundsThroughTheBarsAndCancelRestoresAfterReDraw) 
 }
 
 TEST_F(PeakEditorTest, AcceptLimitsTailAndKeepsTheTypeForAnUnknownText) {
-    auto* type = In<QComboBox>(editor(), "PeakType");
+    auto* type = In<QComboBox>(editor(), "peakType");
     type->setCurrentText(QStringLiteral("p"));
-    Click("ReDraw");
+    Click("redrawButton");
     EXPECT_EQ(peak().PeakType, 2);
     type->setEditText(QStringLiteral("q"));
-    Box("TSVal")->setText(QStringLiteral("1.7"));
-    Box("TLVal")->setText(QStringLiteral("0"));
-    Box("PosVal")->setText(QStringLiteral("285.123"));
-    Click("PeakAccept");
+    Box("tailScaleText")->setText(QStringLiteral("1.7"));
+    Box("tailLengthText")->setText(QStringLiteral("0"));
+    Box("positionText")->setText(QStringLiteral("285.123"));
+    Click("acceptButton");
     EXPECT_FALSE(editor().isVisible());
     EXPECT_EQ(peak().PeakType, 2);
     EXPECT_EQ(peak().TailScale, 1.0f);
     EXPECT_EQ(peak().TailLength, 0.01f);
     EXPECT_FLOAT_EQ(peak().Position, 285.123f);  // typed text is not rounded by the bar
-    EXPECT_EQ(Text("TSVal"), "1");
-    EXPECT_EQ(Text("TLVal"), "0.01");
+    EXPECT_EQ(Text("tailScaleText"), "1");
+    EXPECT_EQ(Text("tailLengthText"), "0.01");
 
     Reopen();
-    Box("TLVal")->setText(QStringLiteral("500"));
-    Click("PeakAccept");
+    Box("tailLengthText")->setText(QStringLiteral("500"));
+    Click("acceptButton");
     EXPECT_EQ(peak().TailLength, 200.0f);
 }
 
 TEST_F(PeakEditorTest, FixBoxesWriteTheirFlagAtOnce) {
     ASSERT_FALSE(IsSet(peak().FixPosition));
-    In<QCheckBox>(editor(), "ChkPos")->setChecked(true);
+    In<QCheckBox>(editor(), "fixPosition")->setChecked(true);
     EXPECT_TRUE(IsSet(peak().FixPosition));
-    In<QCheckBox>(editor(), "ChkGL")->setChecked(true);
+    In<QCheckBox>(editor(), "fixGL")->setChecked(true);
     EXPECT_TRUE(IsSet(peak().FixGL));
     EXPECT_FALSE(IsSet(peak().FixArea));
 }
 
 TEST_F(PeakEditorTest, DeletePeakEmptiesTheSlotAndTheButton) {
-    Click("DeletePeak");
+    Click("deletePeakButton");
     EXPECT_FALSE(editor().isVisible());
     EXPECT_FALSE(IsSet(peak().InUse));
     EXPECT_EQ(project().Current().PeakCount, 0);
@@ -179,15 +182,15 @@ TEST_F(PeakEditorTest, DeletePeakEmptiesTheSlotAndTheButton) {
 
 TEST_F(PeakEditorTest, OptimiseButtonsFitTheOnePeakAndWriteTheBoxes) {
     // Start the peak off the C 1s maximum: the position search must move it.
-    Box("PosVal")->setText(QStringLiteral("283.5"));
-    Click("ReDraw");
+    Box("positionText")->setText(QStringLiteral("283.5"));
+    Click("redrawButton");
     const float chiBefore = project().Current().ChiSquare;
-    Click("OptPos");
+    Click("optimisePositionButton");
     EXPECT_NE(peak().Position, 283.5f);
-    EXPECT_EQ(Text("PosVal"), FormatGeneral(peak().Position));
-    Click("Optpeak");
+    EXPECT_EQ(Text("positionText"), FormatGeneral(peak().Position));
+    Click("optimisePeakButton");
     EXPECT_LT(project().Current().ChiSquare, chiBefore);
-    EXPECT_EQ(Text("AreaVal"), FormatGeneral(peak().Area));
+    EXPECT_EQ(Text("areaText"), FormatGeneral(peak().Area));
     EXPECT_TRUE(editor().isEnabled()) << "enabled again after the fit";
 }
 
@@ -196,32 +199,32 @@ protected:
     void SetUp() override {
         PeakEditorTest::SetUp();
         first = slot;
-        Click("PeakAccept");
-        Menu("AddPeak");
+        Click("acceptButton");
+        Menu("addPeakAction");
         slot = project().CurrentPeak;
     }
     QLineEdit* CntBox(const char* name) { return In<QLineEdit>(cnt(), name); }
-    void Ok() { In<QPushButton>(cnt(), "CntOK")->click(); }
+    void Ok() { In<QPushButton>(cnt(), "okButton")->click(); }
     int first = -1;
 };
 
 TEST_F(ConstraintDialogTest, LinkingToItselfIsRefusedThenALinkIsStored) {
-    Click("PosCnt");
+    Click("positionConstraintsButton");
     ASSERT_TRUE(cnt().isVisible());
     EXPECT_EQ(cnt().windowTitle(), QStringLiteral("Constraints for Peak Position"));
-    EXPECT_EQ(In<QLabel>(cnt(), "PeakLabel")->text(), QString::number(slot));
+    EXPECT_EQ(In<QLabel>(cnt(), "peakLabel")->text(), QString::number(slot));
 
-    In<QCheckBox>(cnt(), "Use")->setChecked(true);
-    CntBox("RefPeak")->setText(QString::number(slot));
+    In<QCheckBox>(cnt(), "useRelation")->setChecked(true);
+    CntBox("referencePeakText")->setText(QString::number(slot));
     Ok();
     ASSERT_EQ(sink.messages, (std::vector<std::string>{"Wrong Reference Peak"}));
     EXPECT_TRUE(cnt().isVisible());
-    EXPECT_EQ(CntBox("RefPeak")->text(), QString::number(slot)) << "entries kept";
+    EXPECT_EQ(CntBox("referencePeakText")->text(), QString::number(slot)) << "entries kept";
     EXPECT_FALSE(IsSet(project().Constraints[slot].Position.Linked));
 
-    CntBox("RefPeak")->setText(QString::number(first));
-    In<QComboBox>(cnt(), "ArgType")->setCurrentText(QStringLiteral("-"));
-    CntBox("Arg")->setText(QStringLiteral("1.5"));
+    CntBox("referencePeakText")->setText(QString::number(first));
+    In<QComboBox>(cnt(), "operation")->setCurrentText(QStringLiteral("-"));
+    CntBox("argumentText")->setText(QStringLiteral("1.5"));
     Ok();
     EXPECT_EQ(sink.messages.size(), 1u);
     EXPECT_FALSE(cnt().isVisible());
@@ -233,20 +236,20 @@ TEST_F(ConstraintDialogTest, LinkingToItselfIsRefusedThenALinkIsStored) {
     EXPECT_TRUE(IsSet(project().Constraints[first].Position.IsReference));
 
     // Accept applies the relation: this peak sits 1.5 eV below the first.
-    Click("PeakAccept");
+    Click("acceptButton");
     EXPECT_FLOAT_EQ(peak().Position, project().Peaks[first].Position - 1.5f);
 }
 
 TEST_F(ConstraintDialogTest, ALimitRefusalKeepsTheRelationStored) {
-    Click("AreaCnt");
+    Click("areaConstraintsButton");
     EXPECT_EQ(cnt().windowTitle(), QStringLiteral("Constraints for Peak Area"));
-    In<QCheckBox>(cnt(), "Use")->setChecked(true);
-    CntBox("RefPeak")->setText(QString::number(first));
-    In<QComboBox>(cnt(), "ArgType")->setCurrentText(QStringLiteral("*"));
-    CntBox("Arg")->setText(QStringLiteral("0.5"));
-    In<QCheckBox>(cnt(), "Range")->setChecked(true);
-    CntBox("Low")->setText(QStringLiteral("-1"));
-    CntBox("High")->setText(QStringLiteral("10"));
+    In<QCheckBox>(cnt(), "useRelation")->setChecked(true);
+    CntBox("referencePeakText")->setText(QString::number(first));
+    In<QComboBox>(cnt(), "operation")->setCurrentText(QStringLiteral("*"));
+    CntBox("argumentText")->setText(QStringLiteral("0.5"));
+    In<QCheckBox>(cnt(), "useLimits")->setChecked(true);
+    CntBox("lowLimitText")->setText(QStringLiteral("-1"));
+    CntBox("highLimitText")->setText(QStringLiteral("10"));
     Ok();
     EXPECT_EQ(sink.messages, (std::vector<std::string>{"Negative range value"}));
     EXPECT_TRUE(cnt().isVisible());

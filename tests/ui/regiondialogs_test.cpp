@@ -21,12 +21,12 @@ TEST_F(GuiTest, RegionShiftIsStoredWithoutRedrawing) {
     ImportSample();
     project().Regions[2].Shift = 0.25f;
     ui::RegionShiftDialog& dialog = gui->regionShiftDialog();
-    Menu("RegionShift");
+    Menu("regionShiftAction");
     ASSERT_TRUE(dialog.isVisible());
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Region Shift"));
     EXPECT_EQ(Labels(dialog), (QStringList{"Shift", "eV"}));
-    auto* box = dialog.findChild<QLineEdit*>("ShiftText");
-    auto* accept = dialog.findChild<QPushButton*>("Command1");
+    auto* box = dialog.findChild<QLineEdit*>("shiftText");
+    auto* accept = dialog.findChild<QPushButton*>("acceptButton");
     ASSERT_TRUE(box && accept);
     EXPECT_EQ(accept->text(), QStringLiteral("Accept"));
     EXPECT_EQ(box->text(), QStringLiteral("0.25"));
@@ -38,7 +38,7 @@ TEST_F(GuiTest, RegionShiftIsStoredWithoutRedrawing) {
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(gui->host().RedrawCount(), redraws);
 
-    Menu("RegionShift");
+    Menu("regionShiftAction");
     box->setText(QStringLiteral("abc"));
     accept->click();
     EXPECT_EQ(project().Regions[2].Shift, 0.0f);
@@ -49,11 +49,11 @@ TEST_F(GuiTest, LongRegionCaptionIsCutTo20AndRedrawn) {
     main().RegionButton(1)->click();
     ImportSample();
     ui::RegionCaptionDialog& dialog = gui->regionCaptionDialog();
-    Menu("RegionCaption");
+    Menu("regionCaptionAction");
     ASSERT_TRUE(dialog.isVisible());
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Region Caption"));
-    auto* box = dialog.findChild<QLineEdit*>("Text");
-    auto* ok = dialog.findChild<QPushButton*>("RCaptioOK");
+    auto* box = dialog.findChild<QLineEdit*>("captionText");
+    auto* ok = dialog.findChild<QPushButton*>("okButton");
     ASSERT_TRUE(box && ok);
     EXPECT_EQ(ok->text(), QStringLiteral("OK"));
     EXPECT_EQ(box->text(), QString(20, QLatin1Char(' ')));  // an empty caption is 20 blanks
@@ -66,16 +66,16 @@ TEST_F(GuiTest, LongRegionCaptionIsCutTo20AndRedrawn) {
     EXPECT_EQ(gui->host().RedrawCount(), redraws + 1);
 
     // A short caption is padded with blanks, and shown padded when reopened.
-    Menu("RegionCaption");
+    Menu("regionCaptionAction");
     box->setText(QStringLiteral("Fe 2p"));
     ok->click();
-    Menu("RegionCaption");
+    Menu("regionCaptionAction");
     EXPECT_EQ(box->text(), QStringLiteral("Fe 2p               "));
 }
 
 TEST_F(GuiTest, RegionDialogsAreDisabledDuringAFit) {
-    Menu("RegionShift");
-    Menu("RegionCaption");
+    Menu("regionShiftAction");
+    Menu("regionCaptionAction");
     gui->host().FitStarted();
     EXPECT_FALSE(gui->regionShiftDialog().isEnabled());
     EXPECT_FALSE(gui->regionCaptionDialog().isEnabled());

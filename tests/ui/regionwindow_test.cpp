@@ -17,26 +17,26 @@ namespace {
 
 TEST_F(GuiTest, MenuHasEveryItemWithItsCaption) {
     const std::pair<const char*, const char*> items[] = {
-        {"Import_Kratos", "Import (Kratos)"},
-        {"Import_Leybold", "Import (Leybold)"},
-        {"Import_Phi", "Import (Phi)"},
-        {"Import_VAMAS", "Import (VAMAS)"},
-        {"ImportAsc", "Import (ASCII)"},
-        {"Export", "Export (Spectrum)"},
-        {"ExportPeakParameters", "Export (Peak Parameters)"},
-        {"ExportClip", "Export to clipboard"},
-        {"PrintG", "Print Spectrum"},
-        {"Printwithpeakparameters", "Print with peak parameters"},
-        {"Background", "Background"},
-        {"AddPeak", "Add Peak"},
-        {"RegionCaption", "Region Caption"},
-        {"LoadRegionParameters", "Load Region Parameters"},
-        {"SaveRegionParameters", "Save Region Parameters"},
-        {"ClearParameters", "Clear Parameters"},
-        {"Delete_Region", "Delete Region"},
-        {"RegionShift", "Region Shift"},
-        {"OptimiseRegion", "Optimise Region"},
-        {"ReDisplay", "ReDisplay"},
+        {"importKratosAction", "Import (Kratos)"},
+        {"importLeyboldAction", "Import (Leybold)"},
+        {"importPhiAction", "Import (Phi)"},
+        {"importVamasAction", "Import (VAMAS)"},
+        {"importAsciiAction", "Import (ASCII)"},
+        {"exportSpectrumAction", "Export (Spectrum)"},
+        {"exportPeakParametersAction", "Export (Peak Parameters)"},
+        {"exportClipboardAction", "Export to clipboard"},
+        {"printSpectrumAction", "Print Spectrum"},
+        {"printWithPeakParametersAction", "Print with peak parameters"},
+        {"backgroundAction", "Background"},
+        {"addPeakAction", "Add Peak"},
+        {"regionCaptionAction", "Region Caption"},
+        {"loadRegionParametersAction", "Load Region Parameters"},
+        {"saveRegionParametersAction", "Save Region Parameters"},
+        {"clearParametersAction", "Clear Parameters"},
+        {"deleteRegionAction", "Delete Region"},
+        {"regionShiftAction", "Region Shift"},
+        {"optimiseRegionAction", "Optimise Region"},
+        {"redisplayAction", "ReDisplay"},
     };
     for (const auto& [name, caption] : items) {
         QAction* a = region().Action(QString::fromLatin1(name));
@@ -66,7 +66,7 @@ TEST_F(GuiTest, ImportThroughTheMenuFillsTheRegion) {
     EXPECT_EQ(region().windowTitle(), "Region 3");
 
     // A cancelled import changes nothing.
-    Menu("Import_VAMAS");
+    Menu("importVamasAction");
     EXPECT_EQ(chooser.requests.back().title, "Import VAMAS format");
     EXPECT_EQ(chooser.requests.back().filter, "VAMAS Files (*.*)");
     EXPECT_EQ(project().Regions[2].PointCount, 351);
@@ -75,17 +75,17 @@ TEST_F(GuiTest, ImportThroughTheMenuFillsTheRegion) {
 
 TEST_F(GuiTest, ExportsProposeNamesAndReport) {
     // No data: the precondition fails and nothing is asked.
-    Menu("Export");
+    Menu("exportSpectrumAction");
     EXPECT_TRUE(chooser.requests.empty());
 
     const auto dir = ScratchDir();
     const std::string des = (dir / "sample.des").string();
     std::filesystem::copy_file(DataFile("real/lg4x/C1s_sample.csv"), des);
     chooser.paths.push_back(des);
-    Menu("ImportAsc");
+    Menu("importAsciiAction");
     const std::string dat = (dir / "out.dat").string();
     chooser.paths.push_back(dat);
-    Menu("Export");
+    Menu("exportSpectrumAction");
     EXPECT_TRUE(chooser.requests.back().save);
     EXPECT_EQ(chooser.requests.back().title, "Export Spectral and Fitted data in Ascii format");
     EXPECT_EQ(chooser.requests.back().filter, "Data Files (*.dat)");
@@ -95,71 +95,71 @@ TEST_F(GuiTest, ExportsProposeNamesAndReport) {
 
     // Peak parameters need a background; Save Region Parameters too.
     const std::size_t asked = chooser.requests.size();
-    Menu("ExportPeakParameters");
-    Menu("SaveRegionParameters");
+    Menu("exportPeakParametersAction");
+    Menu("saveRegionParametersAction");
     EXPECT_EQ(chooser.requests.size(), asked);
 
     GiveBackground();
-    Menu("ExportPeakParameters");  // cancelled
+    Menu("exportPeakParametersAction");  // cancelled
     EXPECT_EQ(chooser.requests.back().title, "Export peak parameters");
     EXPECT_EQ(chooser.requests.back().name, (dir / "out.par").string());
     EXPECT_EQ(sink.messages.back(), msg::kErrorSavingFile);
 
     chooser.paths.push_back((dir / "no-such-folder" / "x.rpa").string());
-    Menu("SaveRegionParameters");
+    Menu("saveRegionParametersAction");
     EXPECT_EQ(chooser.requests.back().title, "Save region parameters");
     EXPECT_EQ(chooser.requests.back().filter, "Region Parameter Files (*.rpa)");
     EXPECT_EQ(sink.messages.back(), msg::kErrorSavingFile);
 
     const std::string rpa = (dir / "c1s.rpa").string();
     chooser.paths.push_back(rpa);
-    Menu("SaveRegionParameters");
+    Menu("saveRegionParametersAction");
     EXPECT_EQ(sink.messages.back(), msg::kParameterFileSaved);
 
-    Menu("LoadRegionParameters");  // cancelled
+    Menu("loadRegionParametersAction");  // cancelled
     EXPECT_EQ(chooser.requests.back().title, "Load Region Parameters");
     EXPECT_EQ(sink.messages.back(), msg::kErrorReadingFile);
 }
 
 TEST_F(GuiTest, AddPeakNeedsABackgroundAndBeepsAtTheEleventh) {
     ImportSample();
-    Menu("AddPeak");
+    Menu("addPeakAction");
     EXPECT_EQ(project().Regions[0].PeakCount, 0);
     EXPECT_EQ(sink.beeps, 0);
 
     GiveBackground();
-    for (int k = 0; k < 10; ++k) Menu("AddPeak");
+    for (int k = 0; k < 10; ++k) Menu("addPeakAction");
     EXPECT_EQ(sink.beeps, 0);
     EXPECT_EQ(project().Regions[0].PeakCount, 10);
     for (int k = 0; k < 10; ++k) {
         EXPECT_EQ(main().PeakButton(k)->text(), QString::number(k));
         EXPECT_TRUE(main().PeakButton(k)->isEnabled());
     }
-    Menu("AddPeak");
+    Menu("addPeakAction");
     EXPECT_EQ(sink.beeps, 1);
     EXPECT_EQ(project().Regions[0].PeakCount, 10);
     EXPECT_FALSE(IsSet(project().Peaks[10].InUse));
-    EXPECT_FALSE(main().ChiBox(0)->text().isEmpty());
+    EXPECT_FALSE(main().ChiSquareBox(0)->text().isEmpty());
 }
 
 TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletes) {
     main().RegionButton(1)->click();
     ImportSample();
     GiveBackground();
-    Menu("AddPeak");
-    Menu("AddPeak");
+    Menu("addPeakAction");
+    Menu("addPeakAction");
     const std::string question =
         std::string(msg::kDeleteRegionTitle) + "|" + msg::kDeleteRegionText;
 
     sink.answers = {false};
-    Menu("Delete_Region");
+    Menu("deleteRegionAction");
     ASSERT_EQ(sink.questions, std::vector<std::string>{question});
     EXPECT_TRUE(IsSet(project().Regions[1].HasData));
     EXPECT_EQ(project().Regions[1].PeakCount, 2);
     EXPECT_TRUE(main().PeakButton(11)->isEnabled());
 
     sink.answers = {true};
-    Menu("Delete_Region");
+    Menu("deleteRegionAction");
     EXPECT_EQ(sink.questions.size(), 2u);
     EXPECT_FALSE(IsSet(project().Regions[1].HasData));
     EXPECT_FALSE(IsSet(project().Regions[1].HasBackground));
@@ -178,23 +178,23 @@ TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletes) {
 TEST_F(GuiTest, ClearParametersKeepsDataAndEmptiesCaption) {
     ImportSample();
     GiveBackground();
-    Menu("AddPeak");
+    Menu("addPeakAction");
     project().Regions[0].Caption = Text20::From("C 1s");
-    Menu("ClearParameters");
+    Menu("clearParametersAction");
     EXPECT_TRUE(sink.questions.empty());
     EXPECT_TRUE(IsSet(project().Regions[0].HasData));
     EXPECT_FALSE(IsSet(project().Regions[0].HasBackground));
     EXPECT_EQ(project().Regions[0].Caption, Text20());
     EXPECT_FALSE(main().PeakButton(0)->isEnabled());
-    EXPECT_EQ(main().ChiBox(0)->text(), "0");
+    EXPECT_EQ(main().ChiSquareBox(0)->text(), "0");
 }
 
 TEST_F(GuiTest, ExportToClipboardPutsAPicture) {
     ImportSample();
     GiveBackground();
-    Menu("AddPeak");
+    Menu("addPeakAction");
     QApplication::clipboard()->clear();
-    Menu("ExportClip");
+    Menu("exportClipboardAction");
     const QImage image = QApplication::clipboard()->image();
     EXPECT_FALSE(image.isNull());
     EXPECT_GE(image.width(), 800);
@@ -211,12 +211,12 @@ TEST_F(GuiTest, PrintNeedsDataAndCancellingThePrintDialogChangesNothing) {
         }
     });
     closer.start();
-    Menu("PrintG");  // no data: no dialog
+    Menu("printSpectrumAction");  // no data: no dialog
     EXPECT_TRUE(titles.isEmpty());
 
     ImportSample();
     const Region before = project().Regions[0];
-    Menu("Printwithpeakparameters");
+    Menu("printWithPeakParametersAction");
     closer.stop();
     EXPECT_EQ(titles, QStringList{"Print with peak parameters"});
     EXPECT_TRUE(project().Regions[0] == before);

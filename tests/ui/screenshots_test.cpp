@@ -44,7 +44,7 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     GiveBackground();
     const float positions[] = {284.8f, 286.3f, 288.6f};
     for (float p : positions) {
-        Menu("AddPeak");
+        Menu("addPeakAction");
         Peak& peak = project().Peaks[static_cast<std::size_t>(project().CurrentPeak)];
         peak.Position = p;
         peak.HeightPercent = 30;
@@ -53,16 +53,16 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     ComputeRegionEnvelope(project(), gui->host());
     project().Options.Method = 1;
     project().Options.NewtonTrials = 20;
-    Menu("OptimiseRegion");
+    Menu("optimiseRegionAction");
     main().DescriptionBox()->setText(QStringLiteral("C 1s of a sample, three components"));
 
     region().resize(900, 620);
     Save(main(), dir, "main-window.png");
     Save(region(), dir, "region-window.png");
-    main().findChild<QPushButton*>("Command1")->click();
+    main().findChild<QPushButton*>("optionsButton")->click();
     Save(gui->optionsWindow(), dir, "options-dialog.png");
-    Menu("Background");
-    gui->backgroundDialog().findChild<QPushButton*>("BGAccept")->click();  // shows the area
+    Menu("backgroundAction");
+    gui->backgroundDialog().findChild<QPushButton*>("acceptButton")->click();  // shows the area
     Save(gui->backgroundDialog(), dir, "background-dialog.png");
     gui->backgroundDialog().hide();
 
@@ -70,7 +70,7 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     main().PeakButton(11)->click();
     Save(gui->peakEditor(), dir, "peak-editor.png");
     Save(region(), dir, "region-window-selected-peak.png");
-    gui->peakEditor().findChild<QPushButton*>("AreaCnt")->click();
+    gui->peakEditor().findChild<QPushButton*>("areaConstraintsButton")->click();
     Save(gui->constraintDialog(), dir, "constraint-dialog.png");
 }
 

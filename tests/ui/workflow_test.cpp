@@ -48,7 +48,7 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
 
     main().RegionButton(0)->click();
     chooser.paths.push_back(vms);
-    Menu("Import_VAMAS");
+    Menu("importVamasAction");
     ASSERT_TRUE(sink.messages.empty()) << sink.messages.front();
     Region& c1s = project().Regions[0];
     ASSERT_TRUE(IsSet(c1s.HasData));
@@ -58,8 +58,8 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     EXPECT_TRUE(IsSet(project().Regions[4].HasData)) << "Mo 3d, the fifth block";
 
     // Background over the data, accepted as the dialog proposes it.
-    Menu("Background");
-    Click(gui->backgroundDialog(), "BGAccept");
+    Menu("backgroundAction");
+    Click(gui->backgroundDialog(), "acceptButton");
     ASSERT_TRUE(IsSet(c1s.HasBackground));
     EXPECT_EQ(sink.beeps, 0);
 
@@ -72,14 +72,14 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     const double offsets[3] = {0.3, 1.8, 4.0};
     int added[3] = {};
     for (int k = 0; k < 3; ++k) {
-        Menu("AddPeak");
+        Menu("addPeakAction");
         added[k] = project().CurrentPeak;
         ASSERT_TRUE(editor.isVisible());
-        SetText(editor, "PosVal", QString::fromStdString(FormatGeneral(maxBE + offsets[k])));
-        SetText(editor, "FWHMVal", QStringLiteral("1.6"));
-        SetText(editor, "GLVal", QStringLiteral("30"));
-        SetText(editor, "AreaVal", QString::number(k == 0 ? 2000 : 400));
-        Click(editor, "PeakAccept");
+        SetText(editor, "positionText", QString::fromStdString(FormatGeneral(maxBE + offsets[k])));
+        SetText(editor, "fwhmText", QStringLiteral("1.6"));
+        SetText(editor, "glText", QStringLiteral("30"));
+        SetText(editor, "areaText", QString::number(k == 0 ? 2000 : 400));
+        Click(editor, "acceptButton");
         EXPECT_FALSE(editor.isVisible());
     }
     ASSERT_EQ(c1s.PeakCount, 3);
@@ -87,18 +87,18 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     // The third peak's FWHM follows the second's.
     main().PeakButton(2)->click();
     ASSERT_EQ(project().CurrentPeak, added[2]);
-    Click(editor, "FWHMCnt");
+    Click(editor, "fwhmConstraintsButton");
     ui::ConstraintDialog& cnt = gui->constraintDialog();
-    cnt.findChild<QCheckBox*>("Use")->setChecked(true);
-    SetText(cnt, "RefPeak", QString::number(added[1]));
-    cnt.findChild<QComboBox*>("ArgType")->setCurrentText(QStringLiteral("*"));
-    SetText(cnt, "Arg", QStringLiteral("1"));
-    Click(cnt, "CntOK");
+    cnt.findChild<QCheckBox*>("useRelation")->setChecked(true);
+    SetText(cnt, "referencePeakText", QString::number(added[1]));
+    cnt.findChild<QComboBox*>("operation")->setCurrentText(QStringLiteral("*"));
+    SetText(cnt, "argumentText", QStringLiteral("1"));
+    Click(cnt, "okButton");
     ASSERT_TRUE(sink.messages.empty()) << sink.messages.front();
-    Click(editor, "PeakAccept");
+    Click(editor, "acceptButton");
 
     const float chiBefore = c1s.ChiSquare;
-    Menu("OptimiseRegion");
+    Menu("optimiseRegionAction");
     EXPECT_LT(c1s.ChiSquare, 0.5f * chiBefore);
     EXPECT_EQ(project().Peaks[added[2]].FWHM, project().Peaks[added[1]].FWHM);
     EXPECT_NEAR(project().Peaks[added[0]].Position, maxBE, 0.3) << "C-C found at the maximum";
@@ -106,7 +106,7 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     // Export (Spectrum): a header naming the three peaks and one line per point.
     const std::string dat = (dir / "c1s.dat").string();
     chooser.paths.push_back(dat);
-    Menu("Export");
+    Menu("exportSpectrumAction");
     ASSERT_EQ(sink.messages, std::vector<std::string>{msg::kDataFileExported});
     const std::vector<std::string> lines = Lines(dat);
     ASSERT_EQ(lines.size(), 602u);
@@ -120,7 +120,7 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
 
     const std::string xps = (dir / "c1s.xps").string();
     chooser.paths.push_back(xps);
-    Click(main(), "Save");
+    Click(main(), "saveProjectButton");
     ASSERT_EQ(sink.messages.back(), msg::kFileSaved);
 
     // A fresh start opens the file and shows the same fit.
@@ -129,7 +129,7 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     ui::Gui other(sink2, chooser2);
     other.Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa");
     chooser2.paths.push_back(xps);
-    Click(other.mainWindow(), "Open");
+    Click(other.mainWindow(), "openProjectButton");
     EXPECT_TRUE(sink2.messages.empty());
     const Project& back = other.project();
     for (int r = 0; r < 5; ++r) {
