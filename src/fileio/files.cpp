@@ -27,6 +27,19 @@ bool ReadWholeFile(const std::string& path, std::string& bytes, std::size_t maxB
     return in.bad() ? fail("cannot be read") : true;
 }
 
+Status ReadFileBytes(const std::string& path, std::size_t maxBytes, const char* message,
+                     std::string& bytes) {
+    std::string why;
+    if (ReadWholeFile(path, bytes, maxBytes, &why)) return Status::Ok();
+    return WithFileName(Status::Error(message, why), path);
+}
+
+Status WithFileName(const Status& status, const std::string& path) {
+    if (status.ok()) return status;
+    const std::string name = std::filesystem::path(path).filename().string();
+    return Status::Error(status.message(), status.detail().empty() ? name : name + ": " + status.detail());
+}
+
 bool WriteFileAtomically(const std::string& path,
                          const std::function<bool(std::ostream&)>& write) {
     namespace fs = std::filesystem;

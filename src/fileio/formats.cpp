@@ -1,7 +1,6 @@
 #include "fileio/formats.h"
 
 #include <array>
-#include <filesystem>
 
 #include "base/messages.h"
 #include "fileio/asciiimport.h"
@@ -32,16 +31,6 @@ constexpr std::array<ImportFormat, 5> kFormats{{
      {StoreRule::CurrentRegion, SortRule::ReverseUnlessFalling}, &ReadAscii},
 }};
 
-// The file's name and, after it, where and why.
-std::string Detail(const std::string& path, const std::string& detail) {
-    const std::string name = std::filesystem::path(path).filename().string();
-    return detail.empty() ? name : name + ": " + detail;
-}
-
-Status Named(const Status& status, const std::string& path) {
-    return status.ok() ? status : Status::Error(status.message(), Detail(path, status.detail()));
-}
-
 }  // namespace
 
 std::span<const ImportFormat> ImportFormats() { return kFormats; }
@@ -55,14 +44,13 @@ const ImportFormat* FindImportFormat(std::string_view name) {
 ImportResult ImportFile(Project& project, Host& host, const ImportFormat& format,
                         const std::string& path) {
     std::string bytes;
-    std::string why;
-    if (!ReadWholeFile(path, bytes, format.maxBytes, &why)) {
+    if (Status read = ReadFileBytes(path, format.maxBytes, format.unreadable, bytes); !read) {
         ImportResult refused;
-        refused.status = Status::Error(format.unreadable, Detail(path, why));
+        refused.status = read;
         return refused;
     }
     ImportResult result = StoreImport(project, host, format.parse(bytes), format.policy);
-    result.status = Named(result.status, path);
+    result.status = WithFileName(result.status, path);
     return result;
 }
 

@@ -1,6 +1,5 @@
 #include "fileio/optionfile.h"
 
-#include <filesystem>
 #include <fstream>
 
 #include "base/binstream.h"
@@ -54,16 +53,14 @@ std::vector<OptionField> OptionFileFields(FitOptions& o) {
 
 Status ReadOptionFile(FitOptions& options, const std::string& path) {
     std::string bytes;
-    const std::string name = std::filesystem::path(path).filename().string();
     {
         std::ifstream file(path, std::ios::binary);
-        if (!file) return Status::Error(msg::kErrorReadingFile, name + ": cannot be opened");
+        if (!file) return WithFileName(Status::Error(msg::kErrorReadingFile, "cannot be opened"), path);
         bytes.resize(kOptionFileSize);
         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(file.gcount()));
     }
-    const Status status = ReadOptionBytes(options, bytes);
-    return status.ok() ? status : Status::Error(status.message(), name + ": " + status.detail());
+    return WithFileName(ReadOptionBytes(options, bytes), path);
 }
 
 Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {

@@ -1,7 +1,6 @@
 #include "fileio/projectfile.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string_view>
 
 #include "base/binstream.h"
@@ -200,12 +199,9 @@ Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descript
 
 Status LoadProject(Project& project, Host& host, const std::string& path) {
     std::string bytes;
-    std::string why;
-    const std::string name = std::filesystem::path(path).filename().string();
-    if (!ReadWholeFile(path, bytes, kMaxProjectFileBytes, &why))
-        return Status::Error(msg::kErrorReadingFile, name + ": " + why);
-    const Status loaded = LoadProjectBytes(project, host, bytes);
-    return loaded.ok() ? loaded : Status::Error(loaded.message(), name + ": " + loaded.detail());
+    if (Status read = ReadFileBytes(path, kMaxProjectFileBytes, msg::kErrorReadingFile, bytes); !read)
+        return read;
+    return WithFileName(LoadProjectBytes(project, host, bytes), path);
 }
 
 Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes) {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstring>
-#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string_view>
@@ -146,13 +145,8 @@ Status SaveRegionParameters(const Project& project, const std::string& path) {
 
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path) {
     std::string bytes;
-    std::string why;
-    const std::string name = std::filesystem::path(path).filename().string();
-    if (!ReadWholeFile(path, bytes, kMaxFileBytes, &why))
-        return Status::Error(msg::kErrorReadingFile, name + ": " + why);
-    const Status status = ApplyRegionParameterBytes(project, host, bytes);
-    return status.ok() || status.detail().empty() ? status
-                                                  : Status::Error(status.message(), name + ": " + status.detail());
+    if (Status read = ReadFileBytes(path, kMaxFileBytes, msg::kErrorReadingFile, bytes); !read) return read;
+    return WithFileName(ApplyRegionParameterBytes(project, host, bytes), path);
 }
 
 Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view bytes) {
