@@ -105,8 +105,6 @@ void ReadRelation(BinaryReader& in, ParameterConstraint& c) {
     c.Argument = in.F32();
 }
 
-constexpr Group kGroups[] = {Group::Position, Group::Area, Group::FWHM, Group::GL};
-
 }  // namespace
 
 void WriteRegion(BinaryWriter& out, const Region& r) {
@@ -203,7 +201,7 @@ void ReadPeakOld(BinaryReader& in, Peak& peak, const Project& project) {
 }
 
 void WritePeakConstraint(BinaryWriter& out, const PeakConstraint& constraint) {
-    for (Group g : kGroups) {
+    for (PeakParameter g : kPeakParameters) {
         const ParameterConstraint& c = constraint[g];
         out.I16(c.Linked);
         out.I16(c.RefPeak);
@@ -218,7 +216,7 @@ void WritePeakConstraint(BinaryWriter& out, const PeakConstraint& constraint) {
 }
 
 void ReadPeakConstraint(BinaryReader& in, PeakConstraint& constraint) {
-    for (Group g : kGroups) {
+    for (PeakParameter g : kPeakParameters) {
         ParameterConstraint& c = constraint[g];
         ReadRelation(in, c);
         c.UseLimits = in.I16();
@@ -228,7 +226,7 @@ void ReadPeakConstraint(BinaryReader& in, PeakConstraint& constraint) {
 }
 
 void ReadPeakConstraintOld(BinaryReader& in, PeakConstraint& constraint) {
-    for (Group g : kGroups) {
+    for (PeakParameter g : kPeakParameters) {
         ParameterConstraint& c = constraint[g];
         ReadRelation(in, c);
         c.Linked = ToFlag(IsSet(c.Linked));

@@ -111,7 +111,7 @@ void PlacePeak(Project& project, Host& host, int k, LoadedPeak& loaded) {
     project.Peaks[s] = std::move(loaded.peak);
     PeakConstraint& c = project.Constraints[s];
     c = loaded.constraint;
-    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+    for (PeakParameter g : kPeakParameters) {
         c[g].Linked = kFalse;
         c[g].IsReference = kFalse;
     }

@@ -112,17 +112,26 @@ struct ParameterConstraint {
     bool operator==(const ParameterConstraint&) const = default;
 };
 
-/// The four constraint groups of a peak, in file order.
-enum class Group { Position = 0, Area = 1, FWHM = 2, GL = 3 };
+/// The four parameters of a peak that can be fixed, fitted, linked and limited, in the
+/// order of the constraint groups in the file.
+enum class PeakParameter { Position, Area, FWHM, GL };
 
+/// Every PeakParameter in file order.
+inline constexpr std::array<PeakParameter, 4> kPeakParameters{
+    PeakParameter::Position, PeakParameter::Area, PeakParameter::FWHM, PeakParameter::GL};
+
+/// The record name of a parameter: "Position", "Area", "FWHM" or "GL".
+const char* ParameterName(PeakParameter parameter);
+
+/// The constraint groups of a peak, one per PeakParameter.
 struct PeakConstraint {
     ParameterConstraint Position;
     ParameterConstraint Area;
     ParameterConstraint FWHM;
     ParameterConstraint GL;
 
-    ParameterConstraint& operator[](Group g);
-    const ParameterConstraint& operator[](Group g) const;
+    ParameterConstraint& operator[](PeakParameter parameter);
+    const ParameterConstraint& operator[](PeakParameter parameter) const;
     bool operator==(const PeakConstraint&) const = default;
 };
 

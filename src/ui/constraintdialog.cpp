@@ -102,7 +102,7 @@ void ConstraintDialog::ReadForm() {
     form_.High = ToLatin1(high_->text());
 }
 
-void ConstraintDialog::Open(ConstraintKind kind) {
+void ConstraintDialog::Open(PeakParameter kind) {
     OpenConstraint(project_, form_, kind);
     ShowForm();
 }

@@ -52,14 +52,11 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
-    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Pos"),
-                                     ConstraintKind::Position));
-    layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM"),
-                                     ConstraintKind::FWHM));
-    layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area"),
-                                     ConstraintKind::Area));
+    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Pos")));
+    layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM")));
+    layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area")));
     layout->addWidget(ParameterFrame(rows_[3], QStringLiteral("% Lorentzian-Gaussian (0:G, 100:L)"),
-                                     QStringLiteral("GL"), ConstraintKind::GL));
+                                     QStringLiteral("GL")));
     layout->addWidget(AsymmetryFrame());
 
     auto* buttons = new QHBoxLayout;
@@ -85,8 +82,8 @@ PeakEditor::PeakEditor(Project& project, Host& host, PlotWidget& plot, Constrain
     ShowForm();
 }
 
-QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, const QString& prefix,
-                                      ConstraintKind kind) {
+QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
+                                      const QString& prefix) {
     auto* frame = new QGroupBox(title, this);
     auto* line = new QHBoxLayout(frame);
     row.box = NamedBox(frame, prefix + QStringLiteral("Val"), 90);
@@ -107,7 +104,7 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title, c
     connect(row.scroll, &QScrollBar::valueChanged, this, [this, r](int v) { BarMoved(*r, v); });
     connect(row.fix, &QCheckBox::toggled, this, [this, r](bool on) { FixToggled(*r, on); });
     connect(optimise, &QPushButton::clicked, this, [this, r] { OptimiseClicked(r->which); });
-    connect(constraints, &QPushButton::clicked, this, [this, kind] { ConstraintsClicked(kind); });
+    connect(constraints, &QPushButton::clicked, this, [this, r] { ConstraintsClicked(r->which); });
     return frame;
 }
 
@@ -227,7 +224,7 @@ void PeakEditor::OptimisePeakClicked() {
     ShowForm();
 }
 
-void PeakEditor::ConstraintsClicked(ConstraintKind kind) { constraints_.Open(kind); }
+void PeakEditor::ConstraintsClicked(PeakParameter kind) { constraints_.Open(kind); }
 
 void PeakEditor::closeEvent(QCloseEvent* event) {
     if (!isEnabled()) {  // a fit is running

@@ -98,7 +98,7 @@ Project MakeKnownProject() {
         k.TailScale = 0.3f;
         k.TailLength = 2.5f;
         int v = 1;
-        for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = p.Constraints[s][g];
             c.Linked = kTrue;
             c.RefPeak = static_cast<Int16>(v);

@@ -111,7 +111,7 @@ void RandomConstraints(Random& rnd, Project& project) {
     for (int s = 0; s < kPeakSlots; ++s)
         if (IsSet(project.Peaks[s].InUse)) used.push_back(s);
     for (int s : used) {
-        for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = project.Constraints[s][g];
             if (rnd.Coin(0.3)) {
                 c.Linked = kTrue;
@@ -209,7 +209,7 @@ TEST(RoundTripProperty, RegionParametersLoadIntoAnEqualRegion) {
         region.Shift = 0;
         region.Caption = Text20();
         for (int k = 0; k < region.PeakCount; ++k) {
-            for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+            for (PeakParameter g : kPeakParameters) {
                 p.Constraints[region.PeakIndex[k]][g].Linked = kFalse;
                 p.Constraints[region.PeakIndex[k]][g].IsReference = kFalse;
             }
