@@ -43,7 +43,7 @@ Json RegionJson(const Region& r) {
     j["HasBackground"] = r.HasBackground;
     j["PeakCount"] = r.PeakCount;
     j["PeakIndex"] = r.PeakIndex;
-    j["BackgroundType"] = r.BackgroundType;
+    j["BackgroundType"] = static_cast<Int16>(r.BackgroundType);
     j["BackgroundLowBE"] = FloatJson(r.BackgroundLowBE);
     j["BackgroundHighBE"] = FloatJson(r.BackgroundHighBE);
     j["LinearStep"] = FloatJson(r.LinearStep);
@@ -72,7 +72,7 @@ Json PeakJson(const Peak& p) {
     Json j;
     j["InUse"] = p.InUse;
     j["Label"] = TextJson(p.Label.Str());
-    j["PeakType"] = p.PeakType;
+    j["PeakType"] = static_cast<Int16>(p.PeakType);
     j["Splitting"] = FloatJson(p.Splitting);
     j["Position"] = FloatJson(p.Position);
     j["Area"] = FloatJson(p.Area);

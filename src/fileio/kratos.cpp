@@ -108,7 +108,7 @@ struct Fit {
     std::string caption;
     float low = 0;
     float high = 0;
-    Int16 type = 0;
+    BackgroundKind type = BackgroundKind::Shirley;
     std::vector<Peak> peaks;
 };
 
@@ -132,7 +132,8 @@ Fit ReadFit(Scanner& s) {
     fit.caption = TextValue(values[2]);
     fit.low = static_cast<float>(Scanner::Number(values[4]));
     fit.high = static_cast<float>(Scanner::Number(values[5]));
-    fit.type = values[8].find("SHI") != std::string::npos ? 0 : 1;
+    fit.type = values[8].find("SHI") != std::string::npos ? BackgroundKind::Shirley
+                                                             : BackgroundKind::Linear;
     const auto count = ToInt16(Scanner::Number(values[12]));
     if (!count || *count < 0 || *count > kMaxPeaksPerRegion) throw ReadError("bad component count");
     if (*count == 0) return fit;
@@ -230,9 +231,9 @@ void RebuildFit(Project& project, Host& host, const KratosData& d) {
     for (int k = 1; k <= m; ++k)
         region.BackgroundWork[static_cast<std::size_t>(k)] =
             region.StartAverage + static_cast<float>(k - 1) * region.LinearStep;
-    if (region.BackgroundType == 0)
+    if (region.BackgroundType == BackgroundKind::Shirley)
         ComputeShirley(region);
-    else if (region.BackgroundType == 1)
+    else if (region.BackgroundType == BackgroundKind::Linear)
         for (int k = 1; k <= m; ++k)
             region.BackgroundCurve[static_cast<std::size_t>(k)] = region.BackgroundWork[static_cast<std::size_t>(k)];
     else

@@ -42,8 +42,8 @@ void ReadRegionFields(BinaryReader& in, Region& r, ReadArray readArray) {
         slot = in.I16();
         CheckRange(slot, 0, kPeakSlots - 1);
     }
-    r.BackgroundType = in.I16();
-    CheckRange(r.BackgroundType, 0, 2);
+    r.BackgroundType = static_cast<BackgroundKind>(in.I16());
+    CheckRange(static_cast<int>(r.BackgroundType), 0, 2);
     r.BackgroundLowBE = in.F32();
     r.BackgroundHighBE = in.F32();
     r.LinearStep = in.F32();
@@ -74,8 +74,8 @@ void ReadRegionFields(BinaryReader& in, Region& r, ReadArray readArray) {
 void ReadPeakHead(BinaryReader& in, Peak& p) {
     p.InUse = in.I16();
     p.Label = ReadText20(in);
-    p.PeakType = in.I16();
-    CheckRange(p.PeakType, 0, 4);
+    p.PeakType = static_cast<Subshell>(in.I16());
+    CheckRange(static_cast<int>(p.PeakType), 0, 4);
     p.Splitting = in.F32();
     p.Position = in.F32();
     p.Area = in.F32();
@@ -121,7 +121,7 @@ void WriteRegion(BinaryWriter& out, const Region& r) {
     out.I16(r.HasBackground);
     out.I16(r.PeakCount);
     for (Int16 slot : r.PeakIndex) out.I16(slot);
-    out.I16(r.BackgroundType);
+    out.I16(static_cast<Int16>(r.BackgroundType));
     out.F32(r.BackgroundLowBE);
     out.F32(r.BackgroundHighBE);
     out.F32(r.LinearStep);
@@ -158,7 +158,7 @@ void ReadRegionOld(BinaryReader& in, Region& region) {
 void WritePeak(BinaryWriter& out, const Peak& p) {
     out.I16(p.InUse);
     WriteText20(out, p.Label);
-    out.I16(p.PeakType);
+    out.I16(static_cast<Int16>(p.PeakType));
     out.F32(p.Splitting);
     out.F32(p.Position);
     out.F32(p.Area);

@@ -42,7 +42,7 @@ Host& QuietHost() {
 void ClearPeakSlot(Project& project, int slot) {
     Peak& p = project.Peaks[slot];
     p.InUse = kFalse;
-    p.PeakType = 0;
+    p.PeakType = Subshell::None;
     p.Splitting = 0;
     p.Position = 0;
     p.Area = 100;
@@ -65,7 +65,7 @@ void ClearPeakSlot(Project& project, int slot) {
 }
 
 void SetNewPeakDefaults(Peak& p, int region) {
-    p.PeakType = 1;
+    p.PeakType = Subshell::S;
     p.Splitting = 0;
     p.Region = static_cast<Int16>(region);
     p.FixPosition = 0;

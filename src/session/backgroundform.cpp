@@ -79,12 +79,12 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
         form.LBE = FormatGeneral(region.BackgroundLowBE);
         form.HBE = FormatGeneral(region.BackgroundHighBE);
         if (const char* text = AveragePointsText(region.EndPointAverage)) form.AverPt = text;
-        if (region.BackgroundType == 1) {
+        if (region.BackgroundType == BackgroundKind::Linear) {
             form.BG = "Linear";
-        } else if (region.BackgroundType == 2) {
+        } else if (region.BackgroundType == BackgroundKind::Tougaard) {
             form.BG = "Tougaard";
             form.TouB1 = FormatGeneral(region.BackgroundParameter);
-        } else if (region.BackgroundType == 0) {
+        } else if (region.BackgroundType == BackgroundKind::Shirley) {
             form.BG = "Shirley";
             form.ShirleySlope = FormatGeneral(region.BackgroundParameter);
         }
@@ -136,15 +136,14 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     if (LeadingNumber(form.ShirleySlope) == 0) form.ShirleySlope = "0";
     if (LeadingNumber(form.TouB1) == 0) form.TouB1 = "3000";
 
-    Int16 type = 0;
+    BackgroundKind type = BackgroundKind::Shirley;
     float parameter = region.BackgroundParameter;
     if (form.BG == "Shirley") {
-        type = 0;
         parameter = BoxSingle(form.ShirleySlope);
     } else if (form.BG == "Linear") {
-        type = 1;
+        type = BackgroundKind::Linear;
     } else if (form.BG == "Tougaard") {
-        type = 2;
+        type = BackgroundKind::Tougaard;
         parameter = BoxSingle(form.TouB1);
     } else {
         form.BG = "Shirley";

@@ -117,11 +117,11 @@ void RecomputeRegion(Project& project, Host& host) {
         reg.BackgroundWork[j] = static_cast<float>(reg.StartAverage + (j - 1) * static_cast<double>(reg.LinearStep));
 
     switch (reg.BackgroundType) {
-        case 0: ComputeShirley(reg); break;
-        case 1: std::copy(reg.BackgroundWork.begin() + 1, reg.BackgroundWork.begin() + m + 1,
+        case BackgroundKind::Shirley: ComputeShirley(reg); break;
+        case BackgroundKind::Linear: std::copy(reg.BackgroundWork.begin() + 1, reg.BackgroundWork.begin() + m + 1,
                           reg.BackgroundCurve.begin() + 1);
             break;
-        case 2: ComputeTougaard(reg); break;
+        case BackgroundKind::Tougaard: ComputeTougaard(reg); break;
         default: break;  // no new background
     }
 

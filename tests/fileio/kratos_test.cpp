@@ -98,7 +98,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     const Region& r = project.Regions[2];
     EXPECT_TRUE(IsSet(r.HasBackground));
     EXPECT_EQ(r.Caption.Str(), "C 1s fit            ");
-    EXPECT_EQ(r.BackgroundType, 1);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Linear);
     EXPECT_EQ(r.BackgroundLowBE, 281);
     EXPECT_EQ(r.BackgroundHighBE, 289);
     EXPECT_EQ(r.PeakCount, 3);
@@ -126,7 +126,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     EXPECT_NEAR(r.NetScale, 0.7175, 1e-6);
     // A peak of 50 % is 35.875 counts high: its area follows from that height.
     const Peak& p0 = project.Peaks[0];
-    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, 1, 0, 1.0));
+    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, Subshell::S, 0, 1.0));
     EXPECT_GT(p0.Area, 35.875f * 1.5f);  // a Gaussian of height h and width w: 1.0645 h w
     EXPECT_LT(p0.Area, 35.875f * 1.5f * 1.1f);
 }
@@ -137,7 +137,7 @@ TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
     fit.shapes = {"Gaussian"};
     ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("s.des", KratosFile(&fit))).ok());
     const Region& r = project.Regions[0];
-    EXPECT_EQ(r.BackgroundType, 0);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Shirley);
     EXPECT_NEAR(r.BackgroundCurve[1], 52, 1e-3);
     EXPECT_NEAR(r.BackgroundCurve[9], 42, 1e-3);
     // Not the straight line.

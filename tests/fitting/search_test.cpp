@@ -76,7 +76,7 @@ TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
     Peak& peak = project.Peaks[0];
     const float netScale = project.Current().NetScale;
     peak.HeightPercent = 105;
-    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, 1, 0, 0);
+    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, Subshell::S, 0, 0);
     test::Settle(project);
     project.Options.AreaSearch = {};
     project.Options.AreaSearch[0] = {kTrue, 10.0f, 1.0f};
@@ -86,13 +86,13 @@ TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
     SearchArea(project, host, 0);
     std::vector<float> expected;
     for (int h = 95; h <= 109; ++h) {
-        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, 1, 0, 0));
+        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, Subshell::S, 0, 0));
     }
     seen.pop_back();  // the finishing envelope
     EXPECT_EQ(seen, expected);
     // The true height is 100: the best trial is the 95..109 value closest to it.
     EXPECT_FLOAT_EQ(project.Peaks[0].HeightPercent,
-                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, 1, 0, 0));
+                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, Subshell::S, 0, 0));
     EXPECT_NEAR(project.Peaks[0].Area, 1000.0f, 1000 * 0.06);
     EXPECT_LT(project.Peaks[0].Area, start.Area);
 }
