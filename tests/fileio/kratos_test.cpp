@@ -144,6 +144,26 @@ TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
     EXPECT_GT(std::fabs(r.BackgroundCurve[5] - 47), 0.1);
 }
 
+// The import works its linear background in Single where RecomputeRegion works in Double;
+// on this range the two differ at one point, and the import keeps the Single values.
+TEST_F(Kratos, LinearBackgroundIsWorkedInSingle) {
+    FitBlock fit;
+    fit.low = "281";
+    fit.high = "288";
+    fit.shapes = {"Gaussian"};
+    ASSERT_TRUE(ReadKratos(project, host, test::WriteScratch("w.des", KratosFile(&fit))).ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.RangeCount, 8);  // points 3..10: 60 down to 42
+    const float step = (42.0f - 60.0f) / 7.0f;
+    EXPECT_EQ(r.LinearStep, step);
+    int otherInDouble = 0;
+    for (std::size_t k = 1; k <= 8; ++k) {
+        EXPECT_EQ(r.BackgroundWork[k], 60.0f + static_cast<float>(k - 1) * step) << k;
+        otherInDouble += r.BackgroundWork[k] != static_cast<float>(60.0 + static_cast<double>(k - 1) * step);
+    }
+    EXPECT_EQ(otherInDouble, 1);
+}
+
 TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     FitBlock good;
     good.shapes = {"Gau", "Lo"};
