@@ -21,7 +21,8 @@ void AverageEndPoints(Region& region);
 void ComputeBackground(Region& region);
 
 /// NetMax and NetMin: the extremes of RangeIntensity - BackgroundCurve, NetMax at least 0.
-/// In Double; the same bits as in Single, since a Single difference is exact in Double.
+/// Worked in Double, with the result of Single: the Double difference of two Singles
+/// rounds to their Single difference.
 void MeasureNetRange(Region& region);
 
 /// Shirley background (with the linear slope BackgroundParameter), 30 passes.
