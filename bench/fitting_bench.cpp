@@ -52,7 +52,7 @@ void MakeRegion(Project& project, int peaks) {
         const double b = 500.0 + 300.0 / (1.0 + std::exp((287.5 - e) / 1.0));
         double y = b;
         for (int k = 0; k < peaks; ++k) {
-            y += PeakValue(false, e, 277.0 + 21.0 * (k + 0.5) / peaks, 800, 1.2, 30, 0, 1, 0, 0);
+            y += PeakValue(false, e, 277.0 + 21.0 * (k + 0.5) / peaks, 800, 1.2, 30, 0, Subshell::S, 0, 0);
         }
         region.BindingEnergy[j] = region.RangeBE[j] = static_cast<float>(e);
         region.RawIntensity[j] = region.RangeIntensity[j] = static_cast<float>(y);
@@ -62,7 +62,7 @@ void MakeRegion(Project& project, int peaks) {
     for (int k = 0; k < peaks; ++k) {
         Peak& p = project.Peaks[k];
         p.InUse = kTrue;
-        p.PeakType = 1;
+        p.PeakType = Subshell::S;
         p.Position = static_cast<float>(277.0 + 21.0 * (k + 0.5) / peaks + 0.2);
         p.Area = 700;
         p.FWHM = 1.3f;

@@ -54,13 +54,13 @@ void PrepareFit(Project& project) {
     for (int j = 1; j <= n; ++j) {
         const double e = 300.0 - 0.005 * (j - 1);
         double y = 500.0 + 300.0 / (1.0 + std::exp((287.5 - e) / 1.0));
-        for (int k = 0; k < 10; ++k) y += PeakValue(false, e, 278.0 + 2.0 * k, 800, 1.2, 30, 0, 1, 0, 0);
+        for (int k = 0; k < 10; ++k) y += PeakValue(false, e, 278.0 + 2.0 * k, 800, 1.2, 30, 0, Subshell::S, 0, 0);
         region.BindingEnergy[j] = static_cast<float>(e);
         region.RawIntensity[j] = static_cast<float>(y);
     }
     region.HasData = kTrue;
     UpdateDataExtents(region);
-    region.BackgroundType = 1;
+    region.BackgroundType = BackgroundKind::Linear;
     region.EndPointAverage = 1;
     region.BackgroundLowBE = region.MinBE;
     region.BackgroundHighBE = region.MaxBE;
@@ -70,7 +70,7 @@ void PrepareFit(Project& project) {
     for (int k = 0; k < 10; ++k) {
         Peak& p = project.Peaks[static_cast<std::size_t>(k)];
         p.InUse = kTrue;
-        p.PeakType = 1;
+        p.PeakType = Subshell::S;
         p.Region = 0;
         p.Position = static_cast<float>(278.0 + 2.0 * k + 0.2);
         p.FWHM = 1.3f;

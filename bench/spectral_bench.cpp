@@ -34,7 +34,7 @@ void FillProject(Project& project, int m, bool glSum) {
     for (int k = 0; k < 3; ++k) {
         Peak& p = project.Peaks[k];
         p.InUse = kTrue;
-        p.PeakType = k == 2 ? 2 : 1;
+        p.PeakType = k == 2 ? Subshell::P : Subshell::S;
         p.Splitting = 0.8f;
         p.Position = positions[k];
         p.Area = 1500;

@@ -46,7 +46,7 @@ namespace {
 // A Shirley background over all of the current region's data.
 void GiveBackground(Project& project) {
     Region& region = project.Regions[project.CurrentRegion];
-    region.BackgroundType = 0;
+    region.BackgroundType = BackgroundKind::Shirley;
     region.EndPointAverage = 1;
     region.BackgroundLowBE = region.MinBE;
     region.BackgroundHighBE = region.MaxBE;

@@ -52,11 +52,9 @@ bool ParseParameterList(const std::string& list, std::vector<PeakParameter>& out
     std::stringstream ss(list);
     std::string item;
     while (std::getline(ss, item, ',')) {
-        if (item == "position") out.push_back(PeakParameter::Position);
-        else if (item == "area") out.push_back(PeakParameter::Area);
-        else if (item == "fwhm") out.push_back(PeakParameter::FWHM);
-        else if (item == "gl") out.push_back(PeakParameter::GL);
-        else return false;
+        const std::optional<PeakParameter> parameter = ParameterArg(item);
+        if (!parameter) return false;
+        out.push_back(*parameter);
     }
     return true;
 }

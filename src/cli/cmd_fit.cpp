@@ -77,12 +77,8 @@ int RunConstrain(int argc, char** argv) {
         return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     const std::string param = args.Value("param").value_or("");
-    ConstraintKind kind;
-    if (param == "position") kind = ConstraintKind::Position;
-    else if (param == "area") kind = ConstraintKind::Area;
-    else if (param == "fwhm") kind = ConstraintKind::FWHM;
-    else if (param == "gl") kind = ConstraintKind::GL;
-    else return Fail("--param is position, area, fwhm or gl");
+    const std::optional<PeakParameter> kind = ParameterArg(param);
+    if (!kind) return Fail("--param is position, area, fwhm or gl");
     if (args.Has("link") && args.Has("unlink")) return Fail("--link and --unlink exclude each other");
     if (args.Has("limits") && args.Has("no-limits"))
         return Fail("--limits and --no-limits exclude each other");
@@ -95,7 +91,7 @@ int RunConstrain(int argc, char** argv) {
     s.project.CurrentPeak = static_cast<Int16>(*slot);
 
     ConstraintForm form;
-    OpenConstraint(s.project, form, kind);
+    OpenConstraint(s.project, form, *kind);
     if (auto ref = args.Value("link")) {
         form.useRelation = true;
         form.referencePeakText = *ref;

@@ -56,6 +56,14 @@ std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int
     return static_cast<int>(d);
 }
 
+std::optional<PeakParameter> ParameterArg(const std::string& text) {
+    if (text == "position") return PeakParameter::Position;
+    if (text == "area") return PeakParameter::Area;
+    if (text == "fwhm") return PeakParameter::FWHM;
+    if (text == "gl") return PeakParameter::GL;
+    return std::nullopt;
+}
+
 std::optional<int> RegionArg(const Args& args, const std::string& name) {
     auto n = IntArg(args, name, 1, 10);
     if (!n) return std::nullopt;

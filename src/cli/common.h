@@ -49,6 +49,9 @@ Status SaveOutput(Session& s, const Args& args);
 /// The region of --region N (1..10) as a slot 0..9.
 std::optional<int> RegionArg(const Args& args, const std::string& name = "region");
 
+/// "position", "area", "fwhm" or "gl" as the parameter it names.
+std::optional<PeakParameter> ParameterArg(const std::string& text);
+
 /// A whole number option in [lo, hi].
 std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi);
 

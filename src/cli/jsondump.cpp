@@ -1,9 +1,12 @@
 #include "cli/jsondump.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <type_traits>
 
 #include "base/numtext.h"
+#include "model/recordfields.h"
 
 namespace molvera::cli {
 
@@ -28,81 +31,43 @@ Json ArrayJson(const SingleArray& a) {
 
 Json TextJson(const std::string& latin1) { return Latin1ToUtf8(latin1); }
 
-Json RegionJson(const Region& r) {
-    Json j;
-    j["HasData"] = r.HasData;
-    j["ImportRegionNumber"] = r.ImportRegionNumber;
-    j["Caption"] = TextJson(r.Caption.Str());
-    j["PointCount"] = r.PointCount;
-    j["BindingEnergy"] = ArrayJson(r.BindingEnergy);
-    j["RawIntensity"] = ArrayJson(r.RawIntensity);
-    j["MaxBE"] = FloatJson(r.MaxBE);
-    j["MinBE"] = FloatJson(r.MinBE);
-    j["MaxIntensity"] = FloatJson(r.MaxIntensity);
-    j["MinIntensity"] = FloatJson(r.MinIntensity);
-    j["HasBackground"] = r.HasBackground;
-    j["PeakCount"] = r.PeakCount;
-    j["PeakIndex"] = r.PeakIndex;
-    j["BackgroundType"] = r.BackgroundType;
-    j["BackgroundLowBE"] = FloatJson(r.BackgroundLowBE);
-    j["BackgroundHighBE"] = FloatJson(r.BackgroundHighBE);
-    j["LinearStep"] = FloatJson(r.LinearStep);
-    j["RangeStart"] = r.RangeStart;
-    j["RangeEnd"] = r.RangeEnd;
-    j["RangeCount"] = r.RangeCount;
-    j["NetMax"] = FloatJson(r.NetMax);
-    j["NetMin"] = FloatJson(r.NetMin);
-    j["NetScale"] = FloatJson(r.NetScale);
-    j["ChiSquare"] = FloatJson(r.ChiSquare);
-    j["RangeBE"] = ArrayJson(r.RangeBE);
-    j["RangeIntensity"] = ArrayJson(r.RangeIntensity);
-    j["BackgroundWork"] = ArrayJson(r.BackgroundWork);
-    j["BackgroundCurve"] = ArrayJson(r.BackgroundCurve);
-    j["PeakSumCurve"] = ArrayJson(r.PeakSumCurve);
-    j["Residual"] = ArrayJson(r.Residual);
-    j["EndAverage"] = FloatJson(r.EndAverage);
-    j["StartAverage"] = FloatJson(r.StartAverage);
-    j["EndPointAverage"] = r.EndPointAverage;
-    j["BackgroundParameter"] = FloatJson(r.BackgroundParameter);
-    j["Shift"] = FloatJson(r.Shift);
-    return j;
-}
+// Every field of a record as VisitFields lists them, under its own name.
+class JsonFields : public EveryField {
+public:
+    template <typename T>
+    void Field(const char* name, const T& x) {
+        if constexpr (std::is_same_v<T, float>) {
+            json_[name] = FloatJson(x);
+        } else if constexpr (std::is_same_v<T, Text20>) {
+            json_[name] = TextJson(x.Str());
+        } else {
+            json_[name] = static_cast<Int16>(x);
+        }
+    }
 
-Json PeakJson(const Peak& p) {
-    Json j;
-    j["InUse"] = p.InUse;
-    j["Label"] = TextJson(p.Label.Str());
-    j["PeakType"] = p.PeakType;
-    j["Splitting"] = FloatJson(p.Splitting);
-    j["Position"] = FloatJson(p.Position);
-    j["Area"] = FloatJson(p.Area);
-    j["HeightPercent"] = FloatJson(p.HeightPercent);
-    j["FWHM"] = FloatJson(p.FWHM);
-    j["PercentGL"] = p.PercentGL;
-    j["FixPosition"] = p.FixPosition;
-    j["FixFWHM"] = p.FixFWHM;
-    j["FixArea"] = p.FixArea;
-    j["FixGL"] = p.FixGL;
-    j["Region"] = p.Region;
-    j["Curve"] = ArrayJson(p.Curve);
-    j["TailScale"] = FloatJson(p.TailScale);
-    j["TailLength"] = FloatJson(p.TailLength);
-    return j;
-}
+    template <std::size_t N>
+    void Indices(const char* name, const std::array<Int16, N>& slots, int) {
+        json_[name] = slots;
+    }
 
-Json GroupJson(const ParameterConstraint& c) {
-    Json j;
-    j["Linked"] = c.Linked;
-    j["RefPeak"] = c.RefPeak;
-    j["IsReference"] = c.IsReference;
-    j["DependentPeak"] = c.DependentPeak;
-    j["Operation"] = c.Operation;
-    j["Argument"] = FloatJson(c.Argument);
-    j["UseLimits"] = c.UseLimits;
-    j["LowLimit"] = FloatJson(c.LowLimit);
-    j["HighLimit"] = FloatJson(c.HighLimit);
-    return j;
-}
+    void Points(const char* name, const SingleArray& a, std::size_t) { json_[name] = ArrayJson(a); }
+    void Curve(const char* name, const SingleArray& a, Int16) { json_[name] = ArrayJson(a); }
+
+    template <typename R>
+    void Record(const char* name, const R& sub) {
+        json_[name] = RecordJson(sub);
+    }
+
+    template <typename R>
+    static Json RecordJson(const R& record) {
+        JsonFields fields;
+        VisitFields(record, fields);
+        return std::move(fields.json_);
+    }
+
+private:
+    Json json_;
+};
 
 Json SearchLevelsJson(const std::array<SearchLevel, kLevels>& levels) {
     Json out = Json::array();
@@ -132,21 +97,15 @@ Json NewtonLevelsJson(const std::array<NewtonLevel, kLevels>& levels) {
 Json ProjectToJson(const Project& project) {
     Json j;
     j["Regions"] = Json::array();
-    for (const Region& r : project.Regions) j["Regions"].push_back(RegionJson(r));
+    for (const Region& r : project.Regions) j["Regions"].push_back(JsonFields::RecordJson(r));
     j["Peaks"] = Json::array();
-    for (const Peak& p : project.Peaks) j["Peaks"].push_back(PeakJson(p));
+    for (const Peak& p : project.Peaks) j["Peaks"].push_back(JsonFields::RecordJson(p));
     j["Constraints"] = Json::array();
-    for (const PeakConstraint& c : project.Constraints) {
-        Json g;
-        g["Position"] = GroupJson(c.Position);
-        g["Area"] = GroupJson(c.Area);
-        g["FWHM"] = GroupJson(c.FWHM);
-        g["GL"] = GroupJson(c.GL);
-        j["Constraints"].push_back(g);
-    }
+    for (const PeakConstraint& c : project.Constraints)
+        j["Constraints"].push_back(JsonFields::RecordJson(c));
     j["CurrentRegion"] = project.CurrentRegion;
     j["CurrentPeak"] = project.CurrentPeak;
-    j["EditPeak"] = PeakJson(project.EditPeak);
+    j["EditPeak"] = JsonFields::RecordJson(project.EditPeak);
     j["TotalPeakCount"] = project.TotalPeakCount;
     j["TotalChiSquare"] = FloatJson(project.TotalChiSquare);
     j["AreaScale"] = FloatJson(project.AreaScale);

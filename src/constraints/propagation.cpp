@@ -29,25 +29,25 @@ void StoreSingle(float& field, double value) {
 
 }  // namespace
 
-void ApplyRelation(Project& project, Group g, int r, int d) {
+void ApplyRelation(Project& project, PeakParameter g, int r, int d) {
     if (!ValidSlot(r) || !ValidSlot(d)) return;
     const ParameterConstraint& c = project.Constraints[d][g];
     const Peak& ref = project.Peaks[r];
     Peak& dep = project.Peaks[d];
     double v = 0;
     switch (g) {
-        case Group::Position: v = ref.Position; break;
-        case Group::Area: v = ref.Area; break;
-        case Group::FWHM: v = ref.FWHM; break;
-        case Group::GL: v = ref.PercentGL; break;
+        case PeakParameter::Position: v = ref.Position; break;
+        case PeakParameter::Area: v = ref.Area; break;
+        case PeakParameter::FWHM: v = ref.FWHM; break;
+        case PeakParameter::GL: v = ref.PercentGL; break;
     }
     double result = 0;
     if (!Combine(c.Operation, v, c.Argument, result)) return;
     switch (g) {
-        case Group::Position: StoreSingle(dep.Position, result); break;
-        case Group::Area: StoreSingle(dep.Area, result); break;
-        case Group::FWHM: StoreSingle(dep.FWHM, result); break;
-        case Group::GL:
+        case PeakParameter::Position: StoreSingle(dep.Position, result); break;
+        case PeakParameter::Area: StoreSingle(dep.Area, result); break;
+        case PeakParameter::FWHM: StoreSingle(dep.FWHM, result); break;
+        case PeakParameter::GL:
             if (std::isfinite(result)) {
                 if (auto gl = ToInt16(result)) dep.PercentGL = *gl;
             }
@@ -55,12 +55,20 @@ void ApplyRelation(Project& project, Group g, int r, int d) {
     }
 }
 
-void ApplyPositionRelation(Project& project, int r, int d) { ApplyRelation(project, Group::Position, r, d); }
-void ApplyAreaRelation(Project& project, int r, int d) { ApplyRelation(project, Group::Area, r, d); }
-void ApplyFWHMRelation(Project& project, int r, int d) { ApplyRelation(project, Group::FWHM, r, d); }
-void ApplyGLRelation(Project& project, int r, int d) { ApplyRelation(project, Group::GL, r, d); }
+void ApplyPositionRelation(Project& project, int r, int d) {
+    ApplyRelation(project, PeakParameter::Position, r, d);
+}
+void ApplyAreaRelation(Project& project, int r, int d) {
+    ApplyRelation(project, PeakParameter::Area, r, d);
+}
+void ApplyFWHMRelation(Project& project, int r, int d) {
+    ApplyRelation(project, PeakParameter::FWHM, r, d);
+}
+void ApplyGLRelation(Project& project, int r, int d) {
+    ApplyRelation(project, PeakParameter::GL, r, d);
+}
 
-void Propagate(Project& project, Group g, int s) {
+void Propagate(Project& project, PeakParameter g, int s) {
     if (!ValidSlot(s)) return;
     std::array<bool, kPeakSlots> pending{};
     std::array<bool, kPeakSlots> done{};
@@ -86,15 +94,16 @@ void Propagate(Project& project, Group g, int s) {
     }
 }
 
-void PropagatePosition(Project& project, int s) { Propagate(project, Group::Position, s); }
-void PropagateArea(Project& project, int s) { Propagate(project, Group::Area, s); }
-void PropagateFWHM(Project& project, int s) { Propagate(project, Group::FWHM, s); }
-void PropagateGL(Project& project, int s) { Propagate(project, Group::GL, s); }
+void PropagatePosition(Project& project, int s) { Propagate(project, PeakParameter::Position, s); }
+void PropagateArea(Project& project, int s) { Propagate(project, PeakParameter::Area, s); }
+void PropagateFWHM(Project& project, int s) { Propagate(project, PeakParameter::FWHM, s); }
+void PropagateGL(Project& project, int s) { Propagate(project, PeakParameter::GL, s); }
 
 void ApplyAllRelations(Project& project) {
-    constexpr std::array<Group, 4> order{Group::Position, Group::FWHM, Group::Area, Group::GL};
+    constexpr std::array<PeakParameter, 4> order{PeakParameter::Position, PeakParameter::FWHM,
+                                                 PeakParameter::Area, PeakParameter::GL};
     for (int k = 0; k < kPeakSlots; ++k) {
-        for (Group g : order) {
+        for (PeakParameter g : order) {
             if (!IsSet(project.Constraints[k][g].IsReference)) continue;
             for (int i = 0; i < kPeakSlots; ++i) {
                 const ParameterConstraint& ci = project.Constraints[i][g];

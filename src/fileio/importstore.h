@@ -31,7 +31,7 @@ struct ImportedFit {
     std::string caption;
     float low = 0;   ///< background range, eV
     float high = 0;
-    Int16 type = 0;  ///< background type
+    BackgroundKind type = BackgroundKind::Shirley;
     std::vector<Peak> peaks;  ///< label, %GL, position, height percentage and FWHM of each
 };
 

@@ -132,7 +132,8 @@ ImportedFit ReadFit(Scanner& s) {
     fit.caption = TextValue(values[2]);
     fit.low = static_cast<float>(s.Number(values[4], "the low background energy"));
     fit.high = static_cast<float>(s.Number(values[5], "the high background energy"));
-    fit.type = values[8].find("SHI") != std::string::npos ? 0 : 1;
+    fit.type = values[8].find("SHI") != std::string::npos ? BackgroundKind::Shirley
+                                                             : BackgroundKind::Linear;
     const auto count = ToInt16(s.Number(values[12], "the component count"));
     if (!count || *count < 0 || *count > kMaxPeaksPerRegion) s.Fail("more components than a region holds");
     if (*count == 0) return fit;
@@ -212,39 +213,25 @@ bool FindRange(KratosData& d) {
     return true;
 }
 
-// Background, net scale, peak areas and envelope of the current region.
+// Range curves, background, net scale, peak areas and envelope of the current region, as
+// RecomputeRegion makes them with two differences. The linear background and the net scale
+// are worked in Single, not in Double: that gives other last bits for most spectra (and so
+// other curves and areas), and an import of a fitted Kratos file must keep giving the values
+// it has always given. And every area follows its height, whatever KeepAreas says.
 void RebuildFit(Project& project, Host& host, const KratosData& d) {
     Region& region = project.Current();
-    const int n = region.PointCount;
     const int m = d.rangeCount;
     region.RangeStart = d.rangeStart;
     region.RangeEnd = d.rangeEnd;
     region.RangeCount = d.rangeCount;
-    for (int k = 1; k <= m; ++k) {
-        const auto i = static_cast<std::size_t>(std::min(region.RangeStart + k - 1, n));
-        region.RangeBE[static_cast<std::size_t>(k)] = region.BindingEnergy[i];
-        region.RangeIntensity[static_cast<std::size_t>(k)] = region.RawIntensity[i];
-    }
+    CopyRangeFromSpectrum(region);
     AverageEndPoints(region);
     region.LinearStep = (region.EndAverage - region.StartAverage) / static_cast<float>(m - 1);
     for (int k = 1; k <= m; ++k)
         region.BackgroundWork[static_cast<std::size_t>(k)] =
             region.StartAverage + static_cast<float>(k - 1) * region.LinearStep;
-    if (region.BackgroundType == 0)
-        ComputeShirley(region);
-    else if (region.BackgroundType == 1)
-        for (int k = 1; k <= m; ++k)
-            region.BackgroundCurve[static_cast<std::size_t>(k)] = region.BackgroundWork[static_cast<std::size_t>(k)];
-    else
-        ComputeTougaard(region);
-    region.NetMax = 0;
-    region.NetMin = 10000000;
-    for (int k = 1; k <= m; ++k) {
-        const float net = region.RangeIntensity[static_cast<std::size_t>(k)] -
-                          region.BackgroundCurve[static_cast<std::size_t>(k)];
-        if (net > region.NetMax) region.NetMax = net;
-        if (net < region.NetMin) region.NetMin = net;
-    }
+    ComputeBackground(region);  // the fit's type is Shirley or Linear
+    MeasureNetRange(region);
     region.NetScale = (region.NetMax - region.NetMin) / 100;
     for (int k = 0; k < region.PeakCount; ++k) {
         const int slot = region.PeakIndex[static_cast<std::size_t>(k)];

@@ -1,6 +1,6 @@
 #pragma once
-// The project's records written and read field by field, shared by the project file
-// and the region parameter file.
+// The project's records written and read field by field as model/recordfields.h lists
+// them, shared by the project file and the region parameter file.
 
 #include "base/binstream.h"
 #include "model/records.h"

@@ -29,7 +29,7 @@ struct RegionSettings {
     Int16 PeakCount = 0;
     Int16 RangeCount = 0;
     Flag HasBackground = 0;
-    Int16 BackgroundType = 0;
+    BackgroundKind BackgroundType = BackgroundKind::Shirley;
     float BackgroundHighBE = 0;
     float BackgroundLowBE = 0;
 };
@@ -73,19 +73,20 @@ RegionSettings ReadSettings(BinaryReader& in, bool older) {
         s.PeakCount = TaggedInt16(in);
         s.RangeCount = TaggedInt16(in);
         s.HasBackground = in.I16();
-        s.BackgroundType = in.I16();
+        s.BackgroundType = static_cast<BackgroundKind>(in.I16());
         s.BackgroundHighBE = in.F32();
         s.BackgroundLowBE = TaggedSingle(in);
     } else {
         s.PeakCount = in.I16();
         s.RangeCount = in.I16();
         s.HasBackground = in.I16();
-        s.BackgroundType = in.I16();
+        s.BackgroundType = static_cast<BackgroundKind>(in.I16());
         s.BackgroundHighBE = in.F32();
         s.BackgroundLowBE = in.F32();
     }
     if (s.PeakCount < 0 || s.PeakCount > kMaxPeaksPerRegion || s.RangeCount < 0 ||
-        s.RangeCount > kMaxPoints || s.BackgroundType < 0 || s.BackgroundType > 2) {
+        s.RangeCount > kMaxPoints || s.BackgroundType < BackgroundKind::Shirley ||
+        s.BackgroundType > BackgroundKind::Tougaard) {
         throw ReadError("count out of range");
     }
     return s;
@@ -110,7 +111,7 @@ void PlacePeak(Project& project, int k, LoadedPeak& loaded) {
     project.Peaks[s] = std::move(loaded.peak);
     PeakConstraint& c = project.Constraints[s];
     c = loaded.constraint;
-    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+    for (PeakParameter g : kPeakParameters) {
         c[g].Linked = kFalse;
         c[g].IsReference = kFalse;
     }
@@ -129,7 +130,7 @@ Status SaveRegionParameters(const Project& project, const std::string& path) {
         out.I16(region.PeakCount);
         out.I16(region.RangeCount);
         out.I16(region.HasBackground);
-        out.I16(region.BackgroundType);
+        out.I16(static_cast<Int16>(region.BackgroundType));
         out.F32(region.BackgroundHighBE);
         out.F32(region.BackgroundLowBE);
         for (int s = 0; s < kPeakSlots; ++s) {

@@ -156,20 +156,20 @@ void OptimiseAllRegions(Project& project, Host& host) {
     host.RegionInView();
 }
 
-void OptimisePeakParameter(Project& project, Host& host, int p, Group g) {
+void OptimisePeakParameter(Project& project, Host& host, int p, PeakParameter g) {
     BeginFit(project, host);
     const bool newton = project.Options.Method == 1;
     switch (g) {
-        case Group::Position:
+        case PeakParameter::Position:
             newton ? NewtonPeakPosition(project, host, p) : SearchPosition(project, host, p);
             break;
-        case Group::Area:
+        case PeakParameter::Area:
             newton ? NewtonPeakArea(project, host, p) : SearchArea(project, host, p);
             break;
-        case Group::FWHM:
+        case PeakParameter::FWHM:
             newton ? NewtonPeakFWHM(project, host, p) : SearchFWHM(project, host, p);
             break;
-        case Group::GL: SearchGL(project, host, p); break;
+        case PeakParameter::GL: SearchGL(project, host, p); break;
     }
     EndFit(project, host);
 }

@@ -20,7 +20,7 @@ void OptimiseAllRegions(Project& project, Host& host);
 
 /// Peak editor Optimise buttons: Newton's method when Method is exactly 1, otherwise the
 /// Search method; %GL is always searched. Runs between BeginFit and EndFit.
-void OptimisePeakParameter(Project& project, Host& host, int p, Group g);
+void OptimisePeakParameter(Project& project, Host& host, int p, PeakParameter g);
 /// Peak editor "Optimise Peak": NewtonPeak or SearchPeak between BeginFit and EndFit.
 void OptimisePeak(Project& project, Host& host, int p);
 

@@ -14,7 +14,7 @@ namespace {
 /// Sample offsets in the order they are taken.
 constexpr std::array<int, 12> kOffsets{6, 5, 4, 3, 2, 1, -1, -2, -3, -4, -5, -6};
 
-void NewtonStep(Project& project, Host& host, Group g, int p, float delta, bool& improved) {
+void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delta, bool& improved) {
     if (!IsPeakSlot(p)) return;
     const ParameterConstraint& c = project.Constraints[p][g];
     if (IsSet(c.Linked)) return;
@@ -60,7 +60,7 @@ void NewtonStep(Project& project, Host& host, Group g, int p, float delta, bool&
     double next = static_cast<double>(x0) + (-d1 / d2);
     if (IsSet(c.UseLimits) && next < c.LowLimit) next = c.LowLimit;
     if (IsSet(c.UseLimits) && next > c.HighLimit) next = c.HighLimit;
-    if (g == Group::Area && next < 0.1) next = 0.1;
+    if (g == PeakParameter::Area && next < 0.1) next = 0.1;
     x = static_cast<float>(next);
 
     double f1 = 0;
@@ -103,15 +103,15 @@ void NewtonPeakParameter(Project& project, Host& host, int p,
 }  // namespace
 
 void NewtonPosition(Project& project, Host& host, int p, float delta, bool& improved) {
-    NewtonStep(project, host, Group::Position, p, delta, improved);
+    NewtonStep(project, host, PeakParameter::Position, p, delta, improved);
 }
 
 void NewtonArea(Project& project, Host& host, int p, float delta, bool& improved) {
-    NewtonStep(project, host, Group::Area, p, delta, improved);
+    NewtonStep(project, host, PeakParameter::Area, p, delta, improved);
 }
 
 void NewtonFWHM(Project& project, Host& host, int p, float delta, bool& improved) {
-    NewtonStep(project, host, Group::FWHM, p, delta, improved);
+    NewtonStep(project, host, PeakParameter::FWHM, p, delta, improved);
 }
 
 float NewtonAreaDelta(Project& project, int p, int level) {

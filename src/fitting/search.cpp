@@ -12,18 +12,18 @@ namespace molvera {
 namespace {
 
 /// The value of the searched parameter in a peak, as a double.
-double ValueOf(const Peak& peak, Group g) {
+double ValueOf(const Peak& peak, PeakParameter g) {
     switch (g) {
-        case Group::Position: return peak.Position;
-        case Group::Area: return peak.Area;
-        case Group::FWHM: return peak.FWHM;
-        case Group::GL: break;
+        case PeakParameter::Position: return peak.Position;
+        case PeakParameter::Area: return peak.Area;
+        case PeakParameter::FWHM: return peak.FWHM;
+        case PeakParameter::GL: break;
     }
     return peak.PercentGL;
 }
 
-void SetValue(Peak& peak, Group g, double v) {
-    if (g == Group::GL) {
+void SetValue(Peak& peak, PeakParameter g, double v) {
+    if (g == PeakParameter::GL) {
         peak.PercentGL = static_cast<Int16>(v);
     } else {
         ParameterField(peak, g) = static_cast<float>(v);
@@ -58,14 +58,15 @@ void RebuildRegionSums(Project& project, int p) {
 
 /// The last step of a search operation: the best value into the peak and the project
 /// brought up to date with it.
-void FinishSearch(Project& project, Host& host, ScoreMode mode, Group g, int p, float bestScore) {
+void FinishSearch(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p,
+                  float bestScore) {
     Peak& peak = project.Peaks[p];
     const Peak& best = project.EditPeak;
-    if (g == Group::GL) {
+    if (g == PeakParameter::GL) {
         peak.PercentGL = best.PercentGL;
     } else {
         ParameterField(peak, g) = ParameterField(project.EditPeak, g);
-        if (g == Group::Area) peak.HeightPercent = best.HeightPercent;
+        if (g == PeakParameter::Area) peak.HeightPercent = best.HeightPercent;
     }
     if (mode == ScoreMode::Alone) {
         RebuildRegionSums(project, p);
@@ -95,7 +96,7 @@ constexpr long kTrialsPerYield = 1024;
 
 /// One level of position, area or FWHM; returns the best score, the best value is
 /// left in EditPeak.
-float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int p,
+float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p,
                       const SearchLevel& level, float baseline) {
     const double range = level.Range;
     const double step = level.Step;
@@ -104,7 +105,7 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int
     Peak& edit = project.EditPeak;
     const bool glSum = IsSet(project.Options.GLSum);
     const float netScale = project.Current().NetScale;
-    const double x0 = g == Group::Area ? edit.HeightPercent : ValueOf(edit, g);
+    const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ValueOf(edit, g);
     double best = ValueOf(edit, g);
     float bestScore = baseline;
     for (long k = 0; k < kMaxGridTrials; ++k) {
@@ -118,7 +119,7 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int
         if (!(d <= range)) break;
         if (d == 0) continue;
         double v = 0;
-        if (g == Group::Area) {
+        if (g == PeakParameter::Area) {
             const double h = x0 + d;
             if (!(h >= 0 && h < 110)) continue;
             v = HeightPercentToArea(glSum, netScale, h, edit.FWHM, edit.PercentGL, edit.PeakType,
@@ -134,7 +135,7 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int
         }
     }
     SetValue(edit, g, best);
-    if (g == Group::Area) {
+    if (g == PeakParameter::Area) {
         edit.HeightPercent = AreaToHeightPercent(glSum, netScale, edit.Area, edit.FWHM,
                                                  edit.PercentGL, edit.PeakType, edit.TailScale,
                                                  edit.TailLength);
@@ -142,7 +143,7 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, Group g, int
     return bestScore;
 }
 
-void SearchParameter(Project& project, Host& host, Group g, int p,
+void SearchParameter(Project& project, Host& host, PeakParameter g, int p,
                      const std::array<SearchLevel, kLevels>& levels) {
     if (!IsPeakSlot(p) || IsSet(project.Constraints[p][g].Linked)) return;
     project.EditPeak = project.Peaks[p];
@@ -160,24 +161,24 @@ void SearchParameter(Project& project, Host& host, Group g, int p,
 }  // namespace
 
 void SearchPosition(Project& project, Host& host, int p) {
-    SearchParameter(project, host, Group::Position, p, project.Options.PositionSearch);
+    SearchParameter(project, host, PeakParameter::Position, p, project.Options.PositionSearch);
 }
 
 void SearchArea(Project& project, Host& host, int p) {
-    SearchParameter(project, host, Group::Area, p, project.Options.AreaSearch);
+    SearchParameter(project, host, PeakParameter::Area, p, project.Options.AreaSearch);
 }
 
 void SearchFWHM(Project& project, Host& host, int p) {
-    SearchParameter(project, host, Group::FWHM, p, project.Options.FWHMSearch);
+    SearchParameter(project, host, PeakParameter::FWHM, p, project.Options.FWHMSearch);
 }
 
 void SearchGL(Project& project, Host& host, int p) {
-    if (!IsPeakSlot(p) || IsSet(project.Constraints[p][Group::GL].Linked)) return;
+    if (!IsPeakSlot(p) || IsSet(project.Constraints[p][PeakParameter::GL].Linked)) return;
     project.EditPeak = project.Peaks[p];
-    const ScoreMode mode = ChooseScoreMode(project, Group::GL, p);
+    const ScoreMode mode = ChooseScoreMode(project, PeakParameter::GL, p);
     // Other regions follow only at the end: the trials are scored on this region.
     const ScoreMode trialMode = mode == ScoreMode::AllRegions ? ScoreMode::Region : mode;
-    const ParameterConstraint& c = project.Constraints[p][Group::GL];
+    const ParameterConstraint& c = project.Constraints[p][PeakParameter::GL];
     const bool limits = IsSet(c.UseLimits);
     Peak& peak = project.Peaks[p];
     Int16 best = project.EditPeak.PercentGL;
@@ -185,7 +186,7 @@ void SearchGL(Project& project, Host& host, int p) {
     if (mode == ScoreMode::Alone) ResidualWithoutPeak(project, p);
     auto tryValue = [&](Int16 g) {
         peak.PercentGL = g;
-        const float score = ScoreTrial(project, host, trialMode, Group::GL, p);
+        const float score = ScoreTrial(project, host, trialMode, PeakParameter::GL, p);
         if (score < bestScore) {
             best = g;
             bestScore = score;
@@ -207,7 +208,7 @@ void SearchGL(Project& project, Host& host, int p) {
         tryValue(*rounded);
     }
     project.EditPeak.PercentGL = best;
-    FinishSearch(project, host, mode, Group::GL, p, bestScore);
+    FinishSearch(project, host, mode, PeakParameter::GL, p, bestScore);
 }
 
 void SearchPeak(Project& project, Host& host, int p) {

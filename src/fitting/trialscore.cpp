@@ -5,7 +5,7 @@
 
 namespace molvera {
 
-ScoreMode ChooseScoreMode(const Project& project, Group g, int p) {
+ScoreMode ChooseScoreMode(const Project& project, PeakParameter g, int p) {
     if (!IsSet(project.Constraints[p][g].IsReference)) return ScoreMode::Alone;
     for (int i = 0; i < kPeakSlots; ++i) {
         if (IsSet(project.Peaks[i].InUse) && project.Constraints[i][g].RefPeak == p &&
@@ -16,17 +16,17 @@ ScoreMode ChooseScoreMode(const Project& project, Group g, int p) {
     return ScoreMode::Region;
 }
 
-float& ParameterField(Peak& peak, Group g) {
+float& ParameterField(Peak& peak, PeakParameter g) {
     switch (g) {
-        case Group::Position: return peak.Position;
-        case Group::Area: return peak.Area;
-        case Group::FWHM:
-        case Group::GL: break;
+        case PeakParameter::Position: return peak.Position;
+        case PeakParameter::Area: return peak.Area;
+        case PeakParameter::FWHM:
+        case PeakParameter::GL: break;
     }
     return peak.FWHM;
 }
 
-float ScoreTrial(Project& project, Host& host, ScoreMode mode, Group g, int p) {
+float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
     switch (mode) {
         case ScoreMode::Alone: return TrialChiSquare(project, p);
         case ScoreMode::Region:
@@ -40,7 +40,7 @@ float ScoreTrial(Project& project, Host& host, ScoreMode mode, Group g, int p) {
     return project.TotalChiSquare;
 }
 
-void SettleProject(Project& project, Host& host, ScoreMode mode, Group g, int p) {
+void SettleProject(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
     switch (mode) {
         case ScoreMode::Alone: ComputeRegionEnvelope(project, host); return;
         case ScoreMode::Region:

@@ -10,18 +10,28 @@ Text20 Text20::From(std::string_view text) {
     return t;
 }
 
-ParameterConstraint& PeakConstraint::operator[](Group g) {
-    switch (g) {
-        case Group::Position: return Position;
-        case Group::Area: return Area;
-        case Group::FWHM: return FWHM;
-        case Group::GL: break;
+const char* ParameterName(PeakParameter parameter) {
+    switch (parameter) {
+        case PeakParameter::Position: return "Position";
+        case PeakParameter::Area: return "Area";
+        case PeakParameter::FWHM: return "FWHM";
+        case PeakParameter::GL: break;
+    }
+    return "GL";
+}
+
+ParameterConstraint& PeakConstraint::operator[](PeakParameter parameter) {
+    switch (parameter) {
+        case PeakParameter::Position: return Position;
+        case PeakParameter::Area: return Area;
+        case PeakParameter::FWHM: return FWHM;
+        case PeakParameter::GL: break;
     }
     return GL;
 }
 
-const ParameterConstraint& PeakConstraint::operator[](Group g) const {
-    return const_cast<PeakConstraint&>(*this)[g];
+const ParameterConstraint& PeakConstraint::operator[](PeakParameter parameter) const {
+    return const_cast<PeakConstraint&>(*this)[parameter];
 }
 
 std::span<const Int16> PeakList(const Region& region) {
@@ -37,7 +47,7 @@ Host& QuietHost() {
 void ClearPeakSlot(Project& project, int slot) {
     Peak& p = project.Peaks[slot];
     p.InUse = kFalse;
-    p.PeakType = 0;
+    p.PeakType = Subshell::None;
     p.Splitting = 0;
     p.Position = 0;
     p.Area = 100;
@@ -48,7 +58,7 @@ void ClearPeakSlot(Project& project, int slot) {
     p.FixFWHM = 0;
     p.FixArea = 0;
     p.FixGL = 1;
-    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+    for (PeakParameter g : kPeakParameters) {
         ParameterConstraint& c = project.Constraints[slot][g];
         c.Linked = 0;
         c.RefPeak = 0;
@@ -60,7 +70,7 @@ void ClearPeakSlot(Project& project, int slot) {
 }
 
 void SetNewPeakDefaults(Peak& p, int region) {
-    p.PeakType = 1;
+    p.PeakType = Subshell::S;
     p.Splitting = 0;
     p.Region = static_cast<Int16>(region);
     p.FixPosition = 0;
@@ -98,7 +108,7 @@ void ResizePeakCurve(Project& project, int slot, int m) {
     project.SavedPeaks[slot].Curve.assign(size, 0.0f);
 }
 
-void RecountDependents(Project& project, Group g, int ref) {
+void RecountDependents(Project& project, PeakParameter g, int ref) {
     ParameterConstraint& rc = project.Constraints[ref][g];
     bool any = false;
     for (int i = 0; i < kPeakSlots; ++i) {
@@ -112,7 +122,7 @@ void RecountDependents(Project& project, Group g, int ref) {
 }
 
 void ReleaseTies(Project& project, int slot) {
-    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+    for (PeakParameter g : kPeakParameters) {
         ParameterConstraint& c = project.Constraints[slot][g];
         if (IsSet(c.Linked)) {
             c.Linked = kFalse;
@@ -126,7 +136,7 @@ void ReleaseTies(Project& project, int slot) {
             }
         }
     }
-    for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL})
+    for (PeakParameter g : kPeakParameters)
         project.Constraints[slot][g].UseLimits = kFalse;
 }
 

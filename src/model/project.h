@@ -29,7 +29,7 @@ int FirstFreePeakSlot(const Project& project);
 
 /// IsReference and DependentPeak of peak `ref` in group `g` from the peaks now linked
 /// to it: the last of them is the dependent; with none, `ref` is no reference.
-void RecountDependents(Project& project, Group g, int ref);
+void RecountDependents(Project& project, PeakParameter g, int ref);
 
 /// Unties a deleted slot in all four groups: its own link is removed (its reference
 /// recounted), the peaks that followed it are unlinked, and its limits are switched off.

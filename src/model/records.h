@@ -34,6 +34,15 @@ struct Text20 {
     bool operator==(const Text20&) const = default;
 };
 
+/// The background of a region. A record keeps any value its file holds; a value without
+/// a name here computes no new background.
+enum class BackgroundKind : Int16 { Shirley = 0, Linear = 1, Tougaard = 2 };
+
+/// The subshell of a peak: s a single line, p, d and f spin-orbit doublets; None in a
+/// cleared slot. A record keeps any value its file holds; a value without a name here
+/// draws nothing.
+enum class Subshell : Int16 { None = 0, S = 1, P = 2, D = 3, F = 4 };
+
 /// One region slot: a measured spectrum, its background settings and curves.
 struct Region {
     Flag HasData = 0;
@@ -49,7 +58,7 @@ struct Region {
     Flag HasBackground = 0;
     Int16 PeakCount = 0;
     std::array<Int16, kMaxPeaksPerRegion> PeakIndex{};
-    Int16 BackgroundType = 0;
+    BackgroundKind BackgroundType = BackgroundKind::Shirley;
     float BackgroundLowBE = 0;
     float BackgroundHighBE = 0;
     float LinearStep = 0;
@@ -79,7 +88,7 @@ struct Region {
 struct Peak {
     Flag InUse = 0;
     Text20 Label;
-    Int16 PeakType = 0;
+    Subshell PeakType = Subshell::None;
     float Splitting = 0;
     float Position = 0;
     float Area = 0;
@@ -113,17 +122,26 @@ struct ParameterConstraint {
     bool operator==(const ParameterConstraint&) const = default;
 };
 
-/// The four constraint groups of a peak, in file order.
-enum class Group { Position = 0, Area = 1, FWHM = 2, GL = 3 };
+/// The four parameters of a peak that can be fixed, fitted, linked and limited, in the
+/// order of the constraint groups in the file.
+enum class PeakParameter { Position, Area, FWHM, GL };
 
+/// Every PeakParameter in file order.
+inline constexpr std::array<PeakParameter, 4> kPeakParameters{
+    PeakParameter::Position, PeakParameter::Area, PeakParameter::FWHM, PeakParameter::GL};
+
+/// The record name of a parameter: "Position", "Area", "FWHM" or "GL".
+const char* ParameterName(PeakParameter parameter);
+
+/// The constraint groups of a peak, one per PeakParameter.
 struct PeakConstraint {
     ParameterConstraint Position;
     ParameterConstraint Area;
     ParameterConstraint FWHM;
     ParameterConstraint GL;
 
-    ParameterConstraint& operator[](Group g);
-    const ParameterConstraint& operator[](Group g) const;
+    ParameterConstraint& operator[](PeakParameter parameter);
+    const ParameterConstraint& operator[](PeakParameter parameter) const;
     bool operator==(const PeakConstraint&) const = default;
 };
 

@@ -79,12 +79,12 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
         form.lowBEText = FormatGeneral(region.BackgroundLowBE);
         form.highBEText = FormatGeneral(region.BackgroundHighBE);
         if (const char* text = AveragePointsText(region.EndPointAverage)) form.averagePoints = text;
-        if (region.BackgroundType == 1) {
+        if (region.BackgroundType == BackgroundKind::Linear) {
             form.backgroundType = "Linear";
-        } else if (region.BackgroundType == 2) {
+        } else if (region.BackgroundType == BackgroundKind::Tougaard) {
             form.backgroundType = "Tougaard";
             form.tougaardB1Text = FormatGeneral(region.BackgroundParameter);
-        } else if (region.BackgroundType == 0) {
+        } else if (region.BackgroundType == BackgroundKind::Shirley) {
             form.backgroundType = "Shirley";
             form.shirleySlopeText = FormatGeneral(region.BackgroundParameter);
         }
@@ -136,15 +136,14 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     if (LeadingNumber(form.shirleySlopeText) == 0) form.shirleySlopeText = "0";
     if (LeadingNumber(form.tougaardB1Text) == 0) form.tougaardB1Text = "3000";
 
-    Int16 type = 0;
+    BackgroundKind type = BackgroundKind::Shirley;
     float parameter = region.BackgroundParameter;
     if (form.backgroundType == "Shirley") {
-        type = 0;
         parameter = BoxSingle(form.shirleySlopeText);
     } else if (form.backgroundType == "Linear") {
-        type = 1;
+        type = BackgroundKind::Linear;
     } else if (form.backgroundType == "Tougaard") {
-        type = 2;
+        type = BackgroundKind::Tougaard;
         parameter = BoxSingle(form.tougaardB1Text);
     } else {
         form.backgroundType = "Shirley";

@@ -41,7 +41,7 @@ void EndBusy(Project& project, SessionHost& host) {
 
 void OptimiseShirleySlope(Project& project, Host& host, BackgroundForm& form) {
     Region& region = project.Current();
-    if (region.BackgroundType != 0) return;
+    if (region.BackgroundType != BackgroundKind::Shirley) return;
     // The crossing test reads points 1..m-1 around 5..m-5: a shorter range (or one not
     // yet computed) has nothing to test, so the search refuses it with the beep.
     if (UsableRangeCount(region) < kCrossingTestPoints) {
@@ -78,7 +78,7 @@ void OptimiseShirleySlope(Project& project, Host& host, BackgroundForm& form) {
 }
 
 void OptimiseTougaardB1(Project& project, Host& host, BackgroundForm& form) {
-    if (project.Current().BackgroundType != 2) return;
+    if (project.Current().BackgroundType != BackgroundKind::Tougaard) return;
     if (!AcceptBackground(project, host, form)) return;
     RefineTougaardB1(project, host, form);
 }
@@ -122,8 +122,8 @@ void OptimiseTougaardBackground(Project& project, SessionHost& host, BackgroundF
         EndBusy(project, host);
         return;
     }
-    // The type reads "Tougaard" (checked above), so the type is 2; B1 comes later from Accept.
-    region.BackgroundType = 2;
+    // The type reads "Tougaard" (checked above); B1 comes later from Accept.
+    region.BackgroundType = BackgroundKind::Tougaard;
     region.EndPointAverage = boxes->averagePoints;
     region.BackgroundLowBE = boxes->low;
     region.BackgroundHighBE = boxes->high;

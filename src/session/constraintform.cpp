@@ -21,9 +21,9 @@ const Region* RegionOfPeak(const Project& project, int p) {
 
 std::string LimitText(float v) { return (v >= 0 ? " " : "") + FormatGeneral(v); }
 
-void CorrectLimits(const Project& project, int p, ConstraintKind kind, ParameterConstraint& c) {
+void CorrectLimits(const Project& project, int p, PeakParameter kind, ParameterConstraint& c) {
     switch (kind) {
-        case ConstraintKind::Position: {
+        case PeakParameter::Position: {
             const Region* region = RegionOfPeak(project, p);
             if (region == nullptr) return;
             const double maxBE = region->MaxBE;
@@ -32,43 +32,43 @@ void CorrectLimits(const Project& project, int p, ConstraintKind kind, Parameter
             if (c.LowLimit < minBE - 0.001 || c.LowLimit > maxBE + 0.001) c.LowLimit = region->MinBE;
             return;
         }
-        case ConstraintKind::Area:
-        case ConstraintKind::FWHM:
+        case PeakParameter::Area:
+        case PeakParameter::FWHM:
             if (c.HighLimit < 0) c.HighLimit = 0;
             if (c.LowLimit < 0) c.LowLimit = 0;
             return;
-        case ConstraintKind::GL:
+        case PeakParameter::GL:
             if (c.HighLimit < 0 || c.HighLimit > 100) c.HighLimit = 100;
             if (c.LowLimit < 0 || c.LowLimit > 100) c.LowLimit = 0;
             return;
     }
 }
 
-const char* CaptionOf(ConstraintKind kind) {
+const char* CaptionOf(PeakParameter kind) {
     switch (kind) {
-        case ConstraintKind::Position: return "Constraints for Peak Position";
-        case ConstraintKind::Area: return "Constraints for Peak Area";
-        case ConstraintKind::FWHM: return "Constraint for Peak FWHM";
-        case ConstraintKind::GL: break;
+        case PeakParameter::Position: return "Constraints for Peak Position";
+        case PeakParameter::Area: return "Constraints for Peak Area";
+        case PeakParameter::FWHM: return "Constraint for Peak FWHM";
+        case PeakParameter::GL: break;
     }
     return "Constraint for Peak %GL";
 }
 
 /// A limit message for H and L, or nullptr when they fit the parameter's domain.
-const char* LimitRefusal(const Project& project, int p, ConstraintKind kind, float low, float high) {
+const char* LimitRefusal(const Project& project, int p, PeakParameter kind, float low, float high) {
     if (low > high) return msg::kRangeInvalid;
     switch (kind) {
-        case ConstraintKind::Position: {
+        case PeakParameter::Position: {
             const Region* region = RegionOfPeak(project, p);
             if (region == nullptr) return nullptr;
             if (high > static_cast<double>(region->MaxBE) + 0.001) return msg::kHighBEOutOfRange;
             if (low < static_cast<double>(region->MinBE) - 0.001) return msg::kLowBEOutOfRange;
             return nullptr;
         }
-        case ConstraintKind::Area:
-        case ConstraintKind::FWHM:
+        case PeakParameter::Area:
+        case PeakParameter::FWHM:
             return high < 0 || low < 0 ? msg::kNegativeRange : nullptr;
-        case ConstraintKind::GL: break;
+        case PeakParameter::GL: break;
     }
     const bool outside = high < 0 || high > 100 || low < 0 || low > 100;
     return outside ? msg::kOutOfRange : nullptr;
@@ -76,20 +76,10 @@ const char* LimitRefusal(const Project& project, int p, ConstraintKind kind, flo
 
 }  // namespace
 
-Group GroupOf(ConstraintKind kind) {
-    switch (kind) {
-        case ConstraintKind::Position: return Group::Position;
-        case ConstraintKind::FWHM: return Group::FWHM;
-        case ConstraintKind::Area: return Group::Area;
-        case ConstraintKind::GL: break;
-    }
-    return Group::GL;
-}
-
-void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind) {
+void OpenConstraint(Project& project, ConstraintForm& form, PeakParameter kind) {
     const int p = project.CurrentPeak;
     if (!IsSlot(p)) return;
-    ParameterConstraint& c = project.Constraints[p][GroupOf(kind)];
+    ParameterConstraint& c = project.Constraints[p][kind];
     form.kind = kind;
     form.caption = CaptionOf(kind);
     form.peakLabel = FormatGeneral(static_cast<float>(p));
@@ -105,19 +95,19 @@ void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind)
 }
 
 void OpenPositionConstraint(Project& project, ConstraintForm& form) {
-    OpenConstraint(project, form, ConstraintKind::Position);
+    OpenConstraint(project, form, PeakParameter::Position);
 }
 void OpenAreaConstraint(Project& project, ConstraintForm& form) {
-    OpenConstraint(project, form, ConstraintKind::Area);
+    OpenConstraint(project, form, PeakParameter::Area);
 }
 void OpenFWHMConstraint(Project& project, ConstraintForm& form) {
-    OpenConstraint(project, form, ConstraintKind::FWHM);
+    OpenConstraint(project, form, PeakParameter::FWHM);
 }
 void OpenGLConstraint(Project& project, ConstraintForm& form) {
-    OpenConstraint(project, form, ConstraintKind::GL);
+    OpenConstraint(project, form, PeakParameter::GL);
 }
 
-bool IsCircular(const Project& project, Group g, int p, int r) {
+bool IsCircular(const Project& project, PeakParameter g, int p, int r) {
     int q = r;
     for (int step = 0; step < kPeakSlots; ++step) {
         if (!IsSlot(q)) return false;
@@ -129,15 +119,23 @@ bool IsCircular(const Project& project, Group g, int p, int r) {
     return false;
 }
 
-bool IsCircularPosition(const Project& project, int p, int r) { return IsCircular(project, Group::Position, p, r); }
-bool IsCircularArea(const Project& project, int p, int r) { return IsCircular(project, Group::Area, p, r); }
-bool IsCircularFWHM(const Project& project, int p, int r) { return IsCircular(project, Group::FWHM, p, r); }
-bool IsCircularGL(const Project& project, int p, int r) { return IsCircular(project, Group::GL, p, r); }
+bool IsCircularPosition(const Project& project, int p, int r) {
+    return IsCircular(project, PeakParameter::Position, p, r);
+}
+bool IsCircularArea(const Project& project, int p, int r) {
+    return IsCircular(project, PeakParameter::Area, p, r);
+}
+bool IsCircularFWHM(const Project& project, int p, int r) {
+    return IsCircular(project, PeakParameter::FWHM, p, r);
+}
+bool IsCircularGL(const Project& project, int p, int r) {
+    return IsCircular(project, PeakParameter::GL, p, r);
+}
 
 Status AcceptConstraint(Project& project, ConstraintForm& form) {
     const int p = project.CurrentPeak;
     if (!IsSlot(p)) return Status::Error(msg::kWrongReferencePeak);
-    const Group g = GroupOf(form.kind);
+    const PeakParameter g = form.kind;
 
     // A reference outside the slots is refused whether or not the relation is on:
     // the recount below indexes the slots with it.

@@ -9,15 +9,9 @@
 
 namespace molvera {
 
-/// Which parameter the dialog edits (ConstraintKind).
-enum class ConstraintKind : Int16 { Position = 0, FWHM = 1, Area = 2, GL = 3 };
-
-/// The constraint record group of a ConstraintKind.
-Group GroupOf(ConstraintKind kind);
-
 /// Texts and check states of the dialog's controls.
 struct ConstraintForm {
-    ConstraintKind kind = ConstraintKind::Position;
+    PeakParameter kind = PeakParameter::Position;  ///< the parameter being edited
     std::string caption;
     std::string peakLabel;     ///< slot number of the peak being edited
     bool useRelation = false;  ///< "Relation with another peak"
@@ -37,7 +31,7 @@ void OpenAreaConstraint(Project& project, ConstraintForm& form);
 void OpenFWHMConstraint(Project& project, ConstraintForm& form);
 void OpenGLConstraint(Project& project, ConstraintForm& form);
 /// The one of the four above for `kind`.
-void OpenConstraint(Project& project, ConstraintForm& form, ConstraintKind kind);
+void OpenConstraint(Project& project, ConstraintForm& form, PeakParameter kind);
 
 /// OK: validates the form for CurrentPeak and stores the relation and the limits; a
 /// refusal returns its message and leaves the dialog open; success hides it.
@@ -45,7 +39,7 @@ Status AcceptConstraint(Project& project, ConstraintForm& form);
 
 /// True when following the references from r in group `g` comes back to p; a chain
 /// that loops elsewhere or leaves 0..50 ends after at most 51 steps with false.
-bool IsCircular(const Project& project, Group g, int p, int r);
+bool IsCircular(const Project& project, PeakParameter g, int p, int r);
 bool IsCircularPosition(const Project& project, int p, int r);
 bool IsCircularArea(const Project& project, int p, int r);
 bool IsCircularFWHM(const Project& project, int p, int r);

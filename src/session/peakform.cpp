@@ -19,27 +19,27 @@ bool ValidSlot(int slot) {
     return slot >= 0 && slot < kPeakSlots;
 }
 
-const char* PeakTypeText(Int16 type) {
+const char* PeakTypeText(Subshell type) {
     switch (type) {
-        case 1:
+        case Subshell::S:
             return "s";
-        case 2:
+        case Subshell::P:
             return "p";
-        case 3:
+        case Subshell::D:
             return "d";
-        case 4:
+        case Subshell::F:
             return "f";
         default:
             return nullptr;
     }
 }
 
-int PeakTypeFromText(const std::string& text) {
-    if (text == "s") return 1;
-    if (text == "p") return 2;
-    if (text == "d") return 3;
-    if (text == "f") return 4;
-    return 0;
+Subshell PeakTypeFromText(const std::string& text) {
+    if (text == "s") return Subshell::S;
+    if (text == "p") return Subshell::P;
+    if (text == "d") return Subshell::D;
+    if (text == "f") return Subshell::F;
+    return Subshell::None;
 }
 
 // A rounded scroll-bar position, or false when it is no usable number.
@@ -216,7 +216,8 @@ void ApplyPeakEditor(Project& project, PeakForm& form) {
     form.tailScaleText = FormatGeneral(peak.TailScale);
     form.tailLengthText = FormatGeneral(peak.TailLength);
 
-    if (const int type = PeakTypeFromText(form.peakType)) peak.PeakType = static_cast<Int16>(type);
+    if (const Subshell type = PeakTypeFromText(form.peakType); type != Subshell::None)
+        peak.PeakType = type;
     peak.HeightPercent = AreaToHeightPercent(project, peak);
 
     peak.FixPosition = CheckValue(form.fixPosition);

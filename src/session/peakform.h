@@ -17,9 +17,6 @@ struct ScrollBar {
     int value = 0;
 };
 
-/// The four parameters that have a text box, a scroll bar and a Fix check box.
-enum class PeakParameter { Position, FWHM, Area, GL };
-
 /// State of every control of the peak editor.
 struct PeakForm {
     std::string peakType = "s";  ///< "s", "p", "d" or "f"

@@ -22,20 +22,6 @@ Peak* EditedPeak(Project& project) {
     return &peak;
 }
 
-Group GroupOf(PeakParameter which) {
-    switch (which) {
-        case PeakParameter::Position:
-            return Group::Position;
-        case PeakParameter::FWHM:
-            return Group::FWHM;
-        case PeakParameter::Area:
-            return Group::Area;
-        case PeakParameter::GL:
-            break;
-    }
-    return Group::GL;
-}
-
 // One box into the peak. %GL is a whole number kept inside 0..100, as in ApplyPeakEditor.
 void ReadBox(Peak& peak, PeakForm& form, PeakParameter which) {
     switch (which) {
@@ -86,7 +72,7 @@ void OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakP
     if (peak == nullptr) return;
     ReadBox(*peak, form, which);
     ScoreTypedValues(project, host, *peak);
-    OptimisePeakParameter(project, host, project.CurrentPeak, GroupOf(which));
+    OptimisePeakParameter(project, host, project.CurrentPeak, which);
     WriteBox(*peak, form, which);
 }
 
@@ -96,9 +82,7 @@ void OptimiseEditedPeak(Project& project, Host& host, PeakForm& form) {
     ApplyPeakEditor(project, form);
     ScoreTypedValues(project, host, *peak);
     OptimisePeak(project, host, project.CurrentPeak);
-    for (const PeakParameter which :
-         {PeakParameter::Position, PeakParameter::FWHM, PeakParameter::Area, PeakParameter::GL})
-        WriteBox(*peak, form, which);
+    for (const PeakParameter which : kPeakParameters) WriteBox(*peak, form, which);
     form.actualFWHM = ActualFWHMText(ActualFWHM(project, project.CurrentPeak));
 }
 

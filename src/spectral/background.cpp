@@ -102,12 +102,7 @@ void RecomputeRegion(Project& project, Host& host) {
         if (q >= 0 && q < kPeakSlots) ResizePeakCurve(project, q, m);
     }
 
-    // Range point j is data point RangeStart + j - 1; reads stay inside 1..n.
-    for (int j = 1; j <= m; ++j) {
-        const int i = std::clamp(reg.RangeStart + j - 1, 1, n);
-        reg.RangeBE[j] = reg.BindingEnergy[i];
-        reg.RangeIntensity[j] = reg.RawIntensity[i];
-    }
+    CopyRangeFromSpectrum(reg);
     AverageEndPoints(reg);
 
     // A single range point has no step: its background is flat at the start average.
@@ -116,22 +111,8 @@ void RecomputeRegion(Project& project, Host& host) {
     for (int j = 1; j <= m; ++j)
         reg.BackgroundWork[j] = static_cast<float>(reg.StartAverage + (j - 1) * static_cast<double>(reg.LinearStep));
 
-    switch (reg.BackgroundType) {
-        case 0: ComputeShirley(reg); break;
-        case 1: std::copy(reg.BackgroundWork.begin() + 1, reg.BackgroundWork.begin() + m + 1,
-                          reg.BackgroundCurve.begin() + 1);
-            break;
-        case 2: ComputeTougaard(reg); break;
-        default: break;  // no new background
-    }
-
-    reg.NetMax = 0;
-    reg.NetMin = 10000000;
-    for (int j = 1; j <= m; ++j) {
-        const double d = static_cast<double>(reg.RangeIntensity[j]) - reg.BackgroundCurve[j];
-        if (d > reg.NetMax) reg.NetMax = static_cast<float>(d);
-        if (d < reg.NetMin) reg.NetMin = static_cast<float>(d);
-    }
+    ComputeBackground(reg);
+    MeasureNetRange(reg);
     reg.NetScale = static_cast<float>((static_cast<double>(reg.NetMax) - reg.NetMin) / 100);
 
     for (int k = 0; k < peakCount; ++k) {
@@ -147,6 +128,41 @@ void RecomputeRegion(Project& project, Host& host) {
         }
     }
     ComputeRegionEnvelope(project, host);
+}
+
+void CopyRangeFromSpectrum(Region& region) {
+    // Range point j is data point RangeStart + j - 1; reads stay inside 1..n.
+    const int n = DataPoints(region);
+    const int m = UsableRangeCount(region);
+    for (int j = 1; j <= m; ++j) {
+        const int i = std::clamp(region.RangeStart + j - 1, 1, n);
+        region.RangeBE[j] = region.BindingEnergy[i];
+        region.RangeIntensity[j] = region.RawIntensity[i];
+    }
+}
+
+void ComputeBackground(Region& region) {
+    const int m = UsableRangeCount(region);
+    switch (region.BackgroundType) {
+        case BackgroundKind::Shirley: ComputeShirley(region); break;
+        case BackgroundKind::Linear:
+            std::copy(region.BackgroundWork.begin() + 1, region.BackgroundWork.begin() + m + 1,
+                      region.BackgroundCurve.begin() + 1);
+            break;
+        case BackgroundKind::Tougaard: ComputeTougaard(region); break;
+        default: break;  // no new background
+    }
+}
+
+void MeasureNetRange(Region& region) {
+    region.NetMax = 0;
+    region.NetMin = 10000000;
+    const int m = UsableRangeCount(region);
+    for (int j = 1; j <= m; ++j) {
+        const double d = static_cast<double>(region.RangeIntensity[j]) - region.BackgroundCurve[j];
+        if (d > region.NetMax) region.NetMax = static_cast<float>(d);
+        if (d < region.NetMin) region.NetMin = static_cast<float>(d);
+    }
 }
 
 void AverageEndPoints(Region& region) {

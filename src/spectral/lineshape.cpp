@@ -52,23 +52,23 @@ LineShapeTables BuildTables() {
 bool InTable(int g) { return g >= 0 && g <= 100; }
 
 /// Area of the doublet over the area of its main line; 0 for an unknown type.
-double DoubletAreaFactor(int t) {
+double DoubletAreaFactor(Subshell t) {
     switch (t) {
-        case 1: return 1;
-        case 2: return 1.5;
-        case 3: return 5.0 / 3.0;
-        case 4: return 1.75;
+        case Subshell::S: return 1;
+        case Subshell::P: return 1.5;
+        case Subshell::D: return 5.0 / 3.0;
+        case Subshell::F: return 1.75;
         default: return 0;
     }
 }
 
 /// Share of the peak's area in its main line; 0 for an unknown type.
-double MainShare(int t) {
+double MainShare(Subshell t) {
     switch (t) {
-        case 1: return 1;
-        case 2: return 2.0 / 3.0;
-        case 3: return 0.6;
-        case 4: return 4.0 / 7.0;
+        case Subshell::S: return 1;
+        case Subshell::P: return 2.0 / 3.0;
+        case Subshell::D: return 0.6;
+        case Subshell::F: return 4.0 / 7.0;
         default: return 0;
     }
 }
@@ -120,14 +120,14 @@ PeakShape::Component PeakShape::MakeComponent(bool glSum, double p, double A, do
     return c;
 }
 
-PeakShape::PeakShape(bool glSum, double p, double A, double w, int g, double S, int t, double TS,
-                     double TL) {
+PeakShape::PeakShape(bool glSum, double p, double A, double w, int g, double S, Subshell t,
+                     double TS, double TL) {
     double share2 = 0;
     switch (t) {
-        case 1: break;
-        case 2: share2 = 1.0 / 3.0; break;
-        case 3: share2 = 0.4; break;
-        case 4: share2 = 3.0 / 7.0; break;
+        case Subshell::S: break;
+        case Subshell::P: share2 = 1.0 / 3.0; break;
+        case Subshell::D: share2 = 0.4; break;
+        case Subshell::F: share2 = 3.0 / 7.0; break;
         default: return;
     }
     lines_[0] = MakeComponent(glSum, p, A * MainShare(t), w, g, TS, TL);
@@ -147,7 +147,7 @@ float ComponentValue(bool glSum, double x, double p, double A, double w, int g, 
     return PeakShape::Line(PeakShape::MakeComponent(glSum, p, A, w, g, TS, TL), x);
 }
 
-float PeakValue(bool glSum, double x, double p, double A, double w, int g, double S, int t,
+float PeakValue(bool glSum, double x, double p, double A, double w, int g, double S, Subshell t,
                 double TS, double TL) {
     return PeakShape(glSum, p, A, w, g, S, t, TS, TL)(x);
 }
@@ -156,8 +156,8 @@ float PeakValue(bool glSum, const Peak& peak, double x, double shift) {
     return PeakShape(glSum, peak, shift)(x);
 }
 
-float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g, int t, double TS,
-                          double TL) {
+float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g, Subshell t,
+                          double TS, double TL) {
     double A1;
     if (glSum) {
         A1 = H * netScale * w * GLSumAreaFactor(g, TS, TL);
@@ -169,8 +169,8 @@ float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g,
     return static_cast<float>(A1 * DoubletAreaFactor(t));
 }
 
-float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g, int t, double TS,
-                          double TL) {
+float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g, Subshell t,
+                          double TS, double TL) {
     const double A1 = A * MainShare(t);
     if (glSum) return static_cast<float>(A1 / (GLSumAreaFactor(g, TS, TL) * w * netScale));
     if (!InTable(g)) return static_cast<float>(kNaN);

@@ -28,8 +28,8 @@ float GLSumAreaFactor(int g, double TS, double TL);
 float ComponentValue(bool glSum, double x, double p, double A, double w, int g, double TS,
                      double TL);
 
-/// The whole peak (all its doublet components) at x; 0 for a type outside 1..4.
-float PeakValue(bool glSum, double x, double p, double A, double w, int g, double S, int t,
+/// The whole peak (all its doublet components) at x; 0 for a type without a name.
+float PeakValue(bool glSum, double x, double p, double A, double w, int g, double S, Subshell t,
                 double TS, double TL);
 
 /// The peak of a slot at x, its position moved by `shift`.
@@ -39,7 +39,7 @@ float PeakValue(bool glSum, const Peak& peak, double x, double shift);
 /// exactly PeakValue at x. For loops over many points.
 class PeakShape {
 public:
-    PeakShape(bool glSum, double p, double A, double w, int g, double S, int t, double TS,
+    PeakShape(bool glSum, double p, double A, double w, int g, double S, Subshell t, double TS,
               double TL);
     PeakShape(bool glSum, const Peak& peak, double shift);
 
@@ -89,11 +89,11 @@ private:
 };
 
 /// Area of a peak whose main line is H per cent of `netScale` high.
-float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g, int t, double TS,
-                          double TL);
+float HeightPercentToArea(bool glSum, float netScale, double H, double w, int g, Subshell t,
+                          double TS, double TL);
 /// The inverse of HeightPercentToArea.
-float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g, int t, double TS,
-                          double TL);
+float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g, Subshell t,
+                          double TS, double TL);
 
 /// Both conversions for a peak, with the NetScale of the current region and the
 /// project's line-shape choice.

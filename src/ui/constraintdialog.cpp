@@ -105,7 +105,7 @@ void ConstraintDialog::ReadForm() {
     form_.highLimitText = ToLatin1(highLimit_->text());
 }
 
-void ConstraintDialog::Open(ConstraintKind kind) {
+void ConstraintDialog::Open(PeakParameter kind) {
     OpenConstraint(project_, form_, kind);
     ShowForm();
 }

@@ -21,7 +21,7 @@ public:
     ConstraintDialog(Project& project, QtHost& host, QWidget* parent = nullptr);
 
     /// Opens the dialog for `kind` of CurrentPeak (limits corrected, filled, shown).
-    void Open(ConstraintKind kind);
+    void Open(PeakParameter kind);
     /// Hidden by the program (a region change).
     void HideDialog();
 

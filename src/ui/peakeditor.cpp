@@ -54,14 +54,11 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
-    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"),
-                                     QStringLiteral("Position"), ConstraintKind::Position));
-    layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM"),
-                                     ConstraintKind::FWHM));
-    layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area"),
-                                     ConstraintKind::Area));
+    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Position")));
+    layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM")));
+    layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area")));
     layout->addWidget(ParameterFrame(rows_[3], QStringLiteral("% Lorentzian-Gaussian (0:G, 100:L)"),
-                                     QStringLiteral("GL"), ConstraintKind::GL));
+                                     QStringLiteral("GL")));
     layout->addWidget(AsymmetryFrame());
 
     auto* buttons = new QHBoxLayout;
@@ -93,7 +90,7 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
 }
 
 QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
-                                      const QString& parameter, ConstraintKind kind) {
+                                      const QString& parameter) {
     // positionText, positionBar, fixPosition, optimisePositionButton, positionConstraintsButton
     const QString word = LowerCamel(parameter);
     auto* frame = new QGroupBox(title, this);
@@ -119,7 +116,7 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
     connect(row.scroll, &QScrollBar::valueChanged, this, [this, r](int v) { BarMoved(*r, v); });
     connect(row.fix, &QCheckBox::toggled, this, [this, r](bool on) { FixToggled(*r, on); });
     connect(optimise, &QPushButton::clicked, this, [this, r] { OptimiseClicked(r->which); });
-    connect(constraints, &QPushButton::clicked, this, [this, kind] { ConstraintsClicked(kind); });
+    connect(constraints, &QPushButton::clicked, this, [this, r] { ConstraintsClicked(r->which); });
     return frame;
 }
 
@@ -240,7 +237,7 @@ void PeakEditor::OptimisePeakClicked() {
     ShowForm();
 }
 
-void PeakEditor::ConstraintsClicked(ConstraintKind kind) { constraints_.Open(kind); }
+void PeakEditor::ConstraintsClicked(PeakParameter kind) { constraints_.Open(kind); }
 
 void PeakEditor::closeEvent(QCloseEvent* event) {
     if (!isEnabled()) {  // a fit is running

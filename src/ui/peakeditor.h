@@ -50,7 +50,7 @@ public:
     void DeleteClicked();
     void OptimisePeakClicked();
     void OptimiseClicked(PeakParameter which);
-    void ConstraintsClicked(ConstraintKind kind);
+    void ConstraintsClicked(PeakParameter kind);
 
 protected:
     /// The title-bar X: ClosePeakEditor.
@@ -67,8 +67,7 @@ private:
         QScrollBar* scroll = nullptr;
         QCheckBox* fix = nullptr;
     };
-    QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& parameter,
-                              ConstraintKind kind);
+    QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& parameter);
     QGroupBox* AsymmetryFrame();
     void BarMoved(ParameterRow& row, int position);
     void FixToggled(ParameterRow& row, bool checked);

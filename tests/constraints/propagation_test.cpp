@@ -21,7 +21,7 @@ protected:
             project.Peaks[s].Position = 280.0f + s;
         }
     }
-    void Link(Group g, int d, int r, int op, float arg) {
+    void Link(PeakParameter g, int d, int r, int op, float arg) {
         auto& c = project.Constraints[d][g];
         c.Linked = kTrue;
         c.RefPeak = static_cast<Int16>(r);
@@ -34,16 +34,16 @@ protected:
 };
 
 TEST_F(PropagationTest, EachOperationAndUnknownOperation) {
-    Link(Group::Position, 5, 1, 0, 2.5f);  // + 2.5
+    Link(PeakParameter::Position, 5, 1, 0, 2.5f);  // + 2.5
     project.Peaks[1].Position = 284.0f;
     PropagatePosition(project, 1);
     EXPECT_EQ(project.Peaks[5].Position, 286.5f);
     EXPECT_EQ(project.Peaks[2].Position, 282.0f);  // unrelated peak untouched
     project.Peaks[0].Area = 1000.0f;
-    Link(Group::Area, 1, 0, 1, 250.0f);  // - 250
-    Link(Group::Area, 2, 0, 2, 0.5f);    // * 0.5
-    Link(Group::Area, 3, 0, 3, 8.0f);    // / 8
-    Link(Group::Area, 4, 0, 7, 8.0f);    // no such operation
+    Link(PeakParameter::Area, 1, 0, 1, 250.0f);  // - 250
+    Link(PeakParameter::Area, 2, 0, 2, 0.5f);    // * 0.5
+    Link(PeakParameter::Area, 3, 0, 3, 8.0f);    // / 8
+    Link(PeakParameter::Area, 4, 0, 7, 8.0f);    // no such operation
     project.Peaks[4].Area = 42.0f;
     PropagateArea(project, 0);
     EXPECT_EQ(project.Peaks[1].Area, 750.0f);
@@ -53,14 +53,14 @@ TEST_F(PropagationTest, EachOperationAndUnknownOperation) {
 }
 
 TEST_F(PropagationTest, GLRoundsHalvesToEvenWithoutClampingButNotBeyondInt16) {
-    Link(Group::GL, 1, 0, 2, 1.5f);
+    Link(PeakParameter::GL, 1, 0, 2, 1.5f);
     const std::pair<Int16, Int16> cases[] = {{25, 38}, {35, 52}, {90, 135}};  // 37.5, 52.5, not limited to 100
     for (const auto& [gl, expected] : cases) {
         project.Peaks[0].PercentGL = gl;
         PropagateGL(project, 0);
         EXPECT_EQ(project.Peaks[1].PercentGL, expected) << gl;
     }
-    Link(Group::GL, 1, 0, 2, 1000.0f);
+    Link(PeakParameter::GL, 1, 0, 2, 1000.0f);
     project.Peaks[0].PercentGL = 100;
     project.Peaks[1].PercentGL = 7;
     PropagateGL(project, 0);
@@ -68,8 +68,8 @@ TEST_F(PropagationTest, GLRoundsHalvesToEvenWithoutClampingButNotBeyondInt16) {
 }
 
 TEST_F(PropagationTest, DivisionByZeroFromFileStoresNothing) {
-    Link(Group::FWHM, 1, 0, 3, 0.0f);
-    Link(Group::GL, 1, 0, 3, 0.0f);
+    Link(PeakParameter::FWHM, 1, 0, 3, 0.0f);
+    Link(PeakParameter::GL, 1, 0, 3, 0.0f);
     project.Peaks[0].FWHM = 1.2f;
     project.Peaks[1].FWHM = 1.7f;
     project.Peaks[1].PercentGL = 30;
@@ -85,8 +85,8 @@ TEST_F(PropagationTest, DivisionByZeroFromFileStoresNothing) {
 
 TEST_F(PropagationTest, ChainUpdatesInOrderEvenAgainstSlotOrder) {
     // 2 refers to 4, 4 refers to 0: the chain must reach 2 with 4's new value.
-    Link(Group::Position, 4, 0, 0, 1.0f);
-    Link(Group::Position, 2, 4, 0, 1.0f);
+    Link(PeakParameter::Position, 4, 0, 0, 1.0f);
+    Link(PeakParameter::Position, 2, 4, 0, 1.0f);
     project.Peaks[0].Position = 100.0f;
     PropagatePosition(project, 0);
     EXPECT_EQ(project.Peaks[4].Position, 101.0f);
@@ -94,7 +94,7 @@ TEST_F(PropagationTest, ChainUpdatesInOrderEvenAgainstSlotOrder) {
 }
 
 TEST_F(PropagationTest, UnusedSlotSkippedByChainButSetByApplyAll) {
-    Link(Group::Position, 7, 0, 0, 5.0f);  // slot 7 is not in use
+    Link(PeakParameter::Position, 7, 0, 0, 5.0f);  // slot 7 is not in use
     project.Peaks[7].Position = 1.0f;
     project.Peaks[0].Position = 290.0f;
     PropagatePosition(project, 0);
@@ -105,8 +105,8 @@ TEST_F(PropagationTest, UnusedSlotSkippedByChainButSetByApplyAll) {
 
 TEST_F(PropagationTest, OtherRegionPeaksFollowUnrelatedChainsDoNot) {
     project.Peaks[3].Region = 4;
-    Link(Group::Position, 3, 0, 1, 2.0f);
-    Link(Group::Position, 2, 1, 0, 1.0f);  // nothing to do with peak 0
+    Link(PeakParameter::Position, 3, 0, 1, 2.0f);
+    Link(PeakParameter::Position, 2, 1, 0, 1.0f);  // nothing to do with peak 0
     project.Peaks[0].Position = 300.0f;
     PropagatePosition(project, 0);
     EXPECT_EQ(project.Peaks[3].Position, 298.0f);
@@ -115,8 +115,8 @@ TEST_F(PropagationTest, OtherRegionPeaksFollowUnrelatedChainsDoNot) {
 
 TEST_F(PropagationTest, CycleFromFileEndsAndSetsStartOnce) {
     // 0 -> 1 -> 0: propagation from 0 sets 1 from 0, then 0 from the new 1.
-    Link(Group::Position, 1, 0, 0, 1.0f);
-    Link(Group::Position, 0, 1, 0, 1.0f);
+    Link(PeakParameter::Position, 1, 0, 0, 1.0f);
+    Link(PeakParameter::Position, 0, 1, 0, 1.0f);
     project.Peaks[0].Position = 10.0f;
     PropagatePosition(project, 0);
     EXPECT_EQ(project.Peaks[1].Position, 11.0f);
@@ -124,10 +124,10 @@ TEST_F(PropagationTest, CycleFromFileEndsAndSetsStartOnce) {
 }
 
 TEST_F(PropagationTest, DamagedReferenceNumbersAreHarmless) {
-    project.Constraints[1][Group::Position].Linked = kTrue;
-    project.Constraints[1][Group::Position].RefPeak = 300;
-    project.Constraints[2][Group::Position].Linked = kTrue;
-    project.Constraints[2][Group::Position].RefPeak = -5;
+    project.Constraints[1][PeakParameter::Position].Linked = kTrue;
+    project.Constraints[1][PeakParameter::Position].RefPeak = 300;
+    project.Constraints[2][PeakParameter::Position].Linked = kTrue;
+    project.Constraints[2][PeakParameter::Position].RefPeak = -5;
     Project before = project;
     PropagatePosition(project, 0);
     PropagatePosition(project, 60);
@@ -139,20 +139,20 @@ TEST_F(PropagationTest, DamagedReferenceNumbersAreHarmless) {
 TEST_F(PropagationTest, ApplyAllIsOnePassUsingIsReference) {
     // 1 refers to 3, 3 refers to 0. Slot 1 is visited (k = 3) after 3 is set (k = 0),
     // so both follow in one pass; a reference without IsReference is ignored.
-    Link(Group::FWHM, 3, 0, 2, 2.0f);
-    Link(Group::FWHM, 1, 3, 2, 2.0f);
+    Link(PeakParameter::FWHM, 3, 0, 2, 2.0f);
+    Link(PeakParameter::FWHM, 1, 3, 2, 2.0f);
     project.Peaks[0].FWHM = 1.0f;
     ApplyAllRelations(project);
     EXPECT_EQ(project.Peaks[3].FWHM, 2.0f);
     EXPECT_EQ(project.Peaks[1].FWHM, 4.0f);
     // Now 3 refers to 4 (higher slot), 2 refers to 3: 2 keeps the old value of 3.
-    Link(Group::Position, 3, 4, 0, 1.0f);
-    Link(Group::Position, 2, 3, 0, 1.0f);
+    Link(PeakParameter::Position, 3, 4, 0, 1.0f);
+    Link(PeakParameter::Position, 2, 3, 0, 1.0f);
     project.Peaks[4].Position = 50.0f;
     ApplyAllRelations(project);
     EXPECT_EQ(project.Peaks[3].Position, 51.0f);
     EXPECT_EQ(project.Peaks[2].Position, 284.0f);  // old 283 + 1
-    project.Constraints[4][Group::Position].IsReference = kFalse;
+    project.Constraints[4][PeakParameter::Position].IsReference = kFalse;
     project.Peaks[4].Position = 70.0f;
     ApplyAllRelations(project);
     EXPECT_EQ(project.Peaks[3].Position, 51.0f);

@@ -101,7 +101,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     const Region& r = project.Regions[2];
     EXPECT_TRUE(IsSet(r.HasBackground));
     EXPECT_EQ(r.Caption.Str(), "C 1s fit            ");
-    EXPECT_EQ(r.BackgroundType, 1);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Linear);
     EXPECT_EQ(r.BackgroundLowBE, 281);
     EXPECT_EQ(r.BackgroundHighBE, 289);
     EXPECT_EQ(r.PeakCount, 3);
@@ -129,7 +129,7 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     EXPECT_NEAR(r.NetScale, 0.7175, 1e-6);
     // A peak of 50 % is 35.875 counts high: its area follows from that height.
     const Peak& p0 = project.Peaks[0];
-    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, 1, 0, 1.0));
+    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, Subshell::S, 0, 1.0));
     EXPECT_GT(p0.Area, 35.875f * 1.5f);  // a Gaussian of height h and width w: 1.0645 h w
     EXPECT_LT(p0.Area, 35.875f * 1.5f * 1.1f);
 }
@@ -140,11 +140,31 @@ TEST_F(Kratos, ShirleyBackgroundMeetsBothEnds) {
     fit.shapes = {"Gaussian"};
     ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
     const Region& r = project.Regions[0];
-    EXPECT_EQ(r.BackgroundType, 0);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Shirley);
     EXPECT_NEAR(r.BackgroundCurve[1], 52, 1e-3);
     EXPECT_NEAR(r.BackgroundCurve[9], 42, 1e-3);
     // Not the straight line.
     EXPECT_GT(std::fabs(r.BackgroundCurve[5] - 47), 0.1);
+}
+
+// The import works its linear background in Single where RecomputeRegion works in Double;
+// on this range the two differ at one point, and the import keeps the Single values.
+TEST_F(Kratos, LinearBackgroundIsWorkedInSingle) {
+    FitBlock fit;
+    fit.low = "281";
+    fit.high = "288";
+    fit.shapes = {"Gaussian"};
+    ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
+    const Region& r = project.Regions[0];
+    ASSERT_EQ(r.RangeCount, 8);  // points 3..10: 60 down to 42
+    const float step = (42.0f - 60.0f) / 7.0f;
+    EXPECT_EQ(r.LinearStep, step);
+    int otherInDouble = 0;
+    for (std::size_t k = 1; k <= 8; ++k) {
+        EXPECT_EQ(r.BackgroundWork[k], 60.0f + static_cast<float>(k - 1) * step) << k;
+        otherInDouble += r.BackgroundWork[k] != static_cast<float>(60.0 + static_cast<double>(k - 1) * step);
+    }
+    EXPECT_EQ(otherInDouble, 1);
 }
 
 TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {

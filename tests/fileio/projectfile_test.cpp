@@ -48,7 +48,7 @@ Project MakeKnownProject() {
     r.MinIntensity = 10;
     r.PeakCount = 2;
     r.PeakIndex = {5, 2, 0, 0, 0, 0, 0, 0, 0, 0};
-    r.BackgroundType = 2;
+    r.BackgroundType = BackgroundKind::Tougaard;
     r.BackgroundLowBE = 288.25f;
     r.BackgroundHighBE = 289.75f;
     r.LinearStep = 0.5f;
@@ -84,7 +84,7 @@ Project MakeKnownProject() {
         Peak& k = p.Peaks[s];
         k.InUse = kTrue;
         k.Label = Text20::From(s == 2 ? "Label two" : "Label five");
-        k.PeakType = static_cast<Int16>(s == 2 ? 2 : 4);
+        k.PeakType = s == 2 ? Subshell::P : Subshell::F;
         k.Splitting = 1.25f * static_cast<float>(s);
         k.Position = 288.5f + static_cast<float>(s) / 10;
         k.Area = 1000.0f + static_cast<float>(s);
@@ -98,7 +98,7 @@ Project MakeKnownProject() {
         k.TailScale = 0.3f;
         k.TailLength = 2.5f;
         int v = 1;
-        for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = p.Constraints[s][g];
             c.Linked = kTrue;
             c.RefPeak = static_cast<Int16>(v);

@@ -66,7 +66,7 @@ protected:
         Peak& p = project.Peaks[slot];
         p.InUse = kTrue;
         p.Region = 0;
-        p.PeakType = static_cast<Int16>(slot == 4 ? 2 : 1);
+        p.PeakType = slot == 4 ? Subshell::P : Subshell::S;
         p.Position = position;
         p.FWHM = 1.25f;
         p.Splitting = 1.0f;
@@ -91,7 +91,7 @@ TEST_F(RegionParamsTest, RegionWithoutPeaksIsHeaderAndSixteenBytes) {
     r.PeakCount = 0;
     r.RangeCount = 123;
     r.HasBackground = kFalse;
-    r.BackgroundType = 2;
+    r.BackgroundType = BackgroundKind::Tougaard;
     r.BackgroundHighBE = 290.5f;
     r.BackgroundLowBE = 280.25f;
     project.CurrentRegion = 7;
@@ -172,7 +172,7 @@ TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
         project.CurrentRegion = 3;
         Region& r = project.Regions[3];
         r.HasBackground = kTrue;
-        r.BackgroundType = 1;
+        r.BackgroundType = BackgroundKind::Linear;
         r.BackgroundLowBE = r.MinBE;
         r.Caption = Text20::From("kept");
         r.Shift = 0.5f;

@@ -67,7 +67,7 @@ void RandomData(Random& rnd, Region& region) {
 
 void RandomPeakValues(Random& rnd, Peak& p, const Region& region) {
     p.Label = Text20::From(rnd.Text(20));
-    p.PeakType = static_cast<Int16>(rnd.Int(0, 3));
+    p.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
     p.Splitting = rnd.Real(0, 10);
     p.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
     p.HeightPercent = rnd.Real(1, 100);
@@ -85,7 +85,7 @@ void RandomPeakValues(Random& rnd, Peak& p, const Region& region) {
 void RandomFit(Random& rnd, Project& project, int r) {
     Region& region = project.Regions[r];
     project.CurrentRegion = static_cast<Int16>(r);
-    region.BackgroundType = static_cast<Int16>(rnd.Int(0, 2));
+    region.BackgroundType = static_cast<BackgroundKind>(rnd.Int(0, 2));
     region.BackgroundParameter = rnd.Real(0, 3000);
     const float a = rnd.Real(region.MinBE, region.MaxBE);
     const float b = rnd.Real(region.MinBE, region.MaxBE);
@@ -111,7 +111,7 @@ void RandomConstraints(Random& rnd, Project& project) {
     for (int s = 0; s < kPeakSlots; ++s)
         if (IsSet(project.Peaks[s].InUse)) used.push_back(s);
     for (int s : used) {
-        for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = project.Constraints[s][g];
             if (rnd.Coin(0.3)) {
                 c.Linked = kTrue;
@@ -208,7 +208,7 @@ TEST(RoundTripProperty, RegionParametersLoadIntoAnEqualRegion) {
         region.Shift = 0;
         region.Caption = Text20();
         for (int k = 0; k < region.PeakCount; ++k) {
-            for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+            for (PeakParameter g : kPeakParameters) {
                 p.Constraints[region.PeakIndex[k]][g].Linked = kFalse;
                 p.Constraints[region.PeakIndex[k]][g].IsReference = kFalse;
             }

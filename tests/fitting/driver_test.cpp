@@ -28,7 +28,7 @@ protected:
     /// so every trial shows up at the chi-square box with peak 0's values.
     std::vector<char>* WatchVariedParameters() {
         test::AddKnownPeak(project, 0, 2, {290.0f, 1, 1.0f, 30});
-        for (Group g : {Group::Position, Group::Area, Group::FWHM, Group::GL}) {
+        for (PeakParameter g : kPeakParameters) {
             project.Constraints[2][g] = {kTrue, 0, kFalse, 0, 2, 1.0f, kFalse, 0, 0};
             project.Constraints[0][g].IsReference = kTrue;
         }

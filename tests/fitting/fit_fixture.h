@@ -37,7 +37,7 @@ inline void MakeSyntheticRegion(Project& project, int r, int n, const std::vecto
         const double e = 296.0 - 0.05 * (j - 1);
         const double b = 500.0 + 300.0 / (1.0 + std::exp((285.0 - e) / 0.7));
         double y = b;
-        for (const KnownPeak& k : peaks) y += PeakValue(false, e, k.position, k.area, k.fwhm, k.gl, 0, 1, 0, 0);
+        for (const KnownPeak& k : peaks) y += PeakValue(false, e, k.position, k.area, k.fwhm, k.gl, 0, Subshell::S, 0, 0);
         region.BindingEnergy[j] = static_cast<float>(e);
         region.RawIntensity[j] = static_cast<float>(y);
         region.RangeBE[j] = static_cast<float>(e);
@@ -59,14 +59,14 @@ inline int AddKnownPeak(Project& project, int r, int slot, const KnownPeak& k) {
     Peak& peak = project.Peaks[slot];
     peak.InUse = kTrue;
     peak.Region = static_cast<Int16>(r);
-    peak.PeakType = 1;
+    peak.PeakType = Subshell::S;
     peak.Position = k.position;
     peak.Area = k.area;
     peak.FWHM = k.fwhm;
     peak.PercentGL = k.gl;
     peak.FixPosition = peak.FixArea = peak.FixFWHM = 0;
     peak.FixGL = 1;
-    peak.HeightPercent = AreaToHeightPercent(false, region.NetScale, k.area, k.fwhm, k.gl, 1, 0, 0);
+    peak.HeightPercent = AreaToHeightPercent(false, region.NetScale, k.area, k.fwhm, k.gl, Subshell::S, 0, 0);
     ResizePeakCurve(project, slot, region.PointCount);
     region.PeakIndex[region.PeakCount++] = static_cast<Int16>(slot);
     ++project.TotalPeakCount;

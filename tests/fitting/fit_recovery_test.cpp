@@ -65,7 +65,7 @@ bool LoadC1s(Project& project, Host& host, const std::string& path) {
     ClearProject(project, host);
     if (!test::ImportPath(project, host, "ascii", path).status.ok()) return false;
     Region& region = project.Regions[0];
-    region.BackgroundType = 0;
+    region.BackgroundType = BackgroundKind::Shirley;
     region.BackgroundLowBE = 276;
     region.BackgroundHighBE = 295;
     region.EndPointAverage = 5;
@@ -85,7 +85,7 @@ TEST(RealFit, C1sReachesItsBestChiSquareWithBothMethods) {
         const float netScale = project.Regions[0].NetScale;
         for (int i = 0; i < 4; ++i) {
             KnownPeak k = guesses[i];
-            k.area = HeightPercentToArea(false, netScale, heights[i], k.fwhm, k.gl, 1, 0, 0);
+            k.area = HeightPercentToArea(false, netScale, heights[i], k.fwhm, k.gl, Subshell::S, 0, 0);
             test::AddKnownPeak(project, 0, i, k);
         }
         ComputeRegionEnvelope(project, host);

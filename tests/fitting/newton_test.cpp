@@ -25,8 +25,8 @@ protected:
 TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
     // Region mode (a follower in the region) exposes each sample through the chi-square box.
     test::AddKnownPeak(project, 0, 1, {290.0f, 1, 1.0f, 30});
-    project.Constraints[1][Group::Position] = {kTrue, 0, kFalse, 0, 0, 5.0f, kFalse, 0, 0};
-    project.Constraints[0][Group::Position].IsReference = kTrue;
+    project.Constraints[1][PeakParameter::Position] = {kTrue, 0, kFalse, 0, 0, 5.0f, kFalse, 0, 0};
+    project.Constraints[0][PeakParameter::Position].IsReference = kTrue;
     test::Settle(project);
     std::vector<float> seen;
     host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
@@ -41,7 +41,7 @@ TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
 }
 
 TEST_F(NewtonTest, HighLimitCapsTheStepExactly) {
-    auto& c = project.Constraints[0][Group::Position];
+    auto& c = project.Constraints[0][PeakParameter::Position];
     c.UseLimits = kTrue;
     c.LowLimit = 284.0f;
     c.HighLimit = 285.1f;
@@ -76,7 +76,7 @@ TEST_F(NewtonTest, NoInfluenceMeansNoStep) {
 
 TEST_F(NewtonTest, EqualScoreCountsAsImproved) {
     // Limits pinning the area to its value: the step lands on x0 and scores the same.
-    auto& c = project.Constraints[0][Group::Area];
+    auto& c = project.Constraints[0][PeakParameter::Area];
     c.UseLimits = kTrue;
     c.LowLimit = c.HighLimit = 1000.0f;
     bool improved = false;
@@ -87,7 +87,7 @@ TEST_F(NewtonTest, EqualScoreCountsAsImproved) {
 
 TEST_F(NewtonTest, WorseStepIsUndoneAndProjectConsistent) {
     // A high limit far on the wrong side forces a step that scores worse.
-    auto& c = project.Constraints[0][Group::Position];
+    auto& c = project.Constraints[0][PeakParameter::Position];
     c.UseLimits = kTrue;
     c.LowLimit = 280.0f;
     c.HighLimit = 283.0f;

@@ -21,7 +21,7 @@ protected:
         project.Options = test::TestOptions(0, 1);
     }
     /// Makes peak 0 a reference of peak 1 (same region) in group g: Region mode.
-    void FollowerInSameRegion(Group g) {
+    void FollowerInSameRegion(PeakParameter g) {
         if (!IsSet(project.Peaks[1].InUse)) test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
         project.Constraints[1][g].Linked = kTrue;
         project.Constraints[1][g].RefPeak = 0;
@@ -37,7 +37,7 @@ protected:
 };
 
 TEST_F(SearchTest, GridOfALevelIncludesBothEndsAndSkipsZero) {
-    FollowerInSameRegion(Group::Position);
+    FollowerInSameRegion(PeakParameter::Position);
     test::Settle(project);
     project.Options.PositionSearch = {};
     project.Options.PositionSearch[0] = {kTrue, 1.0f, 0.25f};
@@ -53,9 +53,9 @@ TEST_F(SearchTest, GridOfALevelIncludesBothEndsAndSkipsZero) {
 }
 
 TEST_F(SearchTest, LimitsClampTrialsAndFirstEqualScoreWins) {
-    FollowerInSameRegion(Group::Position);
+    FollowerInSameRegion(PeakParameter::Position);
     project.Peaks[0].Position = 284.0f;  // true peak at 285, beyond the high limit
-    auto& c = project.Constraints[0][Group::Position];
+    auto& c = project.Constraints[0][PeakParameter::Position];
     c.UseLimits = kTrue;
     c.LowLimit = 283.0f;
     c.HighLimit = 284.5f;
@@ -71,12 +71,12 @@ TEST_F(SearchTest, LimitsClampTrialsAndFirstEqualScoreWins) {
 }
 
 TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
-    FollowerInSameRegion(Group::Area);
+    FollowerInSameRegion(PeakParameter::Area);
     test::Settle(project);
     Peak& peak = project.Peaks[0];
     const float netScale = project.Current().NetScale;
     peak.HeightPercent = 105;
-    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, 1, 0, 0);
+    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, Subshell::S, 0, 0);
     test::Settle(project);
     project.Options.AreaSearch = {};
     project.Options.AreaSearch[0] = {kTrue, 10.0f, 1.0f};
@@ -86,19 +86,19 @@ TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
     SearchArea(project, host, 0);
     std::vector<float> expected;
     for (int h = 95; h <= 109; ++h) {
-        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, 1, 0, 0));
+        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, Subshell::S, 0, 0));
     }
     seen.pop_back();  // the finishing envelope
     EXPECT_EQ(seen, expected);
     // The true height is 100: the best trial is the 95..109 value closest to it.
     EXPECT_FLOAT_EQ(project.Peaks[0].HeightPercent,
-                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, 1, 0, 0));
+                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, Subshell::S, 0, 0));
     EXPECT_NEAR(project.Peaks[0].Area, 1000.0f, 1000 * 0.06);
     EXPECT_LT(project.Peaks[0].Area, start.Area);
 }
 
 TEST_F(SearchTest, GLCoarseThenFine) {
-    FollowerInSameRegion(Group::GL);
+    FollowerInSameRegion(PeakParameter::GL);
     project.Peaks[0].PercentGL = 80;
     test::Settle(project);
     std::vector<int> seen;
@@ -124,8 +124,8 @@ TEST_F(SearchTest, EqualScoresDoNotMoveThePeak) {
 
 TEST_F(SearchTest, LinkedParameterIsNotSearchedAndDisplayUntouched) {
     test::AddKnownPeak(project, 0, 1, {287.0f, 300, 1.5f, 30});
-    project.Constraints[0][Group::Position].Linked = kTrue;
-    project.Constraints[0][Group::Position].RefPeak = 1;
+    project.Constraints[0][PeakParameter::Position].Linked = kTrue;
+    project.Constraints[0][PeakParameter::Position].RefPeak = 1;
     project.Peaks[0].Position = 284.0f;
     test::Settle(project);
     test::RecordingHost quiet;
@@ -139,9 +139,9 @@ TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
     // 0.4 eV higher, so the best shared position lies between the two.
     test::MakeSyntheticRegion(project, 1, 400, {{285.4f, 3000, 1.2f, 30}});
     test::AddKnownPeak(project, 1, 5, {285.0f, 3000, 1.2f, 30});
-    project.Constraints[5][Group::Position].Linked = kTrue;
-    project.Constraints[5][Group::Position].RefPeak = 0;
-    project.Constraints[0][Group::Position].IsReference = kTrue;
+    project.Constraints[5][PeakParameter::Position].Linked = kTrue;
+    project.Constraints[5][PeakParameter::Position].RefPeak = 0;
+    project.Constraints[0][PeakParameter::Position].IsReference = kTrue;
     test::Settle(project);
     project.Options.PositionSearch = {};
     project.Options.PositionSearch[0] = {kTrue, 0.5f, 0.05f};

@@ -60,7 +60,7 @@ TEST_F(BackgroundFormTest, BoundariesAreCheckedOneAtATimeThenAccepted) {
     EXPECT_EQ(r.BackgroundLowBE, 280.0f);
     EXPECT_EQ(r.BackgroundHighBE, 290.0f);
     EXPECT_EQ(r.EndPointAverage, 1);
-    EXPECT_EQ(r.BackgroundType, 0);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Shirley);
     EXPECT_EQ(r.RangeCount, 11);
     EXPECT_FALSE(IsSet(project.KeepAreas));
 }
@@ -109,7 +109,7 @@ TEST_F(BackgroundFormTest, EmptySlopeGivesPureShirleyAndLinearKeepsTheParameter)
     form.shirleySlopeText = "4";
     project.Regions[2].BackgroundParameter = 7.5f;
     ASSERT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(r.BackgroundType, 1);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Linear);
     EXPECT_EQ(r.BackgroundParameter, 7.5f);
 }
 

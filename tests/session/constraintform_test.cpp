@@ -21,7 +21,7 @@ protected:
         project.CurrentPeak = 1;
     }
     /// Opens the dialog on `kind` for peak p and links it to `ref` by op/arg.
-    Status Link(int p, ConstraintKind kind, const std::string& ref, const std::string& op = "+",
+    Status Link(int p, PeakParameter kind, const std::string& ref, const std::string& op = "+",
                 const std::string& arg = "1") {
         project.CurrentPeak = static_cast<Int16>(p);
         OpenConstraint(project, form, kind);
@@ -39,13 +39,13 @@ protected:
 TEST_F(ConstraintFormTest, ReferencePeakNumbers) {
     // Halves round to even, empty is 0, another region is fine.
     for (const auto& [ref, stored] : {std::pair{"2.5", 2}, {"3.5", 4}, {"", 0}}) {
-        ASSERT_TRUE(Link(1, ConstraintKind::Position, ref).ok()) << ref;
+        ASSERT_TRUE(Link(1, PeakParameter::Position, ref).ok()) << ref;
         EXPECT_EQ(project.Constraints[1].Position.RefPeak, stored) << ref;
         EXPECT_FALSE(form.visible);
     }
     // Itself, an unused slot, out of 0..50.
     for (const char* ref : {"1", "7", "51", "-1", "1e9"}) {
-        EXPECT_EQ(Link(1, ConstraintKind::Area, ref).message(), msg::kWrongReferencePeak) << ref;
+        EXPECT_EQ(Link(1, PeakParameter::Area, ref).message(), msg::kWrongReferencePeak) << ref;
         EXPECT_FALSE(IsSet(project.Constraints[1].Area.Linked)) << ref;
         EXPECT_TRUE(form.visible);
     }
@@ -55,13 +55,13 @@ TEST_F(ConstraintFormTest, ReferencePeakNumbers) {
 }
 
 TEST_F(ConstraintFormTest, CircularReferences) {
-    ASSERT_TRUE(Link(0, ConstraintKind::FWHM, "1").ok());
-    EXPECT_EQ(Link(1, ConstraintKind::FWHM, "0").message(), msg::kCircularReference);
-    ASSERT_TRUE(Link(2, ConstraintKind::FWHM, "0").ok());  // 2 -> 0 -> 1
-    EXPECT_EQ(Link(1, ConstraintKind::FWHM, "2").message(), msg::kCircularReference);
+    ASSERT_TRUE(Link(0, PeakParameter::FWHM, "1").ok());
+    EXPECT_EQ(Link(1, PeakParameter::FWHM, "0").message(), msg::kCircularReference);
+    ASSERT_TRUE(Link(2, PeakParameter::FWHM, "0").ok());  // 2 -> 0 -> 1
+    EXPECT_EQ(Link(1, PeakParameter::FWHM, "2").message(), msg::kCircularReference);
     EXPECT_FALSE(IsSet(project.Constraints[1].FWHM.Linked));
     // Another group is independent.
-    EXPECT_TRUE(Link(1, ConstraintKind::GL, "0").ok());
+    EXPECT_TRUE(Link(1, PeakParameter::GL, "0").ok());
 }
 
 TEST_F(ConstraintFormTest, LoopFromAFileNotThroughThePeakEnds) {
@@ -70,17 +70,17 @@ TEST_F(ConstraintFormTest, LoopFromAFileNotThroughThePeakEnds) {
     c3 = {kTrue, 2, kTrue, 2, 0, 0, kFalse, 0, 0};
     c2 = {kTrue, 3, kTrue, 3, 0, 0, kFalse, 0, 0};
     EXPECT_FALSE(IsCircularPosition(project, 1, 3));
-    EXPECT_TRUE(Link(1, ConstraintKind::Position, "3").ok());
+    EXPECT_TRUE(Link(1, PeakParameter::Position, "3").ok());
     project.Constraints[2].Area = {kTrue, 300, kFalse, 0, 0, 0, kFalse, 0, 0};
     EXPECT_FALSE(IsCircularArea(project, 1, 2));
 }
 
 TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
-    EXPECT_EQ(Link(1, ConstraintKind::Area, "0", "*", "0").message(), msg::kZeroArgument);
-    EXPECT_EQ(Link(1, ConstraintKind::Area, "0", "/", "abc").message(), msg::kZeroArgument);
+    EXPECT_EQ(Link(1, PeakParameter::Area, "0", "*", "0").message(), msg::kZeroArgument);
+    EXPECT_EQ(Link(1, PeakParameter::Area, "0", "/", "abc").message(), msg::kZeroArgument);
     EXPECT_FALSE(IsSet(project.Constraints[0].Area.IsReference));
-    EXPECT_TRUE(Link(1, ConstraintKind::Area, "0", "+", "0").ok());
-    OpenConstraint(project, form, ConstraintKind::Area);
+    EXPECT_TRUE(Link(1, PeakParameter::Area, "0", "+", "0").ok());
+    OpenConstraint(project, form, PeakParameter::Area);
     form.useRelation = false;
     form.operation = "/";
     form.argumentText = "0";
@@ -93,8 +93,8 @@ TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
 }
 
 TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
-    ASSERT_TRUE(Link(1, ConstraintKind::Position, "0").ok());
-    ASSERT_TRUE(Link(3, ConstraintKind::Position, "0").ok());
+    ASSERT_TRUE(Link(1, PeakParameter::Position, "0").ok());
+    ASSERT_TRUE(Link(3, PeakParameter::Position, "0").ok());
     EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 3);
     project.CurrentPeak = 3;
     OpenPositionConstraint(project, form);
@@ -111,7 +111,7 @@ TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
 }
 
 TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
-    auto limits = [&](ConstraintKind kind, const char* low, const char* high) {
+    auto limits = [&](PeakParameter kind, const char* low, const char* high) {
         OpenConstraint(project, form, kind);
         form.useRelation = true;
         form.referencePeakText = "0";
@@ -122,13 +122,13 @@ TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
         form.highLimitText = high;
         return AcceptConstraint(project, form).message();
     };
-    EXPECT_EQ(limits(ConstraintKind::Position, "301", "299"), msg::kRangeInvalid);
-    EXPECT_EQ(limits(ConstraintKind::Position, "285", "300.002"), msg::kHighBEOutOfRange);
-    EXPECT_EQ(limits(ConstraintKind::Position, "279.998", "290"), msg::kLowBEOutOfRange);
-    EXPECT_EQ(limits(ConstraintKind::Position, "279.9995", "300.0005"), "");
-    EXPECT_EQ(limits(ConstraintKind::Area, "-1", "5"), msg::kNegativeRange);
-    EXPECT_EQ(limits(ConstraintKind::FWHM, "2", "2"), "");  // Low = High accepted
-    EXPECT_EQ(limits(ConstraintKind::GL, "10", "101"), msg::kOutOfRange);
+    EXPECT_EQ(limits(PeakParameter::Position, "301", "299"), msg::kRangeInvalid);
+    EXPECT_EQ(limits(PeakParameter::Position, "285", "300.002"), msg::kHighBEOutOfRange);
+    EXPECT_EQ(limits(PeakParameter::Position, "279.998", "290"), msg::kLowBEOutOfRange);
+    EXPECT_EQ(limits(PeakParameter::Position, "279.9995", "300.0005"), "");
+    EXPECT_EQ(limits(PeakParameter::Area, "-1", "5"), msg::kNegativeRange);
+    EXPECT_EQ(limits(PeakParameter::FWHM, "2", "2"), "");  // Low = High accepted
+    EXPECT_EQ(limits(PeakParameter::GL, "10", "101"), msg::kOutOfRange);
     EXPECT_TRUE(IsSet(project.Constraints[1].GL.Linked));       // stored before the refusal
     EXPECT_FALSE(IsSet(project.Constraints[1].GL.UseLimits));  // limits keep old values
     EXPECT_EQ(project.Constraints[1].FWHM.LowLimit, 2.0f);

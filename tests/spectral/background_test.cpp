@@ -30,7 +30,7 @@ protected:
     /// A region set up for the background computations alone.
     Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type, float param) {
         Region& reg = test::WholeRange(project, 0, be, y);
-        reg.BackgroundType = static_cast<Int16>(type);
+        reg.BackgroundType = static_cast<BackgroundKind>(type);
         reg.BackgroundParameter = param;
         return reg;
     }
@@ -63,7 +63,7 @@ TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
         Region& reg = TenPoints();  // point p at 11 - p eV, intensity 99 + p
         reg.BackgroundLowBE = c.low;
         reg.BackgroundHighBE = c.high;
-        reg.BackgroundType = 1;
+        reg.BackgroundType = BackgroundKind::Linear;
         RecomputeRegion(project, host);
         EXPECT_EQ(reg.RangeStart, c.start);
         EXPECT_EQ(reg.RangeEnd, c.end);
@@ -83,7 +83,7 @@ TEST_F(BackgroundTest, UnevenSpacingReadsStayInsideTheSpectrum) {
     Region& reg = MakeRegion(project, 0, {10, 9.5f, 9, 7, 5, 3, 1}, {7, 6, 5, 4, 3, 2, 1});
     reg.BackgroundLowBE = 1;
     reg.BackgroundHighBE = 9.5f;
-    reg.BackgroundType = 1;
+    reg.BackgroundType = BackgroundKind::Linear;
     RecomputeRegion(project, host);
     // Mean step 1.5 eV: 8.5 * 6 / 9 + 1 = 6.67 -> 7 points from point 2, past point 7.
     EXPECT_EQ(reg.RangeStart, 2);
@@ -131,7 +131,7 @@ TEST_F(BackgroundTest, LinearRunsBetweenTheEndAverages) {
     reg.RawIntensity[2] = 200;
     reg.BackgroundLowBE = 2;
     reg.BackgroundHighBE = 9;
-    reg.BackgroundType = 1;
+    reg.BackgroundType = BackgroundKind::Linear;
     reg.EndPointAverage = 3;
     RecomputeRegion(project, host);
     // Start average over points 1..3 (100, 200, 102), end average over 8..10.
@@ -205,14 +205,14 @@ TEST_F(BackgroundTest, NetRangeNeverAboveOrBelowItsStartValues) {
     Region& reg = MakeRegion(project, 0, FallingEnergies(4, 4, 1), {10, 0, 0, 10});
     reg.BackgroundLowBE = 1;
     reg.BackgroundHighBE = 4;
-    reg.BackgroundType = 1;
+    reg.BackgroundType = BackgroundKind::Linear;
     RecomputeRegion(project, host);
     EXPECT_EQ(reg.NetMax, 0.0f);  // every point at or below the background
     EXPECT_EQ(reg.NetMin, -10.0f);
     EXPECT_FLOAT_EQ(reg.NetScale, 0.1f);
 
     // An unknown type keeps the old background.
-    reg.BackgroundType = 7;
+    reg.BackgroundType = static_cast<BackgroundKind>(7);
     for (int j = 1; j <= 4; ++j) reg.BackgroundCurve[j] = -1.0e8f;
     RecomputeRegion(project, host);
     EXPECT_EQ(reg.BackgroundCurve[2], -1.0e8f);
@@ -225,7 +225,7 @@ TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
     Region& reg = MakeRegion(project, 0, be, StepAndPeak(be));
     reg.BackgroundLowBE = 285;
     reg.BackgroundHighBE = 295;
-    reg.BackgroundType = 0;
+    reg.BackgroundType = BackgroundKind::Shirley;
     reg.HasBackground = kTrue;
     const int q = AddTestPeak(project, 0, 290, 1, 1.6f, 30);
     project.Peaks[q].HeightPercent = 60;
@@ -239,7 +239,7 @@ TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
 
     // A new background with KeepAreas: the area stays, the height follows.
     project.KeepAreas = kTrue;
-    reg.BackgroundType = 1;
+    reg.BackgroundType = BackgroundKind::Linear;
     const float area = peak.Area;
     RecomputeRegion(project, host);
     EXPECT_EQ(peak.Area, area);
@@ -251,7 +251,7 @@ TEST_F(BackgroundTest, DegenerateRangesDoNotWriteOutOfBounds) {
     Region& reg = TenPoints();
     const int q = AddTestPeak(project, 0, 5, 10, 1, 30);
     project.Peaks[q].Curve.clear();
-    reg.BackgroundType = 0;
+    reg.BackgroundType = BackgroundKind::Shirley;
 
     // No point within 100 eV: the old (invalid) indices stay; m is bounded by the arrays.
     reg.RangeStart = 0;
@@ -265,7 +265,7 @@ TEST_F(BackgroundTest, DegenerateRangesDoNotWriteOutOfBounds) {
 
     // Both ends at the same point: one range point, a flat background.
     for (int type : {0, 1, 2}) {
-        reg.BackgroundType = static_cast<Int16>(type);
+        reg.BackgroundType = static_cast<BackgroundKind>(type);
         reg.BackgroundLowBE = reg.BackgroundHighBE = 5;
         RecomputeRegion(project, host);
         EXPECT_EQ(reg.RangeCount, 1);

@@ -48,7 +48,7 @@ TEST_F(EnvelopeTest, PeaksSitOnTheBackgroundAndAdd) {
     ComputeRegionEnvelope(project, host);
     for (int j = 1; j <= 5; ++j) {
         // Position 0.5 plus the shift 0.5 puts both peaks at 1.0 eV.
-        const float one = PeakValue(false, reg.RangeBE[j], 1.0, 60, 1.2, 40, 0, 1, 0, 1);
+        const float one = PeakValue(false, reg.RangeBE[j], 1.0, 60, 1.2, 40, 0, Subshell::S, 0, 1);
         EXPECT_FLOAT_EQ(project.Peaks[a].Curve[j], one + 10) << j;
         EXPECT_EQ(project.Peaks[b].Curve[j], project.Peaks[a].Curve[j]);
         EXPECT_FLOAT_EQ(reg.PeakSumCurve[j], 10 + 2 * one) << j;
@@ -68,7 +68,7 @@ TEST_F(EnvelopeTest, TrialAfterResidualWithoutPeakEqualsEnvelopeChiSquare) {
     Region& reg = WholeRange(project, 1, be, y, bg);
     const int p1 = AddTestPeak(project, 1, 286.4f, 120, 1.4f, 30);
     const int p2 = AddTestPeak(project, 1, 287.9f, 20, 1.0f, 60);
-    project.Peaks[p2].PeakType = 2;
+    project.Peaks[p2].PeakType = Subshell::P;
     project.Peaks[p2].Splitting = 0.9f;
     {
         ComputeRegionEnvelope(project, host);

@@ -61,7 +61,7 @@ inline int AddTestPeak(Project& project, int r, float position, float area, floa
     int slot = FirstFreePeakSlot(project);
     Peak& p = project.Peaks[slot];
     p.InUse = kTrue;
-    p.PeakType = 1;
+    p.PeakType = Subshell::S;
     p.Position = position;
     p.Area = area;
     p.FWHM = fwhm;

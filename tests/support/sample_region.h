@@ -31,7 +31,7 @@ inline void FillSampleRegion(Project& project, int r, int n = 11, float highBE =
 inline void GiveSampleBackground(Project& project, int r) {
     project.CurrentRegion = static_cast<Int16>(r);
     Region& region = project.Regions[r];
-    region.BackgroundType = 0;
+    region.BackgroundType = BackgroundKind::Shirley;
     region.BackgroundParameter = 0;
     region.EndPointAverage = 1;
     region.BackgroundLowBE = region.MinBE;

@@ -92,7 +92,7 @@ TEST_F(BackgroundDialogTest, TougaardB1ZeroBecomes3000) {
     Box("tougaardB1Text")->setText(QStringLiteral("0"));
     Click("acceptButton");
     EXPECT_EQ(Text("tougaardB1Text"), "3000");
-    EXPECT_EQ(reg().BackgroundType, 2);
+    EXPECT_EQ(reg().BackgroundType, BackgroundKind::Tougaard);
     EXPECT_EQ(reg().BackgroundParameter, 3000.0f);
     EXPECT_EQ(sink.beeps, 0);
 
@@ -145,7 +145,7 @@ TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrial
     EXPECT_EQ(sink.beeps, 0);
 
     ASSERT_TRUE(IsSet(reg().HasBackground));
-    EXPECT_EQ(reg().BackgroundType, 2);
+    EXPECT_EQ(reg().BackgroundType, BackgroundKind::Tougaard);
     const float b1 = reg().BackgroundParameter;
     EXPECT_EQ(Text("tougaardB1Text"), FormatGeneral(b1));
     EXPECT_GE(b1, 3000 * 0.1f * 0.91f * 0.991f * 0.999f);

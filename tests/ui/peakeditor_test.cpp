@@ -142,14 +142,14 @@ TEST_F(PeakEditorTest, AcceptLimitsTailAndKeepsTheTypeForAnUnknownText) {
     auto* type = In<QComboBox>(editor(), "peakType");
     type->setCurrentText(QStringLiteral("p"));
     Click("redrawButton");
-    EXPECT_EQ(peak().PeakType, 2);
+    EXPECT_EQ(peak().PeakType, Subshell::P);
     type->setEditText(QStringLiteral("q"));
     Box("tailScaleText")->setText(QStringLiteral("1.7"));
     Box("tailLengthText")->setText(QStringLiteral("0"));
     Box("positionText")->setText(QStringLiteral("285.123"));
     Click("acceptButton");
     EXPECT_FALSE(editor().isVisible());
-    EXPECT_EQ(peak().PeakType, 2);
+    EXPECT_EQ(peak().PeakType, Subshell::P);
     EXPECT_EQ(peak().TailScale, 1.0f);
     EXPECT_EQ(peak().TailLength, 0.01f);
     EXPECT_FLOAT_EQ(peak().Position, 285.123f);  // typed text is not rounded by the bar
