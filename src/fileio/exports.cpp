@@ -34,11 +34,7 @@ void EndLine(std::string& out, const ColumnLine& line) {
 }
 
 Status WriteText(const std::string& path, const std::string& text) {
-    const bool ok = WriteFileAtomically(path, [&text](std::ostream& out) {
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        return static_cast<bool>(out);
-    });
-    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+    return WriteFileBytes(path, text, msg::kErrorWritingFile);
 }
 
 }  // namespace

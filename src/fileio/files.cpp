@@ -1,5 +1,7 @@
 #include "fileio/files.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -40,33 +42,35 @@ Status WithFileName(const Status& status, const std::string& path) {
     return Status::Error(status.message(), status.detail().empty() ? name : name + ": " + status.detail());
 }
 
-bool WriteFileAtomically(const std::string& path,
-                         const std::function<bool(std::ostream&)>& write) {
+Status WriteFileBytes(const std::string& path, std::string_view bytes, const char* message) {
     namespace fs = std::filesystem;
+    auto fail = [&](const std::string& why) { return WithFileName(Status::Error(message, why), path); };
     std::error_code ec;
-    if (fs::is_directory(path, ec)) return false;
+    if (fs::is_directory(path, ec)) return fail("a folder, not a file");
     const fs::path target(path);
     std::random_device rd;
     const fs::path temp =
         target.parent_path() / (target.filename().string() + ".tmp" + std::to_string(rd() % 1000000));
     {
         std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (!out) return false;
-        bool ok = write(out);
+        if (!out) return fail("the folder cannot be written to: " + std::string(std::strerror(errno)));
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         out.flush();
-        ok = ok && static_cast<bool>(out);
+        const int writeError = errno;
+        const bool ok = static_cast<bool>(out);
         out.close();
         if (!ok || out.fail()) {
             fs::remove(temp, ec);
-            return false;
+            return fail("the data could not all be written: " + std::string(std::strerror(writeError)));
         }
     }
     fs::rename(temp, target, ec);
     if (ec) {
+        const std::string why = ec.message();
         fs::remove(temp, ec);
-        return false;
+        return fail("the file could not be replaced: " + why);
     }
-    return true;
+    return Status::Ok();
 }
 
 }  // namespace molvera

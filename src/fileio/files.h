@@ -3,9 +3,8 @@
 // one so that a failure never destroys the previous file.
 
 #include <cstddef>
-#include <functional>
-#include <ostream>
 #include <string>
+#include <string_view>
 
 #include "base/status.h"
 
@@ -24,9 +23,9 @@ Status ReadFileBytes(const std::string& path, std::size_t maxBytes, const char* 
 /// ok status stays ok.
 Status WithFileName(const Status& status, const std::string& path);
 
-/// Writes a file safely: `write` fills a temporary file in the same folder, which then
-/// replaces `path`; when anything fails the previous file stays as it was.
-bool WriteFileAtomically(const std::string& path,
-                         const std::function<bool(std::ostream&)>& write);
+/// Writes a file safely: the bytes go to a temporary file in the same folder, which then
+/// replaces `path`; when anything fails the previous file stays as it was, and the
+/// failure is `message` with the file's name and why as detail.
+Status WriteFileBytes(const std::string& path, std::string_view bytes, const char* message);
 
 }  // namespace molvera

@@ -1,6 +1,7 @@
 #include "fileio/optionfile.h"
 
 #include <fstream>
+#include <sstream>
 
 #include "base/binstream.h"
 #include "base/messages.h"
@@ -83,21 +84,22 @@ Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {
     return Status::Ok();
 }
 
-Status WriteOptionFile(const FitOptions& options, const std::string& path) {
+std::string OptionFileBytes(const FitOptions& options) {
     FitOptions copy = options;
-    const std::vector<OptionField> fields = OptionFileFields(copy);
-    const bool ok = WriteFileAtomically(path, [&fields](std::ostream& os) {
-        BinaryWriter out(os);
-        for (const OptionField& f : fields) {
-            if (auto* p = std::get_if<float*>(&f.value)) {
-                out.F32(**p);
-            } else {
-                out.I16(*std::get<std::int16_t*>(f.value));
-            }
+    std::ostringstream bytes;
+    BinaryWriter out(bytes);
+    for (const OptionField& f : OptionFileFields(copy)) {
+        if (auto* p = std::get_if<float*>(&f.value)) {
+            out.F32(**p);
+        } else {
+            out.I16(*std::get<std::int16_t*>(f.value));
         }
-        return out.Good();
-    });
-    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+    }
+    return std::move(bytes).str();
+}
+
+Status WriteOptionFile(const FitOptions& options, const std::string& path) {
+    return WriteFileBytes(path, OptionFileBytes(options), msg::kErrorWritingFile);
 }
 
 }  // namespace molvera

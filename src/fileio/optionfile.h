@@ -35,6 +35,9 @@ Status ReadOptionFile(FitOptions& options, const std::string& path);
 /// The same on the first 206 bytes of an option file (more are not looked at).
 Status ReadOptionBytes(FitOptions& options, std::string_view bytes);
 
+/// The 206 bytes of the option file.
+std::string OptionFileBytes(const FitOptions& options);
+
 /// Writes the 206-byte option file; the previous file survives a failure
 /// ("Error in writing file").
 Status WriteOptionFile(const FitOptions& options, const std::string& path);

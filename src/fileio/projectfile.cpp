@@ -1,6 +1,7 @@
 #include "fileio/projectfile.h"
 
 #include <algorithm>
+#include <sstream>
 #include <string_view>
 
 #include "base/binstream.h"
@@ -166,15 +167,17 @@ bool ReadDescription(BinaryReader& in, std::string& text) {
 
 }  // namespace
 
-Status SaveProject(Project& project, const std::string& path) {
+std::string ProjectFileBytes(Project& project) {
     if (project.Description.size() > static_cast<std::size_t>(kDescriptionLength))
         project.Description.resize(kDescriptionLength);
-    const bool ok = WriteFileAtomically(path, [&project](std::ostream& os) {
-        BinaryWriter out(os);
-        WriteProjectBytes(out, project);
-        return out.Good();
-    });
-    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+    std::ostringstream bytes;
+    BinaryWriter out(bytes);
+    WriteProjectBytes(out, project);
+    return std::move(bytes).str();
+}
+
+Status SaveProject(Project& project, const std::string& path) {
+    return WriteFileBytes(path, ProjectFileBytes(project), msg::kErrorWritingFile);
 }
 
 Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead) {

@@ -10,6 +10,9 @@
 
 namespace molvera {
 
+/// The bytes of the project file in version 4.0 (Description first cut to 128 characters).
+std::string ProjectFileBytes(Project& project);
+
 /// Writes the whole project in version 4.0. Description is first cut to 128
 /// characters (and kept so). The previous file survives any failure
 /// ("Error in writing file").

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <optional>
 #include <ostream>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -122,10 +123,11 @@ void PlacePeak(Project& project, int k, LoadedPeak& loaded) {
 
 }  // namespace
 
-Status SaveRegionParameters(const Project& project, const std::string& path) {
+std::string RegionParameterBytes(const Project& project) {
     const Region& region = project.Current();
-    const bool ok = WriteFileAtomically(path, [&](std::ostream& stream) {
-        BinaryWriter out(stream);
+    std::ostringstream stream;
+    BinaryWriter out(stream);
+    {
         out.Bytes(kRegionParamsHeader);
         out.I16(region.PeakCount);
         out.I16(region.RangeCount);
@@ -139,9 +141,12 @@ Status SaveRegionParameters(const Project& project, const std::string& path) {
             WritePeak(out, p);
             WritePeakConstraint(out, project.Constraints[s]);
         }
-        return out.Good();
-    });
-    return ok ? Status::Ok() : Status::Error(msg::kErrorWritingFile);
+    }
+    return std::move(stream).str();
+}
+
+Status SaveRegionParameters(const Project& project, const std::string& path) {
+    return WriteFileBytes(path, RegionParameterBytes(project), msg::kErrorWritingFile);
 }
 
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path) {

@@ -14,6 +14,9 @@ namespace molvera {
 /// Magic text at the start of a region parameter file of the current layout.
 inline constexpr const char* kRegionParamsHeader = "MOLVERA 4.0 Region Parameters";
 
+/// The bytes of the region parameter file of the current region.
+std::string RegionParameterBytes(const Project& project);
+
 /// Writes the current region's settings and its peaks (in slot order) to `path`;
 /// fails with "Error in writing file".
 Status SaveRegionParameters(const Project& project, const std::string& path);
