@@ -167,6 +167,7 @@ TEST(ProjectFileLayout, EveryFieldAtItsOffset) {
     const std::string b = SaveToBytes(p, test::ScratchDir() / "known.xps");
     EXPECT_EQ(b.substr(11, 2), "DP");
     EXPECT_EQ(b.substr(kRegion0 + 4, 20), "C 1s                ");
+    // clang-format off
     // Region 0 head and its first two arrays (header: dimensions, count, lower bound).
     ExpectValuesAt(b, 0, {{13, 'h', 3}, {kRegion0, 'h', -1}, {kRegion0 + 2, 'h', 7}, {kRegion0 + 24, 'h', 3},
                           {kRegion0A1, 'h', 1}, {kRegion0A1 + 2, 'i', 4}, {kRegion0A1 + 6, 'i', 0},
@@ -203,6 +204,7 @@ TEST(ProjectFileLayout, EveryFieldAtItsOffset) {
     const std::size_t t = b.size() - 20 - 14 - kPeakSize;
     ExpectValuesAt(b, t, {{0, 'h', 5}, {30, 'f', 111}, {92, 'h', 4}, {94, 'f', 9.75}, {98, 'f', 2},
                           {102, 'h', 3}, {104, 'h', 8}, {106, 'h', 16}});
+    // clang-format on
     EXPECT_EQ(b.substr(b.size() - 16), "Test description");
 }
 

@@ -109,6 +109,7 @@ TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
     const std::size_t curve = 10 + 4 * (static_cast<std::size_t>(r.RangeCount) + 1);
     const std::size_t peakBytes = 64 + curve + 96;
     ASSERT_EQ(b.size(), 45 + 2 * peakBytes);
+    // clang-format off
     ExpectValuesAt(b, 29, {{0, 'h', 2}, {2, 'h', static_cast<double>(r.RangeCount)}, {4, 'h', -1}, {8, 'f', 289}, {12, 'f', 281}});
     // First record is slot 3 although PeakIndex lists slot 4 first; TailScale follows
     // the curve, then the constraint record (position IsReference, FWHM limits).
@@ -118,6 +119,7 @@ TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
                            {c1 - 45 + 4, 'h', -1}, {c1 - 45 + 62, 'h', -1}, {c1 - 45 + 64, 'f', 0.7}});
     // Slot 4: position linked to peak 3.
     ExpectValuesAt(b, 45 + peakBytes, {{28, 'f', 285}, {64 + curve, 'h', -1}, {66 + curve, 'h', 3}});
+    // clang-format on
 }
 
 TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {

@@ -261,6 +261,7 @@ void CheckRealVamas(const RealVamas& f) {
 }
 
 TEST(VamasReal, EveryBlockAgainstTheFilesOwnValues) {
+    // clang-format off
     const RealVamas files[] = {
         {"feranick-xps/2.vms", false, 1486.6, 1,
          {{1386.6, -0.5, 2794}, {289, -0.1, 81}, {110, -0.1, 151}, {15, -0.1, 171}, {33, -0.1, 71}, {15, -0.1, 171}}},
@@ -276,6 +277,7 @@ TEST(VamasReal, EveryBlockAgainstTheFilesOwnValues) {
         {"minespex/vamas.vms", false, 1486.7, 1, {{539, -0.1, 111}}},  // Scienta: experimental variable
         {"pynxtools-xps/regular.vms", true, 1486.61, 2, {{136.61, 1, 1351}}},  // Casa: two variables
     };
+    // clang-format on
     std::string missing;
     for (const RealVamas& f : files) {
         SCOPED_TRACE(f.file);
