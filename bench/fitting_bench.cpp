@@ -1,14 +1,14 @@
 // Fitting speed: one Newton step, and Optimise Region by both methods on a 5000-point
 // region with 4 and with 10 peaks.
 
-#include <benchmark/benchmark.h>
-
 #include <cmath>
 #include <filesystem>
 
+#include <benchmark/benchmark.h>
+
+#include "fileio/optionfile.h"
 #include "fitting/driver.h"
 #include "fitting/newton.h"
-#include "fileio/optionfile.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -52,7 +52,8 @@ void MakeRegion(Project& project, int peaks) {
         const double b = 500.0 + 300.0 / (1.0 + std::exp((287.5 - e) / 1.0));
         double y = b;
         for (int k = 0; k < peaks; ++k) {
-            y += PeakValue(false, e, 277.0 + 21.0 * (k + 0.5) / peaks, 800, 1.2, 30, 0, Subshell::S, 0, 0);
+            y += PeakValue(false, e, 277.0 + 21.0 * (k + 0.5) / peaks, 800, 1.2, 30, 0, Subshell::S,
+                           0, 0);
         }
         region.BindingEnergy[j] = region.RangeBE[j] = static_cast<float>(e);
         region.RawIntensity[j] = region.RangeIntensity[j] = static_cast<float>(y);

@@ -2,17 +2,18 @@
 // with the GUI host and the region window's plot visible, against the same fit with a
 // quiet host. Goal: the GUI fit takes at most 1.2 times the quiet one.
 
+#include <cmath>
+#include <memory>
+
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
 #include <QThread>
-#include <cmath>
-#include <memory>
 
-#include "fitting/driver.h"
-#include "session/fitcommands.h"
 #include "fileio/optionfile.h"
+#include "fitting/driver.h"
 #include "model/project.h"
+#include "session/fitcommands.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -54,7 +55,8 @@ void PrepareFit(Project& project) {
     for (int j = 1; j <= n; ++j) {
         const double e = 300.0 - 0.005 * (j - 1);
         double y = 500.0 + 300.0 / (1.0 + std::exp((287.5 - e) / 1.0));
-        for (int k = 0; k < 10; ++k) y += PeakValue(false, e, 278.0 + 2.0 * k, 800, 1.2, 30, 0, Subshell::S, 0, 0);
+        for (int k = 0; k < 10; ++k)
+            y += PeakValue(false, e, 278.0 + 2.0 * k, 800, 1.2, 30, 0, Subshell::S, 0, 0);
         region.BindingEnergy[j] = static_cast<float>(e);
         region.RawIntensity[j] = static_cast<float>(y);
     }

@@ -1,8 +1,8 @@
 // Speed of the fitting hot path and of the Tougaard background.
 
-#include <benchmark/benchmark.h>
-
 #include <cmath>
+
+#include <benchmark/benchmark.h>
 
 #include "model/project.h"
 #include "spectral/background.h"
@@ -24,7 +24,8 @@ void FillProject(Project& project, int m, bool glSum) {
     const float step = 20.0f / static_cast<float>(m);
     for (int j = 1; j <= m; ++j) {
         const float be = 295 - step * static_cast<float>(j);
-        const float y = 200 + 30 * static_cast<float>(j) / m + 900 * std::exp(-std::pow((be - 285) / 0.9f, 2.0f)) +
+        const float y = 200 + 30 * static_cast<float>(j) / m +
+                        900 * std::exp(-std::pow((be - 285) / 0.9f, 2.0f)) +
                         200 * std::exp(-std::pow((be - 287) / 1.1f, 2.0f));
         reg.BindingEnergy[j] = reg.RangeBE[j] = be;
         reg.RawIntensity[j] = reg.RangeIntensity[j] = y;

@@ -8,9 +8,9 @@
 #include "fileio/exports.h"
 #include "model/host.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 
 namespace molvera::fuzz {
 

@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Project project = sample;
     project.CurrentRegion = static_cast<Int16>(size % 3);  // imports fill from here on
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    const ImportResult result = StoreImport(project, QuietHost(), format->parse(bytes), format->policy);
+    const ImportResult result =
+        StoreImport(project, QuietHost(), format->parse(bytes), format->policy);
     for (const Status& message : result.Messages())
         if (message.message().empty() || message.detail().empty()) std::abort();  // unexplained
     if (result.status.ok()) fuzz::ExerciseProject(project);

@@ -9,12 +9,12 @@
 #include <string>
 #include <string_view>
 
-#include "fitting/driver.h"
 #include "fileio/optionfile.h"
+#include "fitting/driver.h"
 #include "fuzz_support.h"
 #include "model/host.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
+#include "spectral/regionedit.h"
 
 namespace {
 
@@ -49,13 +49,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return p;
     }();
     Project project = sample;
-    if (!ReadOptionBytes(project.Options, std::string_view(reinterpret_cast<const char*>(data), size))) return 0;
+    if (!ReadOptionBytes(project.Options,
+                         std::string_view(reinterpret_cast<const char*>(data), size)))
+        return 0;
     if (size >= kOptionFileSize) {
         const std::string back = path + ".opa";
         if (!WriteOptionFile(project.Options, back)) std::abort();
         std::ifstream in(back, std::ios::binary);
         const std::string written{std::istreambuf_iterator<char>(in), {}};
-        if (written != std::string(reinterpret_cast<const char*>(data), kOptionFileSize)) std::abort();
+        if (written != std::string(reinterpret_cast<const char*>(data), kOptionFileSize))
+            std::abort();
     }
     // Options read from a file are not checked like the dialog's, so a fit may run for
     // thousands of trials: the user presses Stop Fitting, here after 20 yields.

@@ -94,7 +94,9 @@ void BinaryWriter::F32(float v) {
     I32(static_cast<std::int32_t>(u));
 }
 
-void BinaryWriter::Bytes(std::string_view s) { out_.write(s.data(), static_cast<std::streamsize>(s.size())); }
+void BinaryWriter::Bytes(std::string_view s) {
+    out_.write(s.data(), static_cast<std::streamsize>(s.size()));
+}
 
 void BinaryWriter::WriteSingleArray(const std::vector<float>& a) {
     I16(1);

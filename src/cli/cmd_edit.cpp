@@ -4,21 +4,21 @@
 #include <sstream>
 #include <string>
 
+#include "base/numtext.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "base/numtext.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "session/backgroundform.h"
 #include "session/peakform.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 
 namespace molvera::cli {
 
 namespace {
 
-const std::set<std::string> kPeakOptions = {"position", "fwhm", "area", "height", "gl",
-                                            "type",     "splitting", "ts", "tl", "fix", "o"};
+const std::set<std::string> kPeakOptions = {"position",  "fwhm", "area", "height", "gl", "type",
+                                            "splitting", "ts",   "tl",   "fix",    "o"};
 
 // Loads the options and the input project of a command with one file argument.
 bool Prepare(const Args& args, Session& s, int& exitCode) {
@@ -108,7 +108,8 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
 int PeakSlotArg(const Args& args, const Project& project, int& slot) {
     auto s = IntArg(args, "peak", 0, kPeakSlots - 1);
     if (!s) return Fail("--peak takes a slot number 0..50");
-    if (!IsSet(project.Peaks[*s].InUse)) return Fail("peak slot " + std::to_string(*s) + " is empty");
+    if (!IsSet(project.Peaks[*s].InUse))
+        return Fail("peak slot " + std::to_string(*s) + " is empty");
     if (project.Peaks[*s].Region < 0 || project.Peaks[*s].Region >= kRegionCount)
         return Fail("peak " + std::to_string(*s) + " names no region");
     slot = *s;
@@ -141,8 +142,9 @@ int RunBackground(int argc, char** argv) {
     form.highBEText = *args.Value("high");
     const std::string avg = args.Value("average").value_or("1");
     form.averagePoints = avg == "1" ? "None" : avg;
-    form.backgroundType =
-        *type == "shirley" ? "Shirley" : *type == "linear" ? "Linear" : "Tougaard";
+    form.backgroundType = *type == "shirley"  ? "Shirley"
+                          : *type == "linear" ? "Linear"
+                                              : "Tougaard";
     if (auto p = args.Value("param")) {
         if (*type == "shirley") form.shirleySlopeText = *p;
         if (*type == "tougaard") form.tougaardB1Text = *p;
@@ -180,8 +182,9 @@ int RunAddPeak(int argc, char** argv) {
                     (IsSet(r.HasData) ? " has no background" : " holds no data"));
     const int slot = AddPeak(s.project, s.host);
     if (slot < 0)
-        return Fail(r.PeakCount >= kMaxPeaksPerRegion ? RegionName(*region) + " already holds 10 peaks"
-                                                     : "all 51 peak slots are in use");
+        return Fail(r.PeakCount >= kMaxPeaksPerRegion
+                        ? RegionName(*region) + " already holds 10 peaks"
+                        : "all 51 peak slots are in use");
     if (int rc = EditWithPeakEditor(s, args, slot); rc != 0) return rc;
     if (Status st = SaveOutput(s, args); !st) return Refused(st);
     std::printf("%d\n", slot);

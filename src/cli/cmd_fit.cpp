@@ -1,14 +1,15 @@
 // fit and constrain.
 
-#include <cstdio>
-#include <string>
 #include <unistd.h>
 
+#include <cstdio>
+#include <string>
+
+#include "base/numtext.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "base/numtext.h"
-#include "session/fitcommands.h"
 #include "session/constraintform.h"
+#include "session/fitcommands.h"
 
 namespace molvera::cli {
 
@@ -18,7 +19,8 @@ namespace {
 // driver redraws: the pass, the region and the total chi-square.
 class FitHost : public CliHost {
 public:
-    FitHost(Project& project, bool progress) : CliHost(project), project_(project), progress_(progress) {}
+    FitHost(Project& project, bool progress)
+        : CliHost(project), project_(project), progress_(progress) {}
     void RegionInView() override {
         ++passes_;
         if (!progress_) return;
@@ -72,14 +74,16 @@ int RunFit(int argc, char** argv) {
 
 int RunConstrain(int argc, char** argv) {
     Args args(argc, argv, 2, {"unlink", "no-limits"});
-    if (!CheckArgs(args, {"peak", "param", "link", "op", "arg", "unlink", "limits", "no-limits", "o"},
-                   1, Usage("constrain")))
+    if (!CheckArgs(args,
+                   {"peak", "param", "link", "op", "arg", "unlink", "limits", "no-limits", "o"}, 1,
+                   Usage("constrain")))
         return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     const std::string param = args.Value("param").value_or("");
     const std::optional<PeakParameter> kind = ParameterArg(param);
     if (!kind) return Fail("--param is position, area, fwhm or gl");
-    if (args.Has("link") && args.Has("unlink")) return Fail("--link and --unlink exclude each other");
+    if (args.Has("link") && args.Has("unlink"))
+        return Fail("--link and --unlink exclude each other");
     if (args.Has("limits") && args.Has("no-limits"))
         return Fail("--limits and --no-limits exclude each other");
     Session s;
@@ -87,7 +91,8 @@ int RunConstrain(int argc, char** argv) {
     if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     auto slot = IntArg(args, "peak", 0, kPeakSlots - 1);
     if (!slot) return Fail("--peak takes a slot number 0..50");
-    if (!IsSet(s.project.Peaks[*slot].InUse)) return Fail("peak slot " + std::to_string(*slot) + " is empty");
+    if (!IsSet(s.project.Peaks[*slot].InUse))
+        return Fail("peak slot " + std::to_string(*slot) + " is empty");
     s.project.CurrentPeak = static_cast<Int16>(*slot);
 
     ConstraintForm form;

@@ -5,13 +5,13 @@
 #include <filesystem>
 #include <string>
 
+#include "base/messages.h"
+#include "base/numtext.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
 #include "fileio/exports.h"
 #include "fileio/formats.h"
-#include "base/numtext.h"
 #include "fileio/regionparams.h"
-#include "base/messages.h"
 #include "model/project.h"
 
 namespace molvera::cli {
@@ -81,7 +81,8 @@ int RunImport(int argc, char** argv) {
     const ImportFormat* format = FindImportFormat(args.Positional()[0]);
     if (!format) {
         std::string names;
-        for (const ImportFormat& f : ImportFormats()) names += (names.empty() ? "" : ", ") + std::string(f.name);
+        for (const ImportFormat& f : ImportFormats())
+            names += (names.empty() ? "" : ", ") + std::string(f.name);
         return Fail("unknown format '" + args.Positional()[0] + "' (" + names + ")");
     }
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");

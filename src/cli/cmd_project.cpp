@@ -87,11 +87,13 @@ bool ApplyLevelSpec(const std::string& levelText, std::size_t numbers,
 
 int RunOptions(int argc, char** argv) {
     Args args(argc, argv, 2, {"gl-sum", "gl-product"});
-    const std::set<std::string> known = {"from",        "method",      "search-trials",
-                                         "newton-trials", "tolerance", "pos-search",
-                                         "area-search", "fwhm-search", "pos-newton",
-                                         "area-newton", "fwhm-newton", "gl-sum",
-                                         "gl-product",  "o"};
+    const std::set<std::string> known = {"from",          "method",
+                                         "search-trials", "newton-trials",
+                                         "tolerance",     "pos-search",
+                                         "area-search",   "fwhm-search",
+                                         "pos-newton",    "area-newton",
+                                         "fwhm-newton",   "gl-sum",
+                                         "gl-product",    "o"};
     if (!CheckArgs(args, known, 0, Usage("options"))) return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o FILE.opa)");
     if (args.Has("gl-sum") && args.Has("gl-product"))

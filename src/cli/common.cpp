@@ -1,13 +1,14 @@
 #include "cli/common.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
-#include <unistd.h>
 
 #include "base/numtext.h"
-#include "fileio/projectfile.h"
 #include "fileio/optionfile.h"
+#include "fileio/projectfile.h"
 
 namespace molvera::cli {
 

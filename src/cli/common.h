@@ -6,10 +6,10 @@
 #include <set>
 #include <string>
 
-#include "cli/args.h"
-#include "session/sessionhost.h"
-#include "model/records.h"
 #include "base/status.h"
+#include "cli/args.h"
+#include "model/records.h"
+#include "session/sessionhost.h"
 
 namespace molvera::cli {
 

@@ -14,11 +14,20 @@ bool ValidSlot(int s) { return s >= 0 && s < kPeakSlots; }
 /// v combined with a by operation `op`; nothing for an unknown operation.
 bool Combine(int op, double v, double a, double& out) {
     switch (op) {
-        case 0: out = v + a; return true;
-        case 1: out = v - a; return true;
-        case 2: out = v * a; return true;
-        case 3: out = v / a; return true;
-        default: return false;
+        case 0:
+            out = v + a;
+            return true;
+        case 1:
+            out = v - a;
+            return true;
+        case 2:
+            out = v * a;
+            return true;
+        case 3:
+            out = v / a;
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -36,17 +45,31 @@ void ApplyRelation(Project& project, PeakParameter g, int r, int d) {
     Peak& dep = project.Peaks[d];
     double v = 0;
     switch (g) {
-        case PeakParameter::Position: v = ref.Position; break;
-        case PeakParameter::Area: v = ref.Area; break;
-        case PeakParameter::FWHM: v = ref.FWHM; break;
-        case PeakParameter::GL: v = ref.PercentGL; break;
+        case PeakParameter::Position:
+            v = ref.Position;
+            break;
+        case PeakParameter::Area:
+            v = ref.Area;
+            break;
+        case PeakParameter::FWHM:
+            v = ref.FWHM;
+            break;
+        case PeakParameter::GL:
+            v = ref.PercentGL;
+            break;
     }
     double result = 0;
     if (!Combine(c.Operation, v, c.Argument, result)) return;
     switch (g) {
-        case PeakParameter::Position: StoreSingle(dep.Position, result); break;
-        case PeakParameter::Area: StoreSingle(dep.Area, result); break;
-        case PeakParameter::FWHM: StoreSingle(dep.FWHM, result); break;
+        case PeakParameter::Position:
+            StoreSingle(dep.Position, result);
+            break;
+        case PeakParameter::Area:
+            StoreSingle(dep.Area, result);
+            break;
+        case PeakParameter::FWHM:
+            StoreSingle(dep.FWHM, result);
+            break;
         case PeakParameter::GL:
             if (std::isfinite(result)) {
                 if (auto gl = ToInt16(result)) dep.PercentGL = *gl;

@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/messages.h"
+#include "base/numtext.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
-#include "base/numtext.h"
-#include "base/messages.h"
 
 namespace molvera {
 
@@ -31,7 +31,8 @@ std::optional<std::pair<float, float>> DataPair(std::string_view line) {
         if (!item->empty()) items.push_back(*item);  // doubled separators give empty items
     }
     if (items.size() < 2 || LeadingNumberLength(items[0]) == 0) return std::nullopt;
-    return std::make_pair(static_cast<float>(LeadingNumber(items[0])), static_cast<float>(LeadingNumber(items[1])));
+    return std::make_pair(static_cast<float>(LeadingNumber(items[0])),
+                          static_cast<float>(LeadingNumber(items[1])));
 }
 
 // True when `energy` runs against the direction of the energies read so far: after
@@ -58,7 +59,8 @@ ImportedData ReadAscii(std::string_view text) {
         if (pos < text.size() && text[pos] == '\n') ++pos;
         const auto pair = DataPair(line);
         if (!pair) {
-            if (!s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos) interrupted = true;
+            if (!s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos)
+                interrupted = true;
             continue;
         }
         if (interrupted && StartsAgain(s.energy, pair->first)) break;
@@ -72,7 +74,8 @@ ImportedData ReadAscii(std::string_view text) {
     }
     ImportedData data;
     if (s.energy.empty()) {
-        data.status = Status::Error(msg::kErrorReadingFileImport, "no line holds a pair of numbers");
+        data.status =
+            Status::Error(msg::kErrorReadingFileImport, "no line holds a pair of numbers");
         return data;
     }
     s.overflow = more;

@@ -4,8 +4,8 @@
 #include <ostream>
 
 #include "base/binstream.h"
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "fileio/files.h"
 
 namespace molvera {

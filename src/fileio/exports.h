@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "model/records.h"
 #include "base/status.h"
+#include "model/records.h"
 
 namespace molvera {
 

@@ -39,21 +39,25 @@ Status ReadFileBytes(const std::string& path, std::size_t maxBytes, const char* 
 Status WithFileName(const Status& status, const std::string& path) {
     if (status.ok()) return status;
     const std::string name = std::filesystem::path(path).filename().string();
-    return Status::Error(status.message(), status.detail().empty() ? name : name + ": " + status.detail());
+    return Status::Error(status.message(),
+                         status.detail().empty() ? name : name + ": " + status.detail());
 }
 
 Status WriteFileBytes(const std::string& path, std::string_view bytes, const char* message) {
     namespace fs = std::filesystem;
-    auto fail = [&](const std::string& why) { return WithFileName(Status::Error(message, why), path); };
+    auto fail = [&](const std::string& why) {
+        return WithFileName(Status::Error(message, why), path);
+    };
     std::error_code ec;
     if (fs::is_directory(path, ec)) return fail("a folder, not a file");
     const fs::path target(path);
     std::random_device rd;
-    const fs::path temp =
-        target.parent_path() / (target.filename().string() + ".tmp" + std::to_string(rd() % 1000000));
+    const fs::path temp = target.parent_path() /
+                          (target.filename().string() + ".tmp" + std::to_string(rd() % 1000000));
     {
         std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        if (!out) return fail("the folder cannot be written to: " + std::string(std::strerror(errno)));
+        if (!out)
+            return fail("the folder cannot be written to: " + std::string(std::strerror(errno)));
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         out.flush();
         const int writeError = errno;
@@ -61,7 +65,8 @@ Status WriteFileBytes(const std::string& path, std::string_view bytes, const cha
         out.close();
         if (!ok || out.fail()) {
             fs::remove(temp, ec);
-            return fail("the data could not all be written: " + std::string(std::strerror(writeError)));
+            return fail("the data could not all be written: " +
+                        std::string(std::strerror(writeError)));
         }
     }
     fs::rename(temp, target, ec);

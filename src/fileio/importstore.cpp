@@ -28,14 +28,16 @@ void StoreRegions(Project& project, Host& host, const std::vector<ImportedSpectr
     const Int16 start = project.CurrentRegion;
     for (std::size_t k = 0; k < spectra.size(); ++k) {
         PrepareRegionForImport(project, host);
-        if (spectra[k].overflow) notices.push_back(TooManyPoints(project.CurrentRegion, spectra[k].caption));
+        if (spectra[k].overflow)
+            notices.push_back(TooManyPoints(project.CurrentRegion, spectra[k].caption));
         StoreSpectrum(project, spectra[k], policy.sort);
         if (k + 1 == spectra.size() && !policy.checkAfterLast) break;
         project.CurrentRegion = static_cast<Int16>((project.CurrentRegion + 1) % kRegionCount);
         if (project.CurrentRegion == start) {
-            notices.push_back(Status::Error(msg::kTooManyRegions,
-                                            "every region from region " + std::to_string(start + 1) +
-                                                " on has been filled; the spectra after that are left out"));
+            notices.push_back(
+                Status::Error(msg::kTooManyRegions,
+                              "every region from region " + std::to_string(start + 1) +
+                                  " on has been filled; the spectra after that are left out"));
             break;
         }
     }
@@ -93,14 +95,16 @@ ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
     }
     if (policy.store == StoreRule::FittedRegion) return StoreKratos(project, host, data);
     if (data.spectra.empty()) {
-        result.status = data.status.ok() ? Status::Error(msg::kErrorReadingFileImport) : data.status;
+        result.status =
+            data.status.ok() ? Status::Error(msg::kErrorReadingFileImport) : data.status;
         return result;
     }
 
     if (policy.store == StoreRule::CurrentRegion) {
         PrepareRegionForImport(project, host);
         if (data.spectra.front().overflow)
-            result.notices.push_back(Status::Error(msg::kOnly5000Points, "the pairs after the 5000th are left out"));
+            result.notices.push_back(
+                Status::Error(msg::kOnly5000Points, "the pairs after the 5000th are left out"));
         StoreSpectrum(project, data.spectra.front(), policy.sort);
         host.RegionInView();
         host.RegionListChanged();

@@ -29,7 +29,7 @@ struct ImportedSpectrum {
 struct ImportedFit {
     Int16 regionNumber = 0;
     std::string caption;
-    float low = 0;   ///< background range, eV
+    float low = 0;  ///< background range, eV
     float high = 0;
     BackgroundKind type = BackgroundKind::Shirley;
     std::vector<Peak> peaks;  ///< label, %GL, position, height percentage and FWHM of each
@@ -37,7 +37,7 @@ struct ImportedFit {
 
 /// What a reader made of a file. Nothing of the project has been touched.
 struct ImportedData {
-    std::vector<ImportedSpectrum> spectra;  ///< in file order
+    std::vector<ImportedSpectrum> spectra;   ///< in file order
     std::optional<std::string> description;  ///< the project's description from the file
     std::optional<ImportedFit> fit;          ///< Kratos only
     /// Ok, or why the file could not be read (wholly or to its end). With no spectra

@@ -18,7 +18,8 @@ std::string ItemReader::Where() const {
     // CR LF, LF and a lone CR each end a line.
     int line = 1;
     for (std::size_t i = 0; i < pos_ && i < text_.size(); ++i) {
-        if (text_[i] == '\n' || (text_[i] == '\r' && (i + 1 >= text_.size() || text_[i + 1] != '\n')))
+        if (text_[i] == '\n' ||
+            (text_[i] == '\r' && (i + 1 >= text_.size() || text_[i + 1] != '\n')))
             ++line;
     }
     return "line " + std::to_string(line);
@@ -43,7 +44,8 @@ void ItemReader::FinishItem() {
 }
 
 void ItemReader::SkipEmptyLines() {
-    while (pos_ < text_.size() && (text_[pos_] == ' ' || text_[pos_] == '\t' || IsLineEnd(text_[pos_])))
+    while (pos_ < text_.size() &&
+           (text_[pos_] == ' ' || text_[pos_] == '\t' || IsLineEnd(text_[pos_])))
         ++pos_;
 }
 

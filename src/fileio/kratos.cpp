@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "base/binstream.h"
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 
@@ -50,11 +50,14 @@ public:
     // Where the scan stands: the line of the last character read.
     std::string Where() const {
         const std::size_t end = std::min(cursor_ == 0 ? 0 : cursor_ - 1, text_.size());
-        const auto lines = std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(end), '\n');
+        const auto lines =
+            std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(end), '\n');
         return "line " + std::to_string(lines + 1);
     }
 
-    [[noreturn]] void Fail(const std::string& what) const { throw ReadError(Where() + ": " + what); }
+    [[noreturn]] void Fail(const std::string& what) const {
+        throw ReadError(Where() + ": " + what);
+    }
 
     // Up to, not including, the next line feed; the cursor moves past it.
     std::string_view ReadToLineEnd() {
@@ -72,10 +75,12 @@ public:
 
     // One data line: kinetic energy up to the next blank, intensity up to the line feed.
     void DataPoint(double& kinetic, double& intensity) {
-        while (cursor_ < text_.size() && std::string_view(" \t\r\n").find(text_[cursor_]) != std::string_view::npos)
+        while (cursor_ < text_.size() &&
+               std::string_view(" \t\r\n").find(text_[cursor_]) != std::string_view::npos)
             ++cursor_;
         const std::size_t start = cursor_;
-        while (cursor_ < text_.size() && std::string_view(" \t\r\n").find(text_[cursor_]) == std::string_view::npos)
+        while (cursor_ < text_.size() &&
+               std::string_view(" \t\r\n").find(text_[cursor_]) == std::string_view::npos)
             ++cursor_;
         kinetic = Number(text_.substr(start, cursor_ - start), "the kinetic energy");
         intensity = Number(ReadToLineEnd(), "the intensity");
@@ -111,7 +116,6 @@ Int16 ShapeGL(std::string_view shape) {
     return static_cast<Int16>(g > 100 ? 100 : RoundHalfEven(g));
 }
 
-
 struct KratosData {
     float hv = 0;
     std::optional<std::string> comment;
@@ -133,9 +137,10 @@ ImportedFit ReadFit(Scanner& s) {
     fit.low = static_cast<float>(s.Number(values[4], "the low background energy"));
     fit.high = static_cast<float>(s.Number(values[5], "the high background energy"));
     fit.type = values[8].find("SHI") != std::string::npos ? BackgroundKind::Shirley
-                                                             : BackgroundKind::Linear;
+                                                          : BackgroundKind::Linear;
     const auto count = ToInt16(s.Number(values[12], "the component count"));
-    if (!count || *count < 0 || *count > kMaxPeaksPerRegion) s.Fail("more components than a region holds");
+    if (!count || *count < 0 || *count > kMaxPeaksPerRegion)
+        s.Fail("more components than a region holds");
     if (*count == 0) return fit;
     s.Require("=");
     for (int k = 0; k < *count; ++k) {
@@ -206,7 +211,8 @@ bool FindRange(KratosData& d) {
         }
     }
     const double span = static_cast<double>(d.be.front()) - d.be.back();
-    const double m = RoundHalfEven(std::fabs((static_cast<double>(fit.high) - fit.low) * (n - 1) / span) + 1);
+    const double m =
+        RoundHalfEven(std::fabs((static_cast<double>(fit.high) - fit.low) * (n - 1) / span) + 1);
     if (!std::isfinite(m) || m < 2) return false;
     // The range cannot hold more points than the region's arrays.
     d.rangeCount = static_cast<Int16>(m > n ? n : m);
@@ -282,11 +288,13 @@ ImportResult StoreKratos(Project& project, Host& host, const ImportedData& data)
     d.fit = data.fit;
     const bool withPeaks = d.fit && !d.fit->peaks.empty();
     if (withPeaks && static_cast<int>(d.fit->peaks.size()) > AvailableSlots(project)) {
-        result.status = Status::Error(msg::kErrorReadingFile, "the fit has more components than free peak slots");
+        result.status = Status::Error(msg::kErrorReadingFile,
+                                      "the fit has more components than free peak slots");
         return result;
     }
     if (withPeaks && !FindRange(d)) {
-        result.status = Status::Error(msg::kErrorReadingFile, "the fit's background range holds fewer than two points");
+        result.status = Status::Error(msg::kErrorReadingFile,
+                                      "the fit's background range holds fewer than two points");
         return result;
     }
 
@@ -298,7 +306,8 @@ ImportResult StoreKratos(Project& project, Host& host, const ImportedData& data)
     region.PointCount = static_cast<Int16>(n);
     for (int i = 1; i <= n; ++i) {
         region.BindingEnergy[static_cast<std::size_t>(i)] = d.be[static_cast<std::size_t>(i - 1)];
-        region.RawIntensity[static_cast<std::size_t>(i)] = d.intensity[static_cast<std::size_t>(i - 1)];
+        region.RawIntensity[static_cast<std::size_t>(i)] =
+            d.intensity[static_cast<std::size_t>(i - 1)];
     }
     if (data.description && project.Description.empty()) {
         project.Description = data.description->substr(0, kDescriptionLength);
@@ -315,7 +324,8 @@ ImportResult StoreKratos(Project& project, Host& host, const ImportedData& data)
         region.HasBackground = ToFlag(withPeaks);
         int slot = 0;
         for (std::size_t k = 0; k < fit.peaks.size(); ++k) {
-            while (slot < kPeakSlots && IsSet(project.Peaks[static_cast<std::size_t>(slot)].InUse)) ++slot;
+            while (slot < kPeakSlots && IsSet(project.Peaks[static_cast<std::size_t>(slot)].InUse))
+                ++slot;
             if (slot >= kPeakSlots) break;  // cannot happen: the slots were counted before
             ClearPeakSlot(project, slot);
             Peak& p = project.Peaks[static_cast<std::size_t>(slot)];

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "base/messages.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
-#include "base/messages.h"
 
 namespace molvera {
 
@@ -49,8 +49,9 @@ ImportedData ReadLeybold(std::string_view text) {
     std::optional<Int16> regionCount;
     if (regionText) regionCount = ValueAfterEquals(*regionText);
     if (!description || !regionCount || *regionCount <= 0) {
-        data.status = Status::Error(msg::kErrorReadingFileImport,
-                                    reader.Where() + ": a description and a region count \"...=N\" were expected");
+        data.status = Status::Error(
+            msg::kErrorReadingFileImport,
+            reader.Where() + ": a description and a region count \"...=N\" were expected");
         return data;
     }
 

@@ -32,17 +32,17 @@ std::vector<OptionField> OptionFileFields(FitOptions& o) {
     // The levels are interleaved by level number: all six rows of level 1, then level 2...
     for (int i = 0; i < kLevels; ++i) {
         const std::string level = "[" + std::to_string(i + 1) + "].";
-        for (auto [name, rows] : {std::pair{"PositionSearch", &o.PositionSearch},
-                                  std::pair{"AreaSearch", &o.AreaSearch},
-                                  std::pair{"FWHMSearch", &o.FWHMSearch}}) {
+        for (auto [name, rows] :
+             {std::pair{"PositionSearch", &o.PositionSearch},
+              std::pair{"AreaSearch", &o.AreaSearch}, std::pair{"FWHMSearch", &o.FWHMSearch}}) {
             SearchLevel& l = (*rows)[i];
             add(name + level + "Use", &l.Use);
             add(name + level + "Range", &l.Range);
             add(name + level + "Step", &l.Step);
         }
-        for (auto [name, rows] : {std::pair{"PositionNewton", &o.PositionNewton},
-                                  std::pair{"AreaNewton", &o.AreaNewton},
-                                  std::pair{"FWHMNewton", &o.FWHMNewton}}) {
+        for (auto [name, rows] :
+             {std::pair{"PositionNewton", &o.PositionNewton},
+              std::pair{"AreaNewton", &o.AreaNewton}, std::pair{"FWHMNewton", &o.FWHMNewton}}) {
             NewtonLevel& l = (*rows)[i];
             add(name + level + "Use", &l.Use);
             add(name + level + "Delta", &l.Delta);
@@ -56,7 +56,8 @@ Status ReadOptionFile(FitOptions& options, const std::string& path) {
     std::string bytes;
     {
         std::ifstream file(path, std::ios::binary);
-        if (!file) return WithFileName(Status::Error(msg::kErrorReadingFile, "cannot be opened"), path);
+        if (!file)
+            return WithFileName(Status::Error(msg::kErrorReadingFile, "cannot be opened"), path);
         bytes.resize(kOptionFileSize);
         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(file.gcount()));
@@ -72,8 +73,9 @@ Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {
         if (in.Remaining() < FieldSize(f.value)) {
             // A file that ends after the level blocks keeps the previous GLSum.
             if (k + 1 == fields.size()) break;
-            return Status::Error(msg::kErrorReadingFile, std::to_string(bytes.size()) +
-                                                             " bytes: the file ends inside " + f.name);
+            return Status::Error(
+                msg::kErrorReadingFile,
+                std::to_string(bytes.size()) + " bytes: the file ends inside " + f.name);
         }
         if (auto* p = std::get_if<float*>(&f.value)) {
             **p = in.F32();

@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
-#include "model/options.h"
 #include "base/status.h"
+#include "model/options.h"
 
 namespace molvera {
 

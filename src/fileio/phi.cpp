@@ -4,17 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "base/messages.h"
+#include "base/numtext.h"
 #include "fileio/importstore.h"
 #include "fileio/itemreader.h"
-#include "base/numtext.h"
-#include "base/messages.h"
 
 namespace molvera {
 
 namespace {
 
 // One region; `description` receives "A B". Returns what was wrong, or nothing.
-std::optional<std::string> ReadRegion(ItemReader& reader, ImportedSpectrum& s, std::string& description) {
+std::optional<std::string> ReadRegion(ItemReader& reader, ImportedSpectrum& s,
+                                      std::string& description) {
     const auto a = reader.Text();
     const auto b = reader.Text();
     const auto caption = reader.Text();
@@ -43,7 +44,8 @@ std::optional<std::string> ReadRegion(ItemReader& reader, ImportedSpectrum& s, s
         }
     }
     // The closing integer; a file that simply ends after the values is accepted.
-    if (!reader.AtEnd() && !reader.Number()) return reader.Where() + ": the closing number was expected";
+    if (!reader.AtEnd() && !reader.Number())
+        return reader.Where() + ": the closing number was expected";
     return std::nullopt;
 }
 
@@ -60,8 +62,9 @@ ImportedData ReadPhi(std::string_view text) {
         ImportedSpectrum s;
         std::string d;
         if (const auto problem = ReadRegion(reader, s, d)) {
-            data.status = Status::Error(msg::kErrorReadingFileImport,
-                                        "region " + std::to_string(data.spectra.size() + 1) + ", " + *problem);
+            data.status = Status::Error(
+                msg::kErrorReadingFileImport,
+                "region " + std::to_string(data.spectra.size() + 1) + ", " + *problem);
             break;
         }
         description = d;

@@ -5,13 +5,13 @@
 #include <string_view>
 
 #include "base/binstream.h"
+#include "base/messages.h"
 #include "base/numtext.h"
 #include "fileio/files.h"
 #include "fileio/records_io.h"
-#include "base/messages.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 
@@ -118,13 +118,14 @@ void ReadPeakTable(BinaryReader& in, Project& project, Layout layout) {
 
 void ReadTail(BinaryReader& in, Project& project, Layout layout) {
     project.CurrentPeak = in.I16();
-    if (project.CurrentPeak < 0 || project.CurrentPeak >= kPeakSlots) throw ReadError("CurrentPeak");
+    if (project.CurrentPeak < 0 || project.CurrentPeak >= kPeakSlots)
+        throw ReadError("CurrentPeak");
     Peak& edit = project.EditPeak;
     if (layout == Layout::Old) {
         ReadPeakOld(in, edit, project);
     } else {
-        edit.Curve.assign(static_cast<std::size_t>(std::max(RangeCountOfPeakRegion(project, edit), 0)) + 1,
-                          0.0f);
+        edit.Curve.assign(
+            static_cast<std::size_t>(std::max(RangeCountOfPeakRegion(project, edit), 0)) + 1, 0.0f);
         ReadPeak(in, edit, layout == Layout::V30);
     }
     project.TotalPeakCount = in.I16();
@@ -158,7 +159,8 @@ bool ReadDescription(BinaryReader& in, std::string& text) {
         const int length = in.I16();
         if (length < 0) return false;
         text = in.Bytes(static_cast<std::size_t>(length));
-        if (text.size() > static_cast<std::size_t>(kDescriptionLength)) text.resize(kDescriptionLength);
+        if (text.size() > static_cast<std::size_t>(kDescriptionLength))
+            text.resize(kDescriptionLength);
         return true;
     } catch (const ReadError&) {
         return false;
@@ -189,9 +191,11 @@ Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descript
         ReadTail(in, project, layout);
         CheckPeakLists(project);
     } catch (const ReadError& e) {
-        return Status::Error(msg::kErrorReadingFile, "byte " + std::to_string(in.Position()) + ": " + e.what());
+        return Status::Error(msg::kErrorReadingFile,
+                             "byte " + std::to_string(in.Position()) + ": " + e.what());
     } catch (const WrongFormat&) {
-        return Status::Error(msg::kWrongFileFormat, "no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
+        return Status::Error(msg::kWrongFileFormat,
+                             "no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
     }
     std::string description;
     const bool read = ReadDescription(in, description);
@@ -202,7 +206,8 @@ Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descript
 
 Status LoadProject(Project& project, Host& host, const std::string& path) {
     std::string bytes;
-    if (Status read = ReadFileBytes(path, kMaxProjectFileBytes, msg::kErrorReadingFile, bytes); !read)
+    if (Status read = ReadFileBytes(path, kMaxProjectFileBytes, msg::kErrorReadingFile, bytes);
+        !read)
         return read;
     return WithFileName(LoadProjectBytes(project, host, bytes), path);
 }

@@ -124,7 +124,8 @@ void WriteRecord(BinaryWriter& out, const R& record) {
 }
 
 template <typename R>
-void ReadRecord(BinaryReader& in, R& record, RecordLayout layout, const Project* project = nullptr) {
+void ReadRecord(BinaryReader& in, R& record, RecordLayout layout,
+                const Project* project = nullptr) {
     FieldReader reader(in, layout, project);
     VisitFields(record, reader);
 }

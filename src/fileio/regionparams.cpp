@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "base/binstream.h"
+#include "base/messages.h"
 #include "base/numtext.h"
 #include "fileio/files.h"
 #include "fileio/records_io.h"
-#include "base/messages.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 
@@ -151,12 +151,12 @@ Status SaveRegionParameters(const Project& project, const std::string& path) {
 
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path) {
     std::string bytes;
-    if (Status read = ReadFileBytes(path, kMaxFileBytes, msg::kErrorReadingFile, bytes); !read) return read;
+    if (Status read = ReadFileBytes(path, kMaxFileBytes, msg::kErrorReadingFile, bytes); !read)
+        return read;
     return WithFileName(ApplyRegionParameterBytes(project, host, bytes), path);
 }
 
 Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view bytes) {
-
     // The whole file is read before the region is touched, so that a damaged file
     // leaves the region as it was. Only as many peaks are read as can be placed.
     RegionSettings settings;
@@ -172,15 +172,17 @@ Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view 
         if (!IsSet(region.HasData))
             return Status::Error(msg::kIncompatibleRegion, "the region holds no data");
         if (settings.RangeCount > region.PointCount)
-            return Status::Error(msg::kIncompatibleRegion,
-                                 "a range of " + std::to_string(settings.RangeCount) +
-                                     " points, the region has " + std::to_string(region.PointCount));
+            return Status::Error(msg::kIncompatibleRegion, "a range of " +
+                                                               std::to_string(settings.RangeCount) +
+                                                               " points, the region has " +
+                                                               std::to_string(region.PointCount));
         if (!(settings.BackgroundHighBE <= region.MaxBE) ||
             !(settings.BackgroundLowBE >= region.MinBE))
             return Status::Error(msg::kBindingEnergyOutOfRange,
-                                 "the background range " + FormatGeneral(settings.BackgroundLowBE) + " .. " +
-                                     FormatGeneral(settings.BackgroundHighBE) + " eV lies outside the data's " +
-                                     FormatGeneral(region.MinBE) + " .. " + FormatGeneral(region.MaxBE) + " eV");
+                                 "the background range " + FormatGeneral(settings.BackgroundLowBE) +
+                                     " .. " + FormatGeneral(settings.BackgroundHighBE) +
+                                     " eV lies outside the data's " + FormatGeneral(region.MinBE) +
+                                     " .. " + FormatGeneral(region.MaxBE) + " eV");
         const int toRead = settings.PeakCount < available ? settings.PeakCount : available;
         peaks.resize(static_cast<std::size_t>(toRead));
         for (int k = 0; k < toRead; ++k) {
@@ -189,7 +191,8 @@ Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view 
             ReadPeakConstraint(in, loaded.constraint);
         }
     } catch (const ReadError& e) {
-        return Status::Error(msg::kErrorReadingFile, "byte " + std::to_string(in.Position()) + ": " + e.what());
+        return Status::Error(msg::kErrorReadingFile,
+                             "byte " + std::to_string(in.Position()) + ": " + e.what());
     }
 
     ClearRegionParameters(project, host);
@@ -200,14 +203,16 @@ Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view 
     region.BackgroundHighBE = settings.BackgroundHighBE;
     region.BackgroundLowBE = settings.BackgroundLowBE;
     region.PeakCount = 0;
-    for (std::size_t k = 0; k < peaks.size(); ++k) PlacePeak(project, static_cast<int>(k), peaks[k]);
+    for (std::size_t k = 0; k < peaks.size(); ++k)
+        PlacePeak(project, static_cast<int>(k), peaks[k]);
     if (!peaks.empty()) host.PeakListChanged(project.CurrentRegion, PeakList(region), true);
 
     Status status = Status::Ok();
     if (static_cast<int>(peaks.size()) < settings.PeakCount) {
         host.Beep();
-        status = Status::Error(msg::kTooManyPeaks, "the file holds " + std::to_string(settings.PeakCount) +
-                                                       " peaks, " + std::to_string(peaks.size()) + " slots are free");
+        status = Status::Error(msg::kTooManyPeaks,
+                               "the file holds " + std::to_string(settings.PeakCount) + " peaks, " +
+                                   std::to_string(peaks.size()) + " slots are free");
     }
     RecomputeRegion(project, host);
     host.CurvesChanged();

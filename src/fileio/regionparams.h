@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/status.h"
 #include "model/host.h"
 #include "model/records.h"
-#include "base/status.h"
 
 namespace molvera {
 

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "base/binstream.h"
-#include "fileio/importstore.h"
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
+#include "fileio/importstore.h"
 
 namespace molvera {
 
@@ -75,7 +75,9 @@ private:
 };
 
 // A text field; some writers end texts with a NUL byte, which ends the text here.
-std::string TextField(std::string_view line) { return std::string(line.substr(0, line.find('\0'))); }
+std::string TextField(std::string_view line) {
+    return std::string(line.substr(0, line.find('\0')));
+}
 
 bool OneOf(const std::string& word, std::initializer_list<const char*> set) {
     return std::any_of(set.begin(), set.end(), [&](const char* s) { return word == s; });
@@ -120,7 +122,7 @@ bool IsDepthProfile(const std::string& m) { return OneOf(m, {"MAPDP", "MAPSVDP",
 
 Header ReadHeader(Lines& lines) {
     Header h;
-    lines.Skip(4);  // institution, instrument model, operator, experiment
+    lines.Skip(4);              // institution, instrument model, operator, experiment
     lines.Skip(lines.Count());  // comment lines
     h.mode = lines.Word();
     h.scanMode = lines.Word();
@@ -150,7 +152,7 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
     Block b;
     lines.Skip(1);  // block identifier
     b.sample = TextField(lines.Next());
-    lines.Skip(7);  // year, month, day, hours, minutes, seconds, hours ahead of GMT
+    lines.Skip(7);              // year, month, day, hours, minutes, seconds, hours ahead of GMT
     lines.Skip(lines.Count());  // comment lines
     b.technique = lines.Word();
     b.aes = b.technique.find("AES") != std::string::npos;
@@ -164,15 +166,16 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
                            b.technique.starts_with("SIMS") || b.technique.starts_with("SNMS");
     if (IsDepthProfile(h.mode) || sputtered) lines.Skip(3);  // sputtering ion
     const double hv = lines.Real();
-    lines.Skip(3);  // source strength, beam width x and y
+    lines.Skip(3);                     // source strength, beam width x and y
     if (IsMap(h.mode)) lines.Skip(2);  // field of view
     if (OneOf(h.mode, {"MAPSV", "MAPSVDP", "SEM"})) lines.Skip(6);  // line scan corners
     lines.Skip(4);  // polar angle, azimuth, analyser mode, pass energy
     if (b.technique == "AES diff") lines.Skip(1);  // differential width
-    lines.Skip(7);  // magnification, work function, target bias, analysis width x y, take-off polar, azimuth
+    lines.Skip(7);  // magnification, work function, target bias, analysis width x y, take-off
+                    // polar, azimuth
     lines.Skip(1);  // species label
     b.spectrum.caption = TextField(lines.Next());  // transition or charge state label
-    lines.Skip(1);  // charge of detected particle
+    lines.Skip(1);                                 // charge of detected particle
 
     const bool regular = h.scanMode == "REGULAR";
     Abscissa kind = Abscissa::Other;
@@ -200,15 +203,15 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
     lines.Skip(4);  // signal mode, collection time, scans, time correction
     if (IsDepthProfile(h.mode) &&
         OneOf(b.technique, {"AES diff", "AES dir", "EDX", "ELS", "UPS", "XPS", "XRF"}))
-        lines.Skip(7);  // sputtering source
-    lines.Skip(3);  // sample tilt polar angle, azimuth, rotation
+        lines.Skip(7);              // sputtering source
+    lines.Skip(3);                  // sample tilt polar angle, azimuth, rotation
     lines.Skip(3 * lines.Count());  // additional numerical parameters
     lines.Skip(h.futureBlockEntries);
     const std::int64_t values = lines.Count();
     lines.Skip(2 * variables);  // minimum and maximum of each variable
 
-    b.usable = b.xps && kind != Abscissa::Other && intensityVariable >= 0 && (regular || abscissaVariable >= 0) &&
-               variables > 0 && values >= variables;
+    b.usable = b.xps && kind != Abscissa::Other && intensityVariable >= 0 &&
+               (regular || abscissaVariable >= 0) && variables > 0 && values >= variables;
     const std::int64_t points = variables > 0 ? values / variables : 0;
     if (b.usable && keep) {
         b.spectrum.overflow = points > kMaxPoints;
@@ -229,7 +232,8 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
             const auto p = static_cast<std::size_t>(point);
             if (var == intensityVariable) b.spectrum.intensity[p] = static_cast<float>(value);
             if (var == abscissaVariable) {
-                b.spectrum.energy[p] = static_cast<float>(kind == Abscissa::Kinetic ? hv - value : value);
+                b.spectrum.energy[p] =
+                    static_cast<float>(kind == Abscissa::Kinetic ? hv - value : value);
             }
         }
     } else {
@@ -258,7 +262,8 @@ ImportedData ReadVamas(std::string_view text) {
     std::string failure;
     try {
         const Header header = ReadHeader(lines);
-        const std::int64_t blocks = header.inclusionList ? std::min<std::int64_t>(header.blocks, 1) : header.blocks;
+        const std::int64_t blocks =
+            header.inclusionList ? std::min<std::int64_t>(header.blocks, 1) : header.blocks;
         for (std::int64_t k = 0; k < blocks; ++k) {
             Block b = ReadBlock(lines, header, data.spectra.size() < kKept);
             if (k == 0) {
@@ -270,10 +275,13 @@ ImportedData ReadVamas(std::string_view text) {
                     return data;
                 }
             }
-            if (b.usable && data.spectra.size() < kKept) data.spectra.push_back(std::move(b.spectrum));
+            if (b.usable && data.spectra.size() < kKept)
+                data.spectra.push_back(std::move(b.spectrum));
         }
         if (header.inclusionList && header.blocks > 1)
-            failure = "blocks after the first leave out parameters (inclusion list): only the first is read";
+            failure =
+                "blocks after the first leave out parameters (inclusion list): only the first is "
+                "read";
     } catch (const ReadError& e) {
         failure = e.what();
     }
@@ -281,8 +289,9 @@ ImportedData ReadVamas(std::string_view text) {
     if (!failure.empty())
         data.status = Status::Error(msg::kErrorReadingFileImport, failure);
     else if (data.spectra.empty())
-        data.status = haveFirst ? Status::Error(msg::kNotXps, "no block holds an XPS spectrum")
-                                : Status::Error(msg::kErrorReadingFileImport, "the file holds no block");
+        data.status = haveFirst
+                          ? Status::Error(msg::kNotXps, "no block holds an XPS spectrum")
+                          : Status::Error(msg::kErrorReadingFileImport, "the file holds no block");
     if (data.spectra.empty()) data.description.reset();
     return data;
 }

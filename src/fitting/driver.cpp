@@ -80,8 +80,8 @@ void SearchRegion(Project& project, Host& host) {
                 project.StopRequested = true;
                 break;
             }
-            const float r = static_cast<float>(
-                (static_cast<double>(old) - project.TotalChiSquare) / old);
+            const float r =
+                static_cast<float>((static_cast<double>(old) - project.TotalChiSquare) / old);
             if (r < project.Options.Tolerance) {
                 project.StopRequested = true;
                 break;
@@ -169,7 +169,9 @@ void OptimisePeakParameter(Project& project, Host& host, int p, PeakParameter g)
         case PeakParameter::FWHM:
             newton ? NewtonPeakFWHM(project, host, p) : SearchFWHM(project, host, p);
             break;
-        case PeakParameter::GL: SearchGL(project, host, p); break;
+        case PeakParameter::GL:
+            SearchGL(project, host, p);
+            break;
     }
     EndFit(project, host);
 }

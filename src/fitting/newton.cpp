@@ -85,7 +85,8 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
 /// they improve.
 template <typename Step, typename DeltaOf>
 void NewtonPeakParameter(Project& project, Host& host, int p,
-                         const std::array<NewtonLevel, kLevels>& levels, Step step, DeltaOf deltaOf) {
+                         const std::array<NewtonLevel, kLevels>& levels, Step step,
+                         DeltaOf deltaOf) {
     for (int level = 0; level < kLevels; ++level) {
         if (!IsSet(levels[level].Use)) continue;
         const float delta = deltaOf(level);
@@ -117,7 +118,8 @@ void NewtonFWHM(Project& project, Host& host, int p, float delta, bool& improved
 float NewtonAreaDelta(Project& project, int p, int level) {
     Peak& peak = project.Peaks[p];
     if (peak.Area == 0) peak.Area = 1;
-    return static_cast<float>(static_cast<double>(peak.Area) * project.Options.AreaNewton[level].Delta);
+    return static_cast<float>(static_cast<double>(peak.Area) *
+                              project.Options.AreaNewton[level].Delta);
 }
 
 void NewtonPeakPosition(Project& project, Host& host, int p) {

@@ -14,10 +14,14 @@ namespace {
 /// The value of the searched parameter in a peak, as a double.
 double ValueOf(const Peak& peak, PeakParameter g) {
     switch (g) {
-        case PeakParameter::Position: return peak.Position;
-        case PeakParameter::Area: return peak.Area;
-        case PeakParameter::FWHM: return peak.FWHM;
-        case PeakParameter::GL: break;
+        case PeakParameter::Position:
+            return peak.Position;
+        case PeakParameter::Area:
+            return peak.Area;
+        case PeakParameter::FWHM:
+            return peak.FWHM;
+        case PeakParameter::GL:
+            break;
     }
     return peak.PercentGL;
 }
@@ -52,7 +56,8 @@ void RebuildRegionSums(Project& project, int p) {
                                      (static_cast<double>(project.Peaks[q].Curve[j]) - b));
         }
         region.PeakSumCurve[j] = sum;
-        region.Residual[j] = static_cast<float>(static_cast<double>(region.RangeIntensity[j]) - sum);
+        region.Residual[j] =
+            static_cast<float>(static_cast<double>(region.RangeIntensity[j]) - sum);
     }
 }
 
@@ -72,8 +77,8 @@ void FinishSearch(Project& project, Host& host, ScoreMode mode, PeakParameter g,
         RebuildRegionSums(project, p);
         host.RegionInView();
         Region& region = project.Current();
-        project.TotalChiSquare = static_cast<float>(
-            static_cast<double>(project.TotalChiSquare) - region.ChiSquare + bestScore);
+        project.TotalChiSquare = static_cast<float>(static_cast<double>(project.TotalChiSquare) -
+                                                    region.ChiSquare + bestScore);
         region.ChiSquare = bestScore;
         host.ChiSquareChanged(project.CurrentRegion, bestScore);
         host.TotalChiSquareChanged(project.TotalChiSquare);
@@ -136,9 +141,9 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
     }
     SetValue(edit, g, best);
     if (g == PeakParameter::Area) {
-        edit.HeightPercent = AreaToHeightPercent(glSum, netScale, edit.Area, edit.FWHM,
-                                                 edit.PercentGL, edit.PeakType, edit.TailScale,
-                                                 edit.TailLength);
+        edit.HeightPercent =
+            AreaToHeightPercent(glSum, netScale, edit.Area, edit.FWHM, edit.PercentGL,
+                                edit.PeakType, edit.TailScale, edit.TailLength);
     }
     return bestScore;
 }
@@ -226,7 +231,8 @@ void SearchPeak(Project& project, Host& host, int p) {
         if (peak.FixGL == 0) SearchGL(project, host, p);
         if (project.StopRequested) return;
         if (old == 0) return;
-        const float r = static_cast<float>((static_cast<double>(old) - project.Current().ChiSquare) / old);
+        const float r =
+            static_cast<float>((static_cast<double>(old) - project.Current().ChiSquare) / old);
         if (!(r >= project.Options.Tolerance)) return;
         old = project.Current().ChiSquare;
     }

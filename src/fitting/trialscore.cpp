@@ -18,22 +18,27 @@ ScoreMode ChooseScoreMode(const Project& project, PeakParameter g, int p) {
 
 float& ParameterField(Peak& peak, PeakParameter g) {
     switch (g) {
-        case PeakParameter::Position: return peak.Position;
-        case PeakParameter::Area: return peak.Area;
+        case PeakParameter::Position:
+            return peak.Position;
+        case PeakParameter::Area:
+            return peak.Area;
         case PeakParameter::FWHM:
-        case PeakParameter::GL: break;
+        case PeakParameter::GL:
+            break;
     }
     return peak.FWHM;
 }
 
 float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
     switch (mode) {
-        case ScoreMode::Alone: return TrialChiSquare(project, p);
+        case ScoreMode::Alone:
+            return TrialChiSquare(project, p);
         case ScoreMode::Region:
             Propagate(project, g, p);
             ComputeRegionEnvelope(project, host);
             return project.Current().ChiSquare;
-        case ScoreMode::AllRegions: break;
+        case ScoreMode::AllRegions:
+            break;
     }
     Propagate(project, g, p);
     RecomputeRegionsWithBackground(project, QuietHost());
@@ -42,12 +47,15 @@ float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, 
 
 void SettleProject(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
     switch (mode) {
-        case ScoreMode::Alone: ComputeRegionEnvelope(project, host); return;
+        case ScoreMode::Alone:
+            ComputeRegionEnvelope(project, host);
+            return;
         case ScoreMode::Region:
             Propagate(project, g, p);
             ComputeRegionEnvelope(project, host);
             return;
-        case ScoreMode::AllRegions: break;
+        case ScoreMode::AllRegions:
+            break;
     }
     Propagate(project, g, p);
     RecomputeRegionsWithBackground(project, host);

@@ -12,20 +12,28 @@ Text20 Text20::From(std::string_view text) {
 
 const char* ParameterName(PeakParameter parameter) {
     switch (parameter) {
-        case PeakParameter::Position: return "Position";
-        case PeakParameter::Area: return "Area";
-        case PeakParameter::FWHM: return "FWHM";
-        case PeakParameter::GL: break;
+        case PeakParameter::Position:
+            return "Position";
+        case PeakParameter::Area:
+            return "Area";
+        case PeakParameter::FWHM:
+            return "FWHM";
+        case PeakParameter::GL:
+            break;
     }
     return "GL";
 }
 
 ParameterConstraint& PeakConstraint::operator[](PeakParameter parameter) {
     switch (parameter) {
-        case PeakParameter::Position: return Position;
-        case PeakParameter::Area: return Area;
-        case PeakParameter::FWHM: return FWHM;
-        case PeakParameter::GL: break;
+        case PeakParameter::Position:
+            return Position;
+        case PeakParameter::Area:
+            return Area;
+        case PeakParameter::FWHM:
+            return FWHM;
+        case PeakParameter::GL:
+            break;
     }
     return GL;
 }
@@ -35,7 +43,8 @@ const ParameterConstraint& PeakConstraint::operator[](PeakParameter parameter) c
 }
 
 std::span<const Int16> PeakList(const Region& region) {
-    const auto count = static_cast<std::size_t>(std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion));
+    const auto count =
+        static_cast<std::size_t>(std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion));
     return std::span<const Int16>(region.PeakIndex.data(), count);
 }
 
@@ -96,8 +105,8 @@ void ClearProject(Project& project, Host& host) {
 void ResizeRegionArrays(Region& region, int n) {
     const std::size_t size = static_cast<std::size_t>(std::max(n, 0)) + 1;
     for (SingleArray* a : {&region.BindingEnergy, &region.RawIntensity, &region.RangeBE,
-                           &region.RangeIntensity, &region.BackgroundWork,
-                           &region.BackgroundCurve, &region.PeakSumCurve, &region.Residual}) {
+                           &region.RangeIntensity, &region.BackgroundWork, &region.BackgroundCurve,
+                           &region.PeakSumCurve, &region.Residual}) {
         a->assign(size, 0.0f);
     }
 }
@@ -136,8 +145,7 @@ void ReleaseTies(Project& project, int slot) {
             }
         }
     }
-    for (PeakParameter g : kPeakParameters)
-        project.Constraints[slot][g].UseLimits = kFalse;
+    for (PeakParameter g : kPeakParameters) project.Constraints[slot][g].UseLimits = kFalse;
 }
 
 int FirstFreePeakSlot(const Project& project) {

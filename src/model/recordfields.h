@@ -20,10 +20,8 @@ enum class RecordLayout { Unversioned, V30, V40 };
 /// True when `value` lies in lo..hi.
 constexpr bool InRange(int value, int lo, int hi) { return value >= lo && value <= hi; }
 template <typename E>
-    requires std::is_enum_v<E>
-constexpr bool InRange(E value, E lo, E hi) {
-    return value >= lo && value <= hi;
-}
+requires std::is_enum_v<E>
+constexpr bool InRange(E value, E lo, E hi) { return value >= lo && value <= hi; }
 
 /// `R` is `Record` or `const Record`.
 template <typename R, typename Record>
@@ -91,12 +89,11 @@ void VisitFields(R& r, V& v) {
     v.Field("ChiSquare", r.ChiSquare);
     // The range arrays are as long as the spectrum and cover at least the range.
     const std::size_t range = static_cast<std::size_t>(r.RangeCount) + 1;
-    for (auto [name, a] : {std::pair{"RangeBE", &r.RangeBE},
-                           std::pair{"RangeIntensity", &r.RangeIntensity},
-                           std::pair{"BackgroundWork", &r.BackgroundWork},
-                           std::pair{"BackgroundCurve", &r.BackgroundCurve},
-                           std::pair{"PeakSumCurve", &r.PeakSumCurve},
-                           std::pair{"Residual", &r.Residual}}) {
+    for (auto [name, a] :
+         {std::pair{"RangeBE", &r.RangeBE}, std::pair{"RangeIntensity", &r.RangeIntensity},
+          std::pair{"BackgroundWork", &r.BackgroundWork},
+          std::pair{"BackgroundCurve", &r.BackgroundCurve},
+          std::pair{"PeakSumCurve", &r.PeakSumCurve}, std::pair{"Residual", &r.Residual}}) {
         v.Points(name, *a, points);
         v.Check(name, a->size() >= range);
     }

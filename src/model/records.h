@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "model/options.h"
 #include "base/limits.h"
+#include "model/options.h"
 
 namespace molvera {
 

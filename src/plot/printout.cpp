@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "base/numtext.h"
 #include "base/limits.h"
+#include "base/numtext.h"
 #include "plot/spectrumplot.h"
 
 namespace molvera {
@@ -11,7 +11,8 @@ namespace molvera {
 namespace {
 
 // The peak table from the plot box's upper-left corner (x0, y0) downwards.
-void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double w, double h) {
+void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double w,
+                   double h) {
     canvas.SetBold(true);
     const char* headers[] = {"Peak", "Position", "Area", "FWHM", "%GL"};
     const double headerX[] = {0, 3.2, 6.2, 9, 12};
@@ -59,9 +60,10 @@ void DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
     const PlotExtents e = RegionExtents(region);
     const double step = TickStep(e.dBE);
     double w = 0, h = 0;
-    SetBoxAndMeasure(canvas,
-                     {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20},
-                     true, w, h);
+    SetBoxAndMeasure(
+        canvas,
+        {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20}, true,
+        w, h);
     PlotBox box;
     for (int round = 0; round < 2; ++round) {
         box = InnerBox(e, w, h);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/numtext.h"
 #include "base/limits.h"
+#include "base/numtext.h"
 
 namespace molvera {
 
@@ -24,7 +24,10 @@ void SafeSpan(double hi, double lo, double& outHi, double& outLo, double& span) 
         span = hi - lo;
         return;
     }
-    double centre = Finite(hi, lo) ? (hi + lo) / 2 : std::isfinite(hi) ? hi : std::isfinite(lo) ? lo : 0;
+    double centre = Finite(hi, lo)      ? (hi + lo) / 2
+                    : std::isfinite(hi) ? hi
+                    : std::isfinite(lo) ? lo
+                                        : 0;
     if (!std::isfinite(centre)) centre = 0;
     const double half = std::max(0.5, std::abs(centre) * 1e-6);
     outHi = centre + half;
@@ -51,8 +54,8 @@ double FirstTickIndex(double minBE, double step) {
 
 // A curve against its energies: x(1..n), y(1..n) joined by lines; non-finite points
 // break the line.
-void Polyline(Canvas& canvas, const SingleArray& xs, const SingleArray& ys, int count,
-              Rgb colour, bool startWithPoint) {
+void Polyline(Canvas& canvas, const SingleArray& xs, const SingleArray& ys, int count, Rgb colour,
+              bool startWithPoint) {
     const int stored = static_cast<int>(std::min(xs.size(), ys.size())) - 1;
     const int n = std::min(count, stored);
     if (n < 1) return;
@@ -107,7 +110,8 @@ PlotBox InnerBox(const PlotExtents& e, double w, double h) {
 
 void SetBoxAndMeasure(Canvas& canvas, const PlotBox& box, bool pageMargins, double& w, double& h) {
     if (pageMargins) {
-        // The printout's page margins: an eighth of the width beside, a seventh of the height above and below.
+        // The printout's page margins: an eighth of the width beside, a seventh of the height above
+        // and below.
         const double mx = (box.left - box.right) / 8;
         const double my = (box.top - box.bottom) / 7;
         canvas.SetScale(box.left + mx, box.top + my, box.right - mx, box.bottom - my);
@@ -151,9 +155,10 @@ void DrawRegion(const Project& project, Canvas& canvas, PlotState& state) {
 
     const PlotExtents e = RegionExtents(region);
     double w = 0, h = 0;
-    SetBoxAndMeasure(canvas,
-                     {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20},
-                     false, w, h);
+    SetBoxAndMeasure(
+        canvas,
+        {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20}, false,
+        w, h);
     const double step = TickStep(e.dBE);
     PlotBox box;
     for (int round = 0; round < 2; ++round) {
@@ -193,7 +198,8 @@ void DrawFit(const Project& project, Canvas& canvas) {
 void DrawSelectedPeak(const Project& project, int slot, Canvas& canvas) {
     const Region& region = project.Current();
     bool inRegion = false;
-    for (int k = 0; k < DrawnPeakCount(region); ++k) inRegion = inRegion || PeakSlotAt(region, k) == slot;
+    for (int k = 0; k < DrawnPeakCount(region); ++k)
+        inRegion = inRegion || PeakSlotAt(region, k) == slot;
     if (!inRegion) return;
     canvas.SetLineWidth(2);
     Polyline(canvas, region.RangeBE, project.Peaks[slot].Curve, region.RangeCount, kRed, false);

@@ -165,8 +165,6 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     return true;
 }
 
-void CloseBackgroundDialog(BackgroundForm& form) {
-    form.visible = false;
-}
+void CloseBackgroundDialog(BackgroundForm& form) { form.visible = false; }
 
 }  // namespace molvera

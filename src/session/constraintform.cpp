@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "model/project.h"
 
 namespace molvera {
@@ -28,8 +28,10 @@ void CorrectLimits(const Project& project, int p, PeakParameter kind, ParameterC
             if (region == nullptr) return;
             const double maxBE = region->MaxBE;
             const double minBE = region->MinBE;
-            if (c.HighLimit > maxBE + 0.001 || c.HighLimit < minBE - 0.001) c.HighLimit = region->MaxBE;
-            if (c.LowLimit < minBE - 0.001 || c.LowLimit > maxBE + 0.001) c.LowLimit = region->MinBE;
+            if (c.HighLimit > maxBE + 0.001 || c.HighLimit < minBE - 0.001)
+                c.HighLimit = region->MaxBE;
+            if (c.LowLimit < minBE - 0.001 || c.LowLimit > maxBE + 0.001)
+                c.LowLimit = region->MinBE;
             return;
         }
         case PeakParameter::Area:
@@ -46,10 +48,14 @@ void CorrectLimits(const Project& project, int p, PeakParameter kind, ParameterC
 
 const char* CaptionOf(PeakParameter kind) {
     switch (kind) {
-        case PeakParameter::Position: return "Constraints for Peak Position";
-        case PeakParameter::Area: return "Constraints for Peak Area";
-        case PeakParameter::FWHM: return "Constraint for Peak FWHM";
-        case PeakParameter::GL: break;
+        case PeakParameter::Position:
+            return "Constraints for Peak Position";
+        case PeakParameter::Area:
+            return "Constraints for Peak Area";
+        case PeakParameter::FWHM:
+            return "Constraint for Peak FWHM";
+        case PeakParameter::GL:
+            break;
     }
     return "Constraint for Peak %GL";
 }
@@ -68,7 +74,8 @@ const char* LimitRefusal(const Project& project, int p, PeakParameter kind, floa
         case PeakParameter::Area:
         case PeakParameter::FWHM:
             return high < 0 || low < 0 ? msg::kNegativeRange : nullptr;
-        case PeakParameter::GL: break;
+        case PeakParameter::GL:
+            break;
     }
     const bool outside = high < 0 || high > 100 || low < 0 || low > 100;
     return outside ? msg::kOutOfRange : nullptr;

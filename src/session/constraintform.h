@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "model/records.h"
 #include "base/status.h"
+#include "model/records.h"
 
 namespace molvera {
 

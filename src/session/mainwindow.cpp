@@ -12,9 +12,12 @@ RegionButtonColour RegionButtonColourOf(const Project& project, int region) {
 
 Rgb RegionButtonRgb(RegionButtonColour colour) {
     switch (colour) {
-        case RegionButtonColour::Current: return {255, 255, 192};
-        case RegionButtonColour::HasData: return {192, 255, 192};
-        case RegionButtonColour::ButtonFace: break;
+        case RegionButtonColour::Current:
+            return {255, 255, 192};
+        case RegionButtonColour::HasData:
+            return {192, 255, 192};
+        case RegionButtonColour::ButtonFace:
+            break;
     }
     return {0, 0, 0};
 }
@@ -26,7 +29,8 @@ void SelectRegion(Project& project, SessionHost& host, int k) {
     project.CurrentRegion = static_cast<Int16>(k);
     host.RegionListChanged();
     const Region& region = project.Current();
-    if (IsSet(region.HasData) && IsSet(region.HasBackground)) host.PeakListChanged(k, PeakList(region), true);
+    if (IsSet(region.HasData) && IsSet(region.HasBackground))
+        host.PeakListChanged(k, PeakList(region), true);
     host.HideRegionDialogs();
     host.RegionInView();
 }

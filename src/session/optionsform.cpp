@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "base/messages.h"
 #include "base/numtext.h"
 #include "fileio/optionfile.h"
-#include "base/messages.h"
 #include "model/records.h"
 
 namespace molvera {
@@ -60,7 +60,8 @@ bool ReadPositive(const std::string& text, float& target) {
 }
 
 Status MustBePositive(const char* prefix, int level) {
-    return Status::Error(std::string(prefix) + " " + std::to_string(level) + msg::kMustBePositiveSuffix);
+    return Status::Error(std::string(prefix) + " " + std::to_string(level) +
+                         msg::kMustBePositiveSuffix);
 }
 
 }  // namespace
@@ -109,7 +110,8 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
                 continue;
             }
             l.Use = kTrue;
-            if (!ReadPositive(rows.range[i], l.Range)) return MustBePositive(rows.rangePrefix, level);
+            if (!ReadPositive(rows.range[i], l.Range))
+                return MustBePositive(rows.rangePrefix, level);
             if (!ReadPositive(rows.step[i], l.Step)) return MustBePositive(rows.stepPrefix, level);
         }
         for (NewtonRows rows : NewtonRowsOf(form, options)) {
@@ -119,7 +121,8 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
                 continue;
             }
             l.Use = kTrue;
-            if (!ReadPositive(rows.delta[i], l.Delta)) return MustBePositive(rows.deltaPrefix, level);
+            if (!ReadPositive(rows.delta[i], l.Delta))
+                return MustBePositive(rows.deltaPrefix, level);
         }
     }
     form.visible = false;

@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "model/options.h"
 #include "base/status.h"
+#include "model/options.h"
 
 namespace molvera {
 

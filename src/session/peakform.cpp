@@ -4,20 +4,18 @@
 #include <cmath>
 #include <string>
 
-#include "constraints/propagation.h"
 #include "base/numtext.h"
-#include "spectral/regionedit.h"
+#include "constraints/propagation.h"
 #include "session/formnumber.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 
 namespace molvera {
 
 namespace {
 
-bool ValidSlot(int slot) {
-    return slot >= 0 && slot < kPeakSlots;
-}
+bool ValidSlot(int slot) { return slot >= 0 && slot < kPeakSlots; }
 
 const char* PeakTypeText(Subshell type) {
     switch (type) {
@@ -96,9 +94,7 @@ void SetBarFromPeak(PeakForm& form, PeakParameter which, bool usable, int positi
     if (usable) MoveScrollBar(form, which, position);
 }
 
-Int16 CheckValue(bool checked) {
-    return checked ? 1 : 0;
-}
+Int16 CheckValue(bool checked) { return checked ? 1 : 0; }
 
 void HideEditor(PeakForm& form) { form.visible = false; }
 

@@ -29,7 +29,9 @@ std::array<double, kMaxPoints + 1> gLossWeight;
 std::array<double, kMaxPoints + 1> gNetY;
 
 /// Points usable by the background computations (at most the working arrays' size).
-int BackgroundPoints(const Region& region) { return std::min(UsableRangeCount(region), kMaxPoints); }
+int BackgroundPoints(const Region& region) {
+    return std::min(UsableRangeCount(region), kMaxPoints);
+}
 
 /// Number of data points that the spectrum arrays really hold.
 int DataPoints(const Region& region) {
@@ -72,8 +74,10 @@ void FindRangeEnds(Region& reg, int n) {
 /// Step 3: m from the mean data step, bounded by what the range arrays can hold.
 int RangeCountFor(const Region& reg, int n) {
     const double span = static_cast<double>(reg.BindingEnergy[1]) - reg.BindingEnergy[n];
-    const double m = RoundHalfEven(
-        std::fabs((static_cast<double>(reg.BackgroundHighBE) - reg.BackgroundLowBE) * (n - 1) / span) + 1);
+    const double m =
+        RoundHalfEven(std::fabs((static_cast<double>(reg.BackgroundHighBE) - reg.BackgroundLowBE) *
+                                (n - 1) / span) +
+                      1);
     std::size_t cap = reg.RangeBE.size();
     for (const SingleArray* a : {&reg.RangeIntensity, &reg.BackgroundWork, &reg.BackgroundCurve,
                                  &reg.PeakSumCurve, &reg.Residual})
@@ -91,7 +95,8 @@ void RecomputeRegion(Project& project, Host& host) {
     const int n = DataPoints(reg);
     if (n < 1) return;
 
-    if (reg.BackgroundLowBE > reg.BackgroundHighBE) std::swap(reg.BackgroundLowBE, reg.BackgroundHighBE);
+    if (reg.BackgroundLowBE > reg.BackgroundHighBE)
+        std::swap(reg.BackgroundLowBE, reg.BackgroundHighBE);
     FindRangeEnds(reg, n);
     const int m = RangeCountFor(reg, n);
     reg.RangeCount = static_cast<Int16>(m);
@@ -106,10 +111,13 @@ void RecomputeRegion(Project& project, Host& host) {
     AverageEndPoints(reg);
 
     // A single range point has no step: its background is flat at the start average.
-    reg.LinearStep = m >= 2 ? static_cast<float>((static_cast<double>(reg.EndAverage) - reg.StartAverage) / (m - 1))
-                            : 0.0f;
+    reg.LinearStep =
+        m >= 2
+            ? static_cast<float>((static_cast<double>(reg.EndAverage) - reg.StartAverage) / (m - 1))
+            : 0.0f;
     for (int j = 1; j <= m; ++j)
-        reg.BackgroundWork[j] = static_cast<float>(reg.StartAverage + (j - 1) * static_cast<double>(reg.LinearStep));
+        reg.BackgroundWork[j] =
+            static_cast<float>(reg.StartAverage + (j - 1) * static_cast<double>(reg.LinearStep));
 
     ComputeBackground(reg);
     MeasureNetRange(reg);
@@ -144,13 +152,18 @@ void CopyRangeFromSpectrum(Region& region) {
 void ComputeBackground(Region& region) {
     const int m = UsableRangeCount(region);
     switch (region.BackgroundType) {
-        case BackgroundKind::Shirley: ComputeShirley(region); break;
+        case BackgroundKind::Shirley:
+            ComputeShirley(region);
+            break;
         case BackgroundKind::Linear:
             std::copy(region.BackgroundWork.begin() + 1, region.BackgroundWork.begin() + m + 1,
                       region.BackgroundCurve.begin() + 1);
             break;
-        case BackgroundKind::Tougaard: ComputeTougaard(region); break;
-        default: break;  // no new background
+        case BackgroundKind::Tougaard:
+            ComputeTougaard(region);
+            break;
+        default:
+            break;  // no new background
     }
 }
 
@@ -174,13 +187,17 @@ void AverageEndPoints(Region& region) {
         const int h = region.EndPointAverage / 2;
         for (int i = -h; i <= h; ++i) {
             const int e = std::clamp(region.RangeEnd + i, 1, n);
-            region.EndAverage = static_cast<float>(static_cast<double>(region.EndAverage) + region.RawIntensity[e]);
+            region.EndAverage =
+                static_cast<float>(static_cast<double>(region.EndAverage) + region.RawIntensity[e]);
             const int s = std::clamp(region.RangeStart + i, 1, n);
-            region.StartAverage = static_cast<float>(static_cast<double>(region.StartAverage) + region.RawIntensity[s]);
+            region.StartAverage = static_cast<float>(static_cast<double>(region.StartAverage) +
+                                                     region.RawIntensity[s]);
         }
         // Divided by the count asked for, not by the distinct points read.
-        region.EndAverage = static_cast<float>(static_cast<double>(region.EndAverage) / region.EndPointAverage);
-        region.StartAverage = static_cast<float>(static_cast<double>(region.StartAverage) / region.EndPointAverage);
+        region.EndAverage =
+            static_cast<float>(static_cast<double>(region.EndAverage) / region.EndPointAverage);
+        region.StartAverage =
+            static_cast<float>(static_cast<double>(region.StartAverage) / region.EndPointAverage);
     }
     const int m = UsableRangeCount(region);
     if (m >= 1) {
@@ -203,7 +220,8 @@ void ComputeShirley(Region& region) {
     for (int pass = 0; pass < kShirleyPasses; ++pass) {
         for (int j = 2; j <= m; ++j) gA[j] = static_cast<float>(gR[j - 1] * dE);
         gS[m] = 0;
-        for (int j = m - 1; j >= 1; --j) gS[j] = static_cast<float>(static_cast<double>(gS[j + 1]) + gA[j + 1]);
+        for (int j = m - 1; j >= 1; --j)
+            gS[j] = static_cast<float>(static_cast<double>(gS[j + 1]) + gA[j + 1]);
         // A zero tail sum gives an infinite or undefined k; the passes go on with it.
         k = static_cast<float>((gN[1] - m * s) / gS[1]);
         for (int j = 1; j <= m; ++j) gR[j] = (gN[j] - static_cast<double>(k) * gS[j]) - s * (m - j);
@@ -240,7 +258,8 @@ double NetArea(const Region& region) {
     const int m = UsableRangeCount(region);
     if (m < 2) return 0;
     double sum = 0;
-    for (int j = 1; j <= m; ++j) sum += static_cast<double>(region.RangeIntensity[j]) - region.BackgroundCurve[j];
+    for (int j = 1; j <= m; ++j)
+        sum += static_cast<double>(region.RangeIntensity[j]) - region.BackgroundCurve[j];
     return EnergyStep(region) * sum;
 }
 

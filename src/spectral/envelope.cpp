@@ -33,8 +33,10 @@ void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
         const PeakShape shape(glSum, peak, reg.Shift);
         for (int j = 1; j <= m; ++j) {
             const double v = static_cast<double>(shape(reg.RangeBE[j])) + reg.BackgroundCurve[j];
-            if (guarded) StoreIfFinite(peak.Curve[j], v);
-            else peak.Curve[j] = static_cast<float>(v);
+            if (guarded)
+                StoreIfFinite(peak.Curve[j], v);
+            else
+                peak.Curve[j] = static_cast<float>(v);
         }
     }
 }
@@ -59,10 +61,12 @@ float EnvelopeChiSquare(Project& project, int r) {
         for (int k = 0; k < count; ++k) {
             const int q = reg.PeakIndex[k];
             if (!ValidSlot(q)) continue;
-            StoreIfFinite(reg.PeakSumCurve[j],
-                          reg.PeakSumCurve[j] + (static_cast<double>(project.Peaks[q].Curve[j]) - B));
+            StoreIfFinite(
+                reg.PeakSumCurve[j],
+                reg.PeakSumCurve[j] + (static_cast<double>(project.Peaks[q].Curve[j]) - B));
         }
-        StoreIfFinite(reg.Residual[j], static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
+        StoreIfFinite(reg.Residual[j],
+                      static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
         const double res = reg.Residual[j];
         StoreIfFinite(acc, acc + res * res / Weight(reg.RangeIntensity[j]));
     }
@@ -75,8 +79,8 @@ float EnvelopeChiSquare(Project& project, int r) {
 
 int UsableRangeCount(const Region& region) {
     std::size_t cap = region.RangeBE.size();
-    for (const SingleArray* a : {&region.RangeIntensity, &region.BackgroundWork, &region.BackgroundCurve,
-                                 &region.PeakSumCurve, &region.Residual})
+    for (const SingleArray* a : {&region.RangeIntensity, &region.BackgroundWork,
+                                 &region.BackgroundCurve, &region.PeakSumCurve, &region.Residual})
         cap = std::min(cap, a->size());
     if (cap == 0) return 0;
     return std::clamp<int>(region.RangeCount, 0, static_cast<int>(cap - 1));
@@ -146,7 +150,8 @@ void ResidualWithoutPeak(Project& project, int q) {
             reg.PeakSumCurve[j] = static_cast<float>(
                 reg.PeakSumCurve[j] + (static_cast<double>(project.Peaks[other].Curve[j]) - B));
         }
-        reg.Residual[j] = static_cast<float>(static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
+        reg.Residual[j] =
+            static_cast<float>(static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
     }
 }
 

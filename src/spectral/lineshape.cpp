@@ -3,14 +3,13 @@
 #include <cmath>
 #include <limits>
 
-
 namespace molvera {
 
 namespace {
 
 constexpr double kFourLn2 = 2.77258872;
 constexpr double kSqrtPi = 1.77245385;
-constexpr double kGaussAreaFactor = 1.06446702;  // sqrt(pi / (4 ln2))
+constexpr double kGaussAreaFactor = 1.06446702;   // sqrt(pi / (4 ln2))
 constexpr double kGLSumAreaPerGL = 0.0050632931;  // g = 100 gives pi/2
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -25,8 +24,10 @@ double HalfWidth(double m) {
     double lo = 0, hi = 2;
     for (int i = 0; i < 200 && hi - lo > 1e-15; ++i) {
         const double mid = 0.5 * (lo + hi);
-        if (UnitGLProduct(m, mid) > 0.5) lo = mid;
-        else hi = mid;
+        if (UnitGLProduct(m, mid) > 0.5)
+            lo = mid;
+        else
+            hi = mid;
     }
     return 0.5 * (lo + hi);
 }
@@ -54,22 +55,32 @@ bool InTable(int g) { return g >= 0 && g <= 100; }
 /// Area of the doublet over the area of its main line; 0 for an unknown type.
 double DoubletAreaFactor(Subshell t) {
     switch (t) {
-        case Subshell::S: return 1;
-        case Subshell::P: return 1.5;
-        case Subshell::D: return 5.0 / 3.0;
-        case Subshell::F: return 1.75;
-        default: return 0;
+        case Subshell::S:
+            return 1;
+        case Subshell::P:
+            return 1.5;
+        case Subshell::D:
+            return 5.0 / 3.0;
+        case Subshell::F:
+            return 1.75;
+        default:
+            return 0;
     }
 }
 
 /// Share of the peak's area in its main line; 0 for an unknown type.
 double MainShare(Subshell t) {
     switch (t) {
-        case Subshell::S: return 1;
-        case Subshell::P: return 2.0 / 3.0;
-        case Subshell::D: return 0.6;
-        case Subshell::F: return 4.0 / 7.0;
-        default: return 0;
+        case Subshell::S:
+            return 1;
+        case Subshell::P:
+            return 2.0 / 3.0;
+        case Subshell::D:
+            return 0.6;
+        case Subshell::F:
+            return 4.0 / 7.0;
+        default:
+            return 0;
     }
 }
 
@@ -124,11 +135,19 @@ PeakShape::PeakShape(bool glSum, double p, double A, double w, int g, double S, 
                      double TS, double TL) {
     double share2 = 0;
     switch (t) {
-        case Subshell::S: break;
-        case Subshell::P: share2 = 1.0 / 3.0; break;
-        case Subshell::D: share2 = 0.4; break;
-        case Subshell::F: share2 = 3.0 / 7.0; break;
-        default: return;
+        case Subshell::S:
+            break;
+        case Subshell::P:
+            share2 = 1.0 / 3.0;
+            break;
+        case Subshell::D:
+            share2 = 0.4;
+            break;
+        case Subshell::F:
+            share2 = 3.0 / 7.0;
+            break;
+        default:
+            return;
     }
     lines_[0] = MakeComponent(glSum, p, A * MainShare(t), w, g, TS, TL);
     lineCount_ = 1;
@@ -214,16 +233,17 @@ MeasuredWidth ActualFWHM(const Project& project, int slot) {
             break;
         }
         const float f = shape(mid);
-        if (f > half) lower = mid;
-        else upper = mid;
+        if (f > half)
+            lower = mid;
+        else
+            upper = mid;
         prev = mid;
         mid = (lower + upper) / 2;
         ++steps;
     }
     MeasuredWidth result;
     result.converged = converged;
-    if (converged)
-        result.width = static_cast<float>(static_cast<double>(prev) - p + 0.5 * w + S);
+    if (converged) result.width = static_cast<float>(static_cast<double>(prev) - p + 0.5 * w + S);
     return result;
 }
 

@@ -56,9 +56,9 @@ public:
         bool glSum = false;
         bool tail = false;  ///< GL sum tail on the high binding-energy side (TS > 0)
         double p = 0;
-        double w = 0;      ///< GL sum: FWHM; GL product: half-width parameter c
-        double h = 0;      ///< height
-        double m = 0;      ///< g / 100
+        double w = 0;          ///< GL sum: FWHM; GL product: half-width parameter c
+        double h = 0;          ///< height
+        double m = 0;          ///< g / 100
         double gaussCoef = 0;  ///< GL product: -(1 - m) * ln2
         double TS = 0;
         double TL = 0;

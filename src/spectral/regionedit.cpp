@@ -11,7 +11,8 @@ namespace {
 bool ValidSlot(int s) { return s >= 0 && s < kPeakSlots; }
 
 int ClampedPeakCount(const Region& r) {
-    return r.PeakCount < 0 ? 0 : (r.PeakCount > kMaxPeaksPerRegion ? kMaxPeaksPerRegion : r.PeakCount);
+    return r.PeakCount < 0 ? 0
+                           : (r.PeakCount > kMaxPeaksPerRegion ? kMaxPeaksPerRegion : r.PeakCount);
 }
 
 }  // namespace
@@ -64,7 +65,8 @@ void DeletePeak(Project& project, Host& host) {
         if (k >= 0) {
             for (int j = k + 1; j < count; ++j) region.PeakIndex[j - 1] = region.PeakIndex[j];
             region.PeakCount = static_cast<Int16>(count - 1);
-            host.PeakListChanged(r, PeakList(region), r == project.CurrentRegion && IsSet(region.HasBackground));
+            host.PeakListChanged(r, PeakList(region),
+                                 r == project.CurrentRegion && IsSet(region.HasBackground));
         }
     }
 

@@ -38,9 +38,9 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
     ends->addRow(QStringLiteral("High BE"), highBE_);
 
     auto* choices = new QFormLayout;
-    averagePoints_ = Choice("averagePoints", {QStringLiteral("None"), QStringLiteral("3"),
-                                              QStringLiteral("5"), QStringLiteral("7"),
-                                              QStringLiteral("9")});
+    averagePoints_ =
+        Choice("averagePoints", {QStringLiteral("None"), QStringLiteral("3"), QStringLiteral("5"),
+                                 QStringLiteral("7"), QStringLiteral("9")});
     backgroundType_ = Choice("backgroundType", {QStringLiteral("Shirley"), QStringLiteral("Linear"),
                                                 QStringLiteral("Tougaard")});
     choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averagePoints_);
@@ -98,7 +98,9 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
     ShowForm();
 }
 
-QLineEdit* BackgroundDialog::Box(const char* name) { return NamedBox(this, QLatin1String(name), 120); }
+QLineEdit* BackgroundDialog::Box(const char* name) {
+    return NamedBox(this, QLatin1String(name), 120);
+}
 
 QComboBox* BackgroundDialog::Choice(const char* name, const QStringList& items) {
     // Editable, as the boxes are: a typed text that is not an item is refused by Accept.
@@ -171,9 +173,7 @@ void BackgroundDialog::ShirleySlopeSearchClicked() {
     Run([](Project& p, SessionHost& h, BackgroundForm& f) { OptimiseShirleySlope(p, h, f); });
 }
 
-void BackgroundDialog::TougaardB1SearchClicked() {
-    Run(&OptimiseTougaardBackground);
-}
+void BackgroundDialog::TougaardB1SearchClicked() { Run(&OptimiseTougaardBackground); }
 
 void BackgroundDialog::closeEvent(QCloseEvent* event) {
     // Closing the window is the Close button: hidden, not destroyed.

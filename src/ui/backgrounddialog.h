@@ -1,12 +1,13 @@
 #pragma once
 // The background dialog, modeless, over the session's BackgroundForm.
 
-#include <QWidget>
 #include <functional>
 
-#include "session/sessionhost.h"
+#include <QWidget>
+
 #include "model/records.h"
 #include "session/backgroundform.h"
+#include "session/sessionhost.h"
 
 class QComboBox;
 class QLineEdit;

@@ -17,8 +17,9 @@ QString QtFileChooser::SaveFile(const QString& title, const QString& filter, con
 }
 
 QString QtFilter(std::string_view filterText) {
-    const QStringList parts = QString::fromLatin1(filterText.data(), static_cast<qsizetype>(filterText.size()))
-                                  .split(QLatin1Char('|'));
+    const QStringList parts =
+        QString::fromLatin1(filterText.data(), static_cast<qsizetype>(filterText.size()))
+            .split(QLatin1Char('|'));
     QStringList filters;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
         const QString desc = parts[i].trimmed();

@@ -2,9 +2,10 @@
 // The program's one file dialog, shared by every file command: the chooser that asks
 // the user (replaceable in tests) and the file name it remembers between commands.
 
-#include <QString>
 #include <string>
 #include <string_view>
+
+#include <QString>
 
 namespace molvera::ui {
 

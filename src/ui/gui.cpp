@@ -51,8 +51,9 @@ void Gui::BuildDialogs() {
         constraints_->HideDialog();
     };
     host_.enableDialogs = [this](bool enabled) {
-        for (QWidget* w : std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get(),
-                                                          constraints_.get(), peakEditor_.get()})
+        for (QWidget* w :
+             std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get(),
+                                             constraints_.get(), peakEditor_.get()})
             w->setEnabled(enabled);
     };
 }

@@ -10,11 +10,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "base/messages.h"
 #include "base/numtext.h"
 #include "fileio/projectfile.h"
-#include "session/fitcommands.h"
-#include "base/messages.h"
 #include "model/project.h"
+#include "session/fitcommands.h"
 #include "session/mainwindow.h"
 #include "ui/filechooser.h"
 #include "ui/qthost.h"

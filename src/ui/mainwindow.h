@@ -2,9 +2,10 @@
 // The main window: region buttons, the 10 x 10 peak buttons, chi-square boxes, the
 // total, the description and the project commands.
 
-#include <QWidget>
 #include <array>
 #include <functional>
+
+#include <QWidget>
 
 #include "base/limits.h"
 #include "model/records.h"

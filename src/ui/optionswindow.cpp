@@ -20,8 +20,8 @@ namespace {
 constexpr const char* kOptionFilter = "Parameter Files (*.opa) |*.opa|";
 }  // namespace
 
-OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& host, FileDialog& files,
-                             QWidget* parent)
+OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& host,
+                             FileDialog& files, QWidget* parent)
     : QWidget(parent, Qt::Window), form_(form), options_(options), host_(host), files_(files) {
     setObjectName(QStringLiteral("optionsWindow"));
     setWindowTitle(QStringLiteral("Option"));
@@ -156,13 +156,15 @@ QGroupBox* OptionsWindow::LevelGroup(const QString& title, const QString& headin
         auto* a = new QLineEdit(group);
         a->setObjectName(firstName.arg(i));
         a->setFixedWidth(80);
-        texts_.push_back({a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
+        texts_.push_back(
+            {a, [first, idx](OptionsForm& f) -> std::string& { return (f.*first)[idx]; }});
         grid->addWidget(a, i + 1, 2);
         if (search) {
             auto* b = new QLineEdit(group);
             b->setObjectName(secondName.arg(i));
             b->setFixedWidth(80);
-            texts_.push_back({b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
+            texts_.push_back(
+                {b, [second, idx](OptionsForm& f) -> std::string& { return (f.*second)[idx]; }});
             grid->addWidget(b, i + 1, 3);
         }
     }

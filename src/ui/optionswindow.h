@@ -1,9 +1,10 @@
 #pragma once
 // The options dialog ("Option"), modeless, over the session's OptionsForm.
 
-#include <QWidget>
 #include <functional>
 #include <vector>
+
+#include <QWidget>
 
 #include "session/optionsform.h"
 

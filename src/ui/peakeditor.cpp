@@ -1,5 +1,7 @@
 #include "ui/peakeditor.h"
 
+#include <algorithm>
+
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -11,7 +13,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
-#include <algorithm>
 
 #include "session/peakoptimise.h"
 #include "ui/constraintdialog.h"
@@ -20,8 +21,8 @@
 #include "ui/widgets.h"
 
 namespace molvera::ui {
-PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, ConstraintDialog& constraints,
-                       QWidget* parent)
+PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot,
+                       ConstraintDialog& constraints, QWidget* parent)
     : QWidget(parent, Qt::Window),
       project_(project),
       host_(host),
@@ -38,7 +39,8 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
     type_ = new QComboBox(this);
     type_->setObjectName(QStringLiteral("peakType"));
     type_->setEditable(true);
-    type_->addItems({QStringLiteral("s"), QStringLiteral("p"), QStringLiteral("d"), QStringLiteral("f")});
+    type_->addItems(
+        {QStringLiteral("s"), QStringLiteral("p"), QStringLiteral("d"), QStringLiteral("f")});
     type_->setFixedWidth(60);
     top->addWidget(type_);
     top->addSpacing(16);
@@ -54,7 +56,8 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot, Constra
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
-    layout->addWidget(ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Position")));
+    layout->addWidget(
+        ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Position")));
     layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM")));
     layout->addWidget(ParameterFrame(rows_[2], QStringLiteral("Area"), QStringLiteral("Area")));
     layout->addWidget(ParameterFrame(rows_[3], QStringLiteral("% Lorentzian-Gaussian (0:G, 100:L)"),

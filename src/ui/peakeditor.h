@@ -1,9 +1,10 @@
 #pragma once
 // The peak editor window, modeless, over the session's PeakForm.
 
-#include <QWidget>
 #include <array>
 #include <string>
+
+#include <QWidget>
 
 #include "model/records.h"
 #include "session/constraintform.h"

@@ -22,7 +22,8 @@ int RefreshInterval(const QWidget& widget) {
 
 }  // namespace
 
-PlotWidget::PlotWidget(const Project& project, QWidget* parent) : QWidget(parent), project_(project) {
+PlotWidget::PlotWidget(const Project& project, QWidget* parent)
+    : QWidget(parent), project_(project) {
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(200, 150);
@@ -73,7 +74,8 @@ void PlotWidget::paintEvent(QPaintEvent*) {
     hasScale_ = IsSet(region.HasData);
     if (!hasScale_) return;
     Redisplay(project_, canvas, state_);
-    if (selectedPeak_ >= 0 && IsSet(region.HasBackground)) DrawSelectedPeak(project_, selectedPeak_, canvas);
+    if (selectedPeak_ >= 0 && IsSet(region.HasBackground))
+        DrawSelectedPeak(project_, selectedPeak_, canvas);
     userTopLeft_ = canvas.ToUser(area.topLeft());
     userBottomRight_ = canvas.ToUser(area.bottomRight());
     if (hasPointer_) ShowReadout(canvas, state_, pointer_.x(), pointer_.y());

@@ -41,8 +41,8 @@ private:
     bool dirty_ = false;
     bool hasScale_ = false;
     bool hasPointer_ = false;
-    QPointF pointer_;         // in plot units
-    QPointF userTopLeft_;     // the last paint's scale at the widget's corners
+    QPointF pointer_;      // in plot units
+    QPointF userTopLeft_;  // the last paint's scale at the widget's corners
     QPointF userBottomRight_;
     QTimer refreshTimer_;
     QElapsedTimer sinceLastPaint_;

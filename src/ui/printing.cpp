@@ -39,7 +39,8 @@ void DrawOn(QPainter& painter, const QRectF& logical, const Project& project, bo
 }  // namespace
 
 bool PrinterAvailable(const QPrinter& printer) {
-    return printer.outputFormat() == QPrinter::PdfFormat || !QPrinterInfo::availablePrinters().isEmpty();
+    return printer.outputFormat() == QPrinter::PdfFormat ||
+           !QPrinterInfo::availablePrinters().isEmpty();
 }
 
 bool PrintRegion(const Project& project, QPrinter& printer, bool withPeakTable) {

@@ -76,7 +76,8 @@ void QtCanvas::Clear() {
 
 void QtCanvas::SetScale(double left, double top, double right, double bottom) {
     const bool finite = std::isfinite(left) && std::isfinite(top) && std::isfinite(right) &&
-                        std::isfinite(bottom) && std::isfinite(right - left) && std::isfinite(top - bottom);
+                        std::isfinite(bottom) && std::isfinite(right - left) &&
+                        std::isfinite(top - bottom);
     if (!finite || left == right || top == bottom) return;
     left_ = left;
     top_ = top;
@@ -89,7 +90,8 @@ QPointF QtCanvas::ToLogical(double x, double y) const {
     double ly = target_.top() + (y - top_) / (bottom_ - top_) * target_.height();
     if (!std::isfinite(lx)) lx = std::isnan(lx) ? 0 : std::copysign(kLogicalLimit, lx);
     if (!std::isfinite(ly)) ly = std::isnan(ly) ? 0 : std::copysign(kLogicalLimit, ly);
-    return {std::clamp(lx, -kLogicalLimit, kLogicalLimit), std::clamp(ly, -kLogicalLimit, kLogicalLimit)};
+    return {std::clamp(lx, -kLogicalLimit, kLogicalLimit),
+            std::clamp(ly, -kLogicalLimit, kLogicalLimit)};
 }
 
 QPointF QtCanvas::ToUser(const QPointF& logical) const {
@@ -102,11 +104,18 @@ QPen QtCanvas::Pen(Rgb colour) const {
     QPen pen(QColor(colour.r, colour.g, colour.b));
     pen.setWidthF(std::max(1, lineWidth_) * penScale_);
     pen.setCapStyle(Qt::RoundCap);
-    pen.setJoinStyle(Qt::BevelJoin);  // round joins cost trigonometry per vertex and do not show at 1-2 px
+    pen.setJoinStyle(
+        Qt::BevelJoin);  // round joins cost trigonometry per vertex and do not show at 1-2 px
     switch (style_) {
-    case LineStyle::Solid: pen.setStyle(Qt::SolidLine); break;
-    case LineStyle::Dash: pen.setStyle(Qt::DashLine); break;
-    case LineStyle::Dot: pen.setStyle(Qt::DotLine); break;
+        case LineStyle::Solid:
+            pen.setStyle(Qt::SolidLine);
+            break;
+        case LineStyle::Dash:
+            pen.setStyle(Qt::DashLine);
+            break;
+        case LineStyle::Dot:
+            pen.setStyle(Qt::DotLine);
+            break;
     }
     return pen;
 }
@@ -161,7 +170,8 @@ void QtCanvas::SetBold(bool bold) { font_.setBold(bold); }
 double QtCanvas::TextWidth(const std::string& latin1) const {
     const QFontMetricsF metrics(font_, painter_.device());
     if (target_.width() <= 0) return 0;
-    return metrics.horizontalAdvance(FromLatin1(latin1)) * std::abs(right_ - left_) / target_.width();
+    return metrics.horizontalAdvance(FromLatin1(latin1)) * std::abs(right_ - left_) /
+           target_.width();
 }
 
 double QtCanvas::TextHeight(const std::string&) const {

@@ -1,8 +1,9 @@
 #include "ui/qthost.h"
 
+#include <algorithm>
+
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <algorithm>
 
 #include "base/numtext.h"
 #include "model/project.h"

@@ -2,9 +2,10 @@
 // The host on the Qt windows: the reports of the core and the requests of the session
 // carried out on the windows, messages through the user sink.
 
-#include <QElapsedTimer>
 #include <functional>
 #include <string>
+
+#include <QElapsedTimer>
 
 #include "base/status.h"
 #include "model/records.h"

@@ -5,10 +5,10 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+#include "base/messages.h"
 #include "fileio/exports.h"
 #include "fileio/regionparams.h"
 #include "session/fitcommands.h"
-#include "base/messages.h"
 #include "spectral/regionedit.h"
 #include "ui/filechooser.h"
 #include "ui/plotwidget.h"
@@ -22,7 +22,8 @@ void RegionWindow::Import(const ImportFormat& format) {
     const std::string path = files_.Open(format.title, format.filter);
     if (path.empty()) return;
     project_.FileName = path;
-    for (const Status& message : ImportFile(project_, host_, format, path).Messages()) host_.Show(message);
+    for (const Status& message : ImportFile(project_, host_, format, path).Messages())
+        host_.Show(message);
 }
 
 bool RegionWindow::SaveDialog(std::string_view title, std::string_view filter,
@@ -51,7 +52,7 @@ void RegionWindow::ExportPeakParametersCommand() {
     std::string path;
     if (!SaveDialog("Export peak parameters", "Data Files (*.par) |*.par|", "par", path)) return;
     host_.Show(ExportPeakParameters(project_, path) ? msg::kDataFileExported
-                                                       : msg::kErrorSavingFile);
+                                                    : msg::kErrorSavingFile);
 }
 
 void RegionWindow::LoadRegionParametersCommand() {
@@ -68,10 +69,11 @@ void RegionWindow::LoadRegionParametersCommand() {
 void RegionWindow::SaveRegionParametersCommand() {
     if (!IsSet(project_.Current().HasBackground)) return;
     std::string path;
-    if (!SaveDialog("Save region parameters", "Region Parameter Files (*.rpa) |*.rpa|", "rpa", path))
+    if (!SaveDialog("Save region parameters", "Region Parameter Files (*.rpa) |*.rpa|", "rpa",
+                    path))
         return;
     host_.Show(SaveRegionParameters(project_, path) ? msg::kParameterFileSaved
-                                                       : msg::kErrorSavingFile);
+                                                    : msg::kErrorSavingFile);
 }
 
 void RegionWindow::ExportClipboardCommand() {

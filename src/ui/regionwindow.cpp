@@ -20,7 +20,10 @@ QString ImportActionName(std::string_view format) {
 }  // namespace
 
 RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent)
-    : QMainWindow(parent), project_(project), host_(host), files_(files),
+    : QMainWindow(parent),
+      project_(project),
+      host_(host),
+      files_(files),
       plot_(new PlotWidget(project, this)) {
     setObjectName(QStringLiteral("regionWindow"));
     setWindowTitle(QStringLiteral("Region"));
@@ -41,8 +44,8 @@ void RegionWindow::BuildMenus() {
     QMenu* data = menuBar()->addMenu(QStringLiteral("Data"));
     data->setObjectName(QStringLiteral("dataMenu"));
     for (const ImportFormat& format : ImportFormats()) {
-        const QString caption = QString::fromLatin1(format.menuCaption.data(),
-                                                    static_cast<qsizetype>(format.menuCaption.size()));
+        const QString caption = QString::fromLatin1(
+            format.menuCaption.data(), static_cast<qsizetype>(format.menuCaption.size()));
         AddItem(data, caption, ImportActionName(format.name), [this, &format] { Import(format); });
     }
     AddItem(data, QStringLiteral("Export (Spectrum)"), "exportSpectrumAction",

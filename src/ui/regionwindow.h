@@ -2,9 +2,10 @@
 // The region window with the plot of the current region and the menu of every command
 // on it.
 
-#include <QMainWindow>
 #include <functional>
 #include <string_view>
+
+#include <QMainWindow>
 
 #include "fileio/formats.h"
 #include "model/records.h"

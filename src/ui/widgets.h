@@ -7,8 +7,9 @@
 // (positionText, positionBar, fixPosition); buttons end in "Button", menu items in
 // "Action", menus in "Menu"; a row of like controls is numbered from 0 (regionButton3).
 
-#include <QString>
 #include <string>
+
+#include <QString>
 
 class QLineEdit;
 class QPushButton;

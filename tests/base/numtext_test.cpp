@@ -82,7 +82,8 @@ TEST(ColumnLine, PadsToColumnsAndZones) {
     EXPECT_EQ(zones.Text(), std::string(14, ' ') + "a" + std::string(13, ' ') + "b");
     ColumnLine full;
     full.NextZone(std::string(14, 'z')).NextZone("q");  // at a zone start: go to the next one
-    EXPECT_EQ(full.Text(), std::string(14, ' ') + std::string(14, 'z') + std::string(14, ' ') + "q");
+    EXPECT_EQ(full.Text(),
+              std::string(14, ' ') + std::string(14, 'z') + std::string(14, ' ') + "q");
 }
 
 TEST(Latin1, ConvertsBothWays) {

@@ -24,9 +24,14 @@ protected:
     // A region 1 with a Shirley background and three peaks.
     void BuildFit() {
         ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o p.xps").code, 0);
-        ASSERT_EQ(Cmd("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps").code, 0);
+        ASSERT_EQ(
+            Cmd("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps").code,
+            0);
         for (const char* pos : {"284.5", "286", "288.5"})
-            ASSERT_EQ(Cmd(std::string("add-peak p.xps --region 1 --position ") + pos + " --fwhm 1.2 -o p.xps").code, 0);
+            ASSERT_EQ(Cmd(std::string("add-peak p.xps --region 1 --position ") + pos +
+                          " --fwhm 1.2 -o p.xps")
+                          .code,
+                      0);
     }
     std::string spectrum;
 };
@@ -48,7 +53,8 @@ TEST_F(Cli, ImportPrintsTheFilledRegion) {
 
 TEST_F(Cli, AddPeakPrintsSlotsAndEditKeepsUntouchedValuesExactly) {
     BuildFit();
-    CliRun r = Cmd("add-peak p.xps --region 1 --position 290.123 --fwhm 0.3 --gl 30 --fix position -o q.xps");
+    CliRun r = Cmd(
+        "add-peak p.xps --region 1 --position 290.123 --fwhm 0.3 --gl 30 --fix position -o q.xps");
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "3\n");
     auto j = nlohmann::json::parse(Cmd("dump q.xps").out);
@@ -79,7 +85,9 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
     std::ofstream(dir / "junk.xps") << "not a project";
     r = Cmd("dump junk.xps");
     EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err, "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")\n");
+    EXPECT_EQ(r.err,
+              "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
+              "\"SF\")\n");
     // Usage errors.
     EXPECT_EQ(Cmd("frobnicate").code, 2);
     EXPECT_EQ(Cmd("dump a.xps --bogus 1").code, 2);
@@ -102,7 +110,9 @@ TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
     CliRun fit = Cmd("fit p.xps --region 1 -o f.xps");
     ASSERT_EQ(fit.code, 0) << fit.err;
     float before = 0, after = 0;
-    ASSERT_EQ(std::sscanf(fit.out.c_str(), "chi-square before %f\nchi-square after %f", &before, &after), 2)
+    ASSERT_EQ(
+        std::sscanf(fit.out.c_str(), "chi-square before %f\nchi-square after %f", &before, &after),
+        2)
         << fit.out;
     EXPECT_LT(after, before / 10);
     ASSERT_EQ(Cmd("save f.xps -o g.xps").code, 0);
@@ -117,7 +127,8 @@ std::string WithoutAreas(std::string par) {
     while (start < par.size()) {
         std::size_t end = par.find("\r\n", start);
         std::string line = par.substr(start, end - start);
-        if (line.size() > 42) line.replace(42, std::min<std::size_t>(14, line.size() - 42), 14, ' ');
+        if (line.size() > 42)
+            line.replace(42, std::min<std::size_t>(14, line.size() - 42), 14, ' ');
         out += line + "\n";
         if (end == std::string::npos) break;
         start = end + 2;
@@ -131,7 +142,8 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
     BuildFit();
     ASSERT_EQ(Cmd("fit p.xps --region 1 -o f.xps").code, 0);
     ASSERT_EQ(Cmd("save-params f.xps --region 1 -o model.rpa").code, 0);
-    ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code, 0);
+    ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code,
+              0);
     CliRun r = Cmd("apply-params v.xps --region 1 model.rpa -o w.xps");
     ASSERT_EQ(r.code, 0) << r.err;
     ASSERT_EQ(Cmd("export-peaks f.xps --region 1 -o f.par").code, 0);
@@ -141,7 +153,8 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
     EXPECT_NE(source, applied);  // the areas follow the other spectrum's intensities
     auto f = nlohmann::json::parse(Cmd("dump f.xps").out)["Regions"][0];
     auto w = nlohmann::json::parse(Cmd("dump w.xps").out)["Regions"][0];
-    for (const char* key : {"HasBackground", "BackgroundType", "BackgroundLowBE", "BackgroundHighBE", "PeakCount"})
+    for (const char* key :
+         {"HasBackground", "BackgroundType", "BackgroundLowBE", "BackgroundHighBE", "PeakCount"})
         EXPECT_EQ(f[key], w[key]) << key;
     // The envelope was rebuilt on the new data: background plus the peaks, point by point.
     const int m = w["RangeCount"];
@@ -153,14 +166,16 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
         double sum = b;
         for (int k = 0; k < w["PeakCount"].get<int>(); ++k)
             sum += peaks[w["PeakIndex"][k].get<int>()]["Curve"][j].get<double>() - b;
-        worst = std::max(worst, std::abs(sum - w["PeakSumCurve"][j].get<double>()) / (1 + std::abs(sum)));
+        worst = std::max(worst,
+                         std::abs(sum - w["PeakSumCurve"][j].get<double>()) / (1 + std::abs(sum)));
     }
     EXPECT_LT(worst, 1e-5);
 }
 
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
-    CliRun r = Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
-                "--pos-newton 2:0.05 --gl-sum -o o.opa");
+    CliRun r =
+        Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
+            "--pos-newton 2:0.05 --gl-sum -o o.opa");
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(fs::file_size(dir / "o.opa"), 206u);
     auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);

@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-
 class Render : public CliFolder {
 protected:
     void SetUp() override {
@@ -23,7 +22,8 @@ protected:
         CliFolder::SetUp();
         const std::string spectrum = DataFile("real/lg4x/C1s_sample.csv");
         ASSERT_EQ(Run("import ascii '" + spectrum + "' -o p.xps"), 0) << err;
-        ASSERT_EQ(Run("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps"), 0);
+        ASSERT_EQ(Run("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps"),
+                  0);
         ASSERT_EQ(Run("add-peak p.xps --region 1 --position 284.5 --fwhm 1.2 -o p.xps"), 0);
     }
     int Run(const std::string& args) {

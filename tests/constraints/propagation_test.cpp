@@ -54,7 +54,8 @@ TEST_F(PropagationTest, EachOperationAndUnknownOperation) {
 
 TEST_F(PropagationTest, GLRoundsHalvesToEvenWithoutClampingButNotBeyondInt16) {
     Link(PeakParameter::GL, 1, 0, 2, 1.5f);
-    const std::pair<Int16, Int16> cases[] = {{25, 38}, {35, 52}, {90, 135}};  // 37.5, 52.5, not limited to 100
+    const std::pair<Int16, Int16> cases[] = {
+        {25, 38}, {35, 52}, {90, 135}};  // 37.5, 52.5, not limited to 100
     for (const auto& [gl, expected] : cases) {
         project.Peaks[0].PercentGL = gl;
         PropagateGL(project, 0);

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 
 namespace molvera {
@@ -18,7 +18,9 @@ using test::RecordingHost;
 
 class AsciiImport : public test::ImportTest {
 protected:
-    ImportResult Import(std::string_view text) { return test::ImportText(project, host, "ascii", text); }
+    ImportResult Import(std::string_view text) {
+        return test::ImportText(project, host, "ascii", text);
+    }
 };
 
 TEST_F(AsciiImport, RisingIsStoredFallingFallingAsRead) {
@@ -34,7 +36,8 @@ TEST_F(AsciiImport, RisingIsStoredFallingFallingAsRead) {
 TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
     // Headers, comments, a lone number, a "Key: value" line and a third column are not data.
     const std::string text =
-        "BE/eV,Intensity\n# measured 2 May, 1 scan\n2\nDate: 2017 6 6\n\n290\t10\n289;11 0.5\n288 ;\t12\n"
+        "BE/eV,Intensity\n# measured 2 May, 1 scan\n2\nDate: 2017 6 6\n\n290\t10\n289;11 0.5\n288 "
+        ";\t12\n"
         "  287 , 13  \n# a comment between data lines\n286  14\n";
     ASSERT_TRUE(Import(text).status.ok());
     const Region& r = project.Regions[0];
@@ -45,10 +48,12 @@ TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
 
 TEST_F(AsciiImport, SixThousandLinesKeep5000) {
     std::string text;
-    for (int i = 0; i < 6000; ++i) text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
+    for (int i = 0; i < 6000; ++i)
+        text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
     const ImportResult result = Import(text);
     ASSERT_TRUE(result.status.ok());
-    EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kOnly5000Points});
+    EXPECT_EQ(test::MessageTexts(result.Messages()),
+              std::vector<std::string>{msg::kOnly5000Points});
     const Region& r = project.Regions[0];
     EXPECT_EQ(r.PointCount, 5000);
     EXPECT_EQ(r.BindingEnergy[1], 5999);  // the first 5000 pairs, reversed
@@ -60,11 +65,14 @@ TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
     const Region before = project.Regions[0];
     for (const char* text : {"", "only text\n", "3\n4\n", "Energy: 1 2\n"}) {
         const ImportResult result = Import(text);
-        EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kErrorReadingFileImport})
+        EXPECT_EQ(test::MessageTexts(result.Messages()),
+                  std::vector<std::string>{msg::kErrorReadingFileImport})
             << text;
         EXPECT_EQ(project.Regions[0], before);
     }
-    const Status missing = test::ImportPath(project, host, "ascii", (test::ScratchDir() / "missing.txt").string()).status;
+    const Status missing =
+        test::ImportPath(project, host, "ascii", (test::ScratchDir() / "missing.txt").string())
+            .status;
     EXPECT_EQ(missing.message(), msg::kErrorReadingFileImport);
     EXPECT_EQ(missing.detail(), "missing.txt: no such file");
 }
@@ -84,8 +92,10 @@ std::optional<std::pair<float, float>> Pair(const std::string& line) {
     const std::size_t n = LeadingNumberLength(line);
     if (n == 0) return std::nullopt;
     const std::size_t rest = line.find_first_not_of(" ,;\t", n);
-    if (rest == std::string::npos || rest == n || LeadingNumberLength(line.substr(rest)) == 0) return std::nullopt;
-    return std::pair{static_cast<float>(LeadingNumber(line)), static_cast<float>(LeadingNumber(line.substr(rest)))};
+    if (rest == std::string::npos || rest == n || LeadingNumberLength(line.substr(rest)) == 0)
+        return std::nullopt;
+    return std::pair{static_cast<float>(LeadingNumber(line)),
+                     static_cast<float>(LeadingNumber(line.substr(rest)))};
 }
 
 // Real two-column files: points checked against the file's own lines, from the first
@@ -98,9 +108,9 @@ TEST(AsciiImportReal, EveryFileAgainstItsOwnLines) {
         float lastBE;
     };
     const RealColumns files[] = {
-        {"lg4x/C1s_sample.csv", 351, 301.5f, 0},            // VersaProbe, header line
-        {"lg4x/111216_0459_O1s.csv", 126, 546, 0},          // synchrotron, LF
-        {"pynxtools-xps/MgFe2O4_small.xy", 1351, 0, 0},     // SPECS: the first spectrum only
+        {"lg4x/C1s_sample.csv", 351, 301.5f, 0},         // VersaProbe, header line
+        {"lg4x/111216_0459_O1s.csv", 126, 546, 0},       // synchrotron, LF
+        {"pynxtools-xps/MgFe2O4_small.xy", 1351, 0, 0},  // SPECS: the first spectrum only
         {"nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt", 2801, 1380, -20},  // MultiPak text
     };
     std::string missing;

@@ -1,10 +1,10 @@
 #include "fileio/exports.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "base/messages.h"
 #include "model/project.h"
@@ -13,9 +13,7 @@
 namespace molvera {
 namespace {
 
-std::string Spaces(int n) {
-    return std::string(static_cast<std::size_t>(n), ' ');
-}
+std::string Spaces(int n) { return std::string(static_cast<std::size_t>(n), ' '); }
 
 using test::ReadBytes;
 

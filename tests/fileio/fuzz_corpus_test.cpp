@@ -7,14 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include "base/messages.h"
 #include "fileio/exports.h"
 #include "fileio/formats.h"
+#include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
 #include "fileio/regionparams.h"
-#include "fileio/optionfile.h"
-#include "base/messages.h"
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 
@@ -46,7 +46,8 @@ void ExerciseLoaded(Project& project) {
         if (project.Regions[r].PeakCount == 0) AddPeak(project, QuietHost());
         ComputeRegionEnvelope(project, QuietHost());
         EXPECT_EQ(SpectrumExportText(project).rfind("B.E.(eV)", 0), 0u);
-        EXPECT_EQ(PeakParameterExportText(project).find("Position (eV)") != std::string::npos, true);
+        EXPECT_EQ(PeakParameterExportText(project).find("Position (eV)") != std::string::npos,
+                  true);
     }
 }
 

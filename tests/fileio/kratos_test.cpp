@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
 #include "base/messages.h"
 #include "spectral/lineshape.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 
 namespace molvera {
@@ -18,7 +18,9 @@ using test::RecordingHost;
 
 class Kratos : public test::ImportTest {
 protected:
-    ImportResult Import(std::string_view text) { return test::ImportText(project, host, "kratos", text); }
+    ImportResult Import(std::string_view text) {
+        return test::ImportText(project, host, "kratos", text);
+    }
 };
 
 // Binding energies 290 .. 280 in steps of 1 (hv 1486.6 minus rising kinetic energies).
@@ -38,8 +40,9 @@ std::string KratosFile(const FitBlock* fit, const std::string& comment = "Test s
     if (!comment.empty()) t += "Comment = " + comment + "\r\n";
     t += "Excitation energy = 1486.6\r\n";
     if (fit) {
-        t += "Regions\r\nRegion number = 3\r\nName = C 1s fit\r\nx = 0\r\nLow = " + fit->low + "\r\nHigh = " +
-             fit->high + "\r\nx = 0\r\nx = 0\r\nBackground = " + fit->background + "\r\nx = 0\r\nx = 0\r\nx = 0\r\n";
+        t += "Regions\r\nRegion number = 3\r\nName = C 1s fit\r\nx = 0\r\nLow = " + fit->low +
+             "\r\nHigh = " + fit->high + "\r\nx = 0\r\nx = 0\r\nBackground = " + fit->background +
+             "\r\nx = 0\r\nx = 0\r\nx = 0\r\n";
         const int n = fit->declared >= 0 ? fit->declared : static_cast<int>(fit->shapes.size());
         t += "Components = " + std::to_string(n) + "\r\nList =\r\n";
         for (std::size_t c = 0; c < fit->shapes.size(); ++c) {
@@ -57,7 +60,8 @@ std::string KratosFile(const FitBlock* fit, const std::string& comment = "Test s
     t += "Energy (Counts)\r\n";
     for (std::size_t i = 0; i < kCounts.size(); ++i) {
         const int ke = risingKinetic ? 1196 + static_cast<int>(i) : 1206 - static_cast<int>(i);
-        t += "  " + std::to_string(ke) + ".6 " + std::to_string(static_cast<int>(kCounts[i])) + "\r\n";
+        t += "  " + std::to_string(ke) + ".6 " + std::to_string(static_cast<int>(kCounts[i])) +
+             "\r\n";
     }
     return t;
 }
@@ -68,11 +72,12 @@ TEST_F(Kratos, DataOnlyWithoutRegions) {
     ASSERT_EQ(r.PointCount, 11);
     for (int i = 1; i <= 11; ++i) {
         EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], 291 - i, 1e-3);
-        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], kCounts[static_cast<std::size_t>(i - 1)]);
+        EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)],
+                  kCounts[static_cast<std::size_t>(i - 1)]);
     }
     EXPECT_FALSE(IsSet(r.HasBackground));
     EXPECT_EQ(project.Description, "Test sample");  // the description box was empty
-    EXPECT_EQ(host.regionWindowShows, 2);  // by the region deletion and at the end
+    EXPECT_EQ(host.regionWindowShows, 2);           // by the region deletion and at the end
 
     // Falling kinetic energies keep the file's order (rising binding energies);
     // a description already typed stays.
@@ -129,7 +134,8 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     EXPECT_NEAR(r.NetScale, 0.7175, 1e-6);
     // A peak of 50 % is 35.875 counts high: its area follows from that height.
     const Peak& p0 = project.Peaks[0];
-    EXPECT_FLOAT_EQ(p0.Area, HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, Subshell::S, 0, 1.0));
+    EXPECT_FLOAT_EQ(p0.Area,
+                    HeightPercentToArea(false, r.NetScale, 50, 1.5, 0, Subshell::S, 0, 1.0));
     EXPECT_GT(p0.Area, 35.875f * 1.5f);  // a Gaussian of height h and width w: 1.0645 h w
     EXPECT_LT(p0.Area, 35.875f * 1.5f * 1.1f);
 }
@@ -162,7 +168,8 @@ TEST_F(Kratos, LinearBackgroundIsWorkedInSingle) {
     int otherInDouble = 0;
     for (std::size_t k = 1; k <= 8; ++k) {
         EXPECT_EQ(r.BackgroundWork[k], 60.0f + static_cast<float>(k - 1) * step) << k;
-        otherInDouble += r.BackgroundWork[k] != static_cast<float>(60.0 + static_cast<double>(k - 1) * step);
+        otherInDouble +=
+            r.BackgroundWork[k] != static_cast<float>(60.0 + static_cast<double>(k - 1) * step);
     }
     EXPECT_EQ(otherInDouble, 1);
 }
@@ -197,7 +204,8 @@ TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
         const Project before = project;
         const ImportResult result =
             test::ImportPath(project, host, "kratos", test::WriteScratch("bad.des", bad[i]));
-        EXPECT_EQ(test::MessageTexts(result.Messages()), std::vector<std::string>{msg::kErrorReadingFile})
+        EXPECT_EQ(test::MessageTexts(result.Messages()),
+                  std::vector<std::string>{msg::kErrorReadingFile})
             << "case " << i;
         EXPECT_EQ(result.status.detail().rfind("bad.des: ", 0), 0u) << result.status.detail();
         EXPECT_EQ(project.Regions, before.Regions) << "case " << i;

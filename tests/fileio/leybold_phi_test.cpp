@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
+#include "base/messages.h"
 #include "fileio/leybold.h"
 #include "fileio/phi.h"
 #include "spectral/regionedit.h"
-#include "base/messages.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 
@@ -22,15 +22,19 @@ using Phi = test::ImportTest;
 const std::string kTooManyPoints = "Too many points.  Only 5000 points have been read.";
 
 // One Leybold region: a skipped item, the caption, "Points = n", then the pairs.
-std::string LeyboldRegion(const std::string& caption, int n, double first, double step, int skipped = 1) {
-    std::string t = std::to_string(skipped) + "\n" + caption + "\nPoints = " + std::to_string(n) + "\n";
-    for (int i = 0; i < n; ++i) t += std::to_string(first + i * step) + ", " + std::to_string(10 + i) + "\n";
+std::string LeyboldRegion(const std::string& caption, int n, double first, double step,
+                          int skipped = 1) {
+    std::string t =
+        std::to_string(skipped) + "\n" + caption + "\nPoints = " + std::to_string(n) + "\n";
+    for (int i = 0; i < n; ++i)
+        t += std::to_string(first + i * step) + ", " + std::to_string(10 + i) + "\n";
     return t;
 }
 
 std::string LeyboldFile(int regions, int points = 3) {
     std::string t = "\"Sample, annealed\"\nRegions = " + std::to_string(regions) + "\n";
-    for (int k = 0; k < regions; ++k) t += LeyboldRegion("Region " + std::to_string(k), points, 100 + k, -1);
+    for (int k = 0; k < regions; ++k)
+        t += LeyboldRegion("Region " + std::to_string(k), points, 100 + k, -1);
     return t;
 }
 
@@ -51,9 +55,12 @@ TEST_F(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
     for (int regions : {10, 11}) {
         Project project;
         RecordingHost host;
-        const ImportResult result = test::ImportText(project, host, "leybold", LeyboldFile(regions));
-        EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions}) << regions;
-        for (int k = 0; k < 10; ++k) EXPECT_EQ(project.Regions[static_cast<std::size_t>(k)].BindingEnergy[1], 100 + k);
+        const ImportResult result =
+            test::ImportText(project, host, "leybold", LeyboldFile(regions));
+        EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions})
+            << regions;
+        for (int k = 0; k < 10; ++k)
+            EXPECT_EQ(project.Regions[static_cast<std::size_t>(k)].BindingEnergy[1], 100 + k);
         EXPECT_EQ(project.CurrentRegion, 0);
     }
 }
@@ -128,7 +135,8 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
     for (int k = 0; k < 10; ++k) t += PhiRegion("r" + std::to_string(k), 2, 10 + k, -1);
     project.CurrentRegion = 3;
     const ImportResult result = test::ImportText(project, host, "phi", t);
-    EXPECT_EQ(MessageTexts(result.Messages()), (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
+    EXPECT_EQ(MessageTexts(result.Messages()),
+              (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
     EXPECT_EQ(project.Regions[3].PointCount, 5000);
     EXPECT_EQ(project.Regions[3].BindingEnergy[1], 4999);
     EXPECT_EQ(project.Regions[4].BindingEnergy[1], 10);  // read correctly after the overflow
@@ -138,8 +146,9 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
 
 TEST_F(Phi, DamagedFilesAndTheMultiPakTextExport) {
     const std::string full = PhiRegion("C", 8, 1, 1);
-    EXPECT_EQ(test::ImportText(project, host, "phi", full.substr(0, full.size() - 12)).status.message(),
-              msg::kErrorReadingFileImport);
+    EXPECT_EQ(
+        test::ImportText(project, host, "phi", full.substr(0, full.size() - 12)).status.message(),
+        msg::kErrorReadingFileImport);
     EXPECT_FALSE(IsSet(project.Regions[0].HasData));
     const std::string multipak = test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
     if (multipak.empty()) GTEST_SKIP() << "the MultiPak text export is not available";

@@ -2,17 +2,16 @@
 
 #include "fileio/optionfile.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
+#include <gtest/gtest.h>
+
 #include "base/messages.h"
-#include "support/le_bytes.h"
 #include "support/files.h"
+#include "support/le_bytes.h"
 
 namespace molvera {
 namespace {
-
 
 using test::ReadBytes;
 using test::WriteBytes;
@@ -45,18 +44,19 @@ TEST(OptionFile, WrittenBytesAtTheirOffsets) {
     ASSERT_EQ(b.size(), 206u);
     // Method, trials, tolerance; level L's block starts at 12 + 48 (L - 1) with its
     // rows at 0, 10, 20, 30, 36, 42; GLSum last.
-    test::ExpectValuesAt(b, 0, {{0, 'f', 1},
-                                {4, 'h', 17},
-                                {6, 'h', 23},
-                                {8, 'f', 0.0001},
-                                {12 + 48, 'h', -1},                   // PositionSearch[2].Use
-                                {12 + 48 + 2, 'f', 0.5},              // PositionSearch[2].Range
-                                {12 + 48 + 6, 'f', 0.1f / 2},         // PositionSearch[2].Step
-                                {12 + 10 + 2, 'f', 21},               // AreaSearch[1].Range
-                                {12 + 96 + 20 + 6, 'f', 0.05f * 3},   // FWHMSearch[3].Step
-                                {12 + 144 + 36, 'h', 3},              // AreaNewton[4].Use
-                                {12 + 144 + 42 + 2, 'f', 0.007f * 4},  // FWHMNewton[4].Delta
-                                {204, 'h', -1}});
+    test::ExpectValuesAt(b, 0,
+                         {{0, 'f', 1},
+                          {4, 'h', 17},
+                          {6, 'h', 23},
+                          {8, 'f', 0.0001},
+                          {12 + 48, 'h', -1},                    // PositionSearch[2].Use
+                          {12 + 48 + 2, 'f', 0.5},               // PositionSearch[2].Range
+                          {12 + 48 + 6, 'f', 0.1f / 2},          // PositionSearch[2].Step
+                          {12 + 10 + 2, 'f', 21},                // AreaSearch[1].Range
+                          {12 + 96 + 20 + 6, 'f', 0.05f * 3},    // FWHMSearch[3].Step
+                          {12 + 144 + 36, 'h', 3},               // AreaNewton[4].Use
+                          {12 + 144 + 42 + 2, 'f', 0.007f * 4},  // FWHMNewton[4].Delta
+                          {204, 'h', -1}});
 }
 
 TEST(OptionFile, RoundTripIsBitExact) {

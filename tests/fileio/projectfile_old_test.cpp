@@ -1,12 +1,12 @@
 // Project files of version 3.0 and of the older "SF" layout, built by hand from the
 // record descriptions.
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
-#include "fileio/projectfile.h"
+#include <gtest/gtest.h>
+
 #include "base/messages.h"
+#include "fileio/projectfile.h"
 #include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"
@@ -28,13 +28,13 @@ void Block(LeBytes& b, std::initializer_list<float> values) {
 
 // The fixed region fields after RawIntensity, up to ChiSquare.
 void RegionMiddle(LeBytes& b, int hasBackground, int peakCount, int firstPeak, int rangeCount) {
-    b.F32(290).F32(288).F32(30).F32(10);           // MaxBE, MinBE, MaxIntensity, MinIntensity
-    b.I16(hasBackground).I16(peakCount);           // HasBackground, PeakCount
+    b.F32(290).F32(288).F32(30).F32(10);  // MaxBE, MinBE, MaxIntensity, MinIntensity
+    b.I16(hasBackground).I16(peakCount);  // HasBackground, PeakCount
     b.I16(firstPeak);
-    for (int i = 1; i < 10; ++i) b.I16(0);         // PeakIndex
-    b.I16(1).F32(288).F32(290).F32(-10);           // BackgroundType, Low, High, LinearStep
-    b.I16(1).I16(3).I16(rangeCount);               // RangeStart, RangeEnd, RangeCount
-    b.F32(20).F32(0).F32(0.2f).F32(4.5f);          // NetMax, NetMin, NetScale, ChiSquare
+    for (int i = 1; i < 10; ++i) b.I16(0);  // PeakIndex
+    b.I16(1).F32(288).F32(290).F32(-10);    // BackgroundType, Low, High, LinearStep
+    b.I16(1).I16(3).I16(rangeCount);        // RangeStart, RangeEnd, RangeCount
+    b.F32(20).F32(0).F32(0.2f).F32(4.5f);   // NetMax, NetMin, NetScale, ChiSquare
 }
 
 // Peak fields from InUse to Region.
@@ -51,7 +51,8 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
     b.I16(-1).I16(0).Text20("Region two").I16(3);
     b.Array({0, 290, 289, 288}).Array({0, 10, 20, 30});
     RegionMiddle(b, 0, 1, 4, 3);  // no background: nothing is recomputed
-    for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f}) b.Array({0, base + 1, base + 2, base + 3});
+    for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f})
+        b.Array({0, base + 1, base + 2, base + 3});
     b.F32(30).F32(10).I16(1).F32(0).F32(0.125f);
     for (int r = 2; r < 10; ++r) b.Raw("DA");
     for (int s = 0; s < 51; ++s) {
@@ -62,7 +63,8 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
         b.Raw("DP").I16(3);
         PeakHead(b, 289.0f, 1);
         b.Array({0, 1, 2, 3});
-        for (int g = 0; g < 4; ++g) b.I16(0).I16(0).I16(0).I16(0).I16(g).F32(1.5f).I16(-1).F32(-1).F32(g);
+        for (int g = 0; g < 4; ++g)
+            b.I16(0).I16(0).I16(0).I16(0).I16(g).F32(1.5f).I16(-1).F32(-1).F32(g);
     }
     b.I16(4);
     PeakHead(b, 288.5f, 1);
@@ -104,7 +106,8 @@ std::string OldLayoutFile() {
     Block(b, {0, 290, 289, 288});
     Block(b, {0, 10, 20, 30});
     RegionMiddle(b, -1, 1, 20, 2);
-    for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f}) Block(b, {0, base + 1, base + 2, base + 3});
+    for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f})
+        Block(b, {0, base + 1, base + 2, base + 3});
     b.F32(30).F32(10).I16(0).F32(0).F32(0.25f);  // EndPointAverage 0
     for (int r = 1; r < 10; ++r) b.Raw("DA");
     for (int s = 0; s < 21; ++s) {
@@ -117,7 +120,8 @@ std::string OldLayoutFile() {
         Block(b, {0, 5, 6});
         // Short groups: Linked 1 (any non-zero), RefPeak, IsReference, DependentPeak,
         // Operation, Argument.
-        for (int g = 0; g < 4; ++g) b.I16(g == 1 ? 1 : 0).I16(g).I16(g == 2 ? 7 : 0).I16(0).I16(2).F32(2.5f);
+        for (int g = 0; g < 4; ++g)
+            b.I16(g == 1 ? 1 : 0).I16(g).I16(g == 2 ? 7 : 0).I16(0).I16(2).F32(2.5f);
     }
     b.I16(20);
     PeakHead(b, 289.25f, 0);
@@ -138,7 +142,7 @@ TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
     ASSERT_TRUE(st.ok()) << st.message();
     const Region& r = q.Regions[0];
     EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289, 288}));
-    EXPECT_EQ(r.RangeBE, (SingleArray{0, 101, 102, 103}));  // sized 0..PointCount
+    EXPECT_EQ(r.RangeBE, (SingleArray{0, 101, 102, 103}));          // sized 0..PointCount
     EXPECT_EQ(r.BackgroundCurve, (SingleArray{0, 401, 402, 403}));  // stored, not recomputed
     EXPECT_EQ(r.EndPointAverage, 1);
     const Peak& k = q.Peaks[20];
@@ -165,7 +169,8 @@ TEST(ProjectFileOldLayout, TruncatedFilesFail) {
     const std::size_t desc = b.size() - 6;
     // Every length up to the end of the first region, then a coarser walk.
     for (std::size_t len = 0; len < desc; len += (len < 200 ? 1 : 397)) {
-        const auto file = dir / ("t" + std::to_string(len) + ".xps");  // new files: faster than truncating
+        const auto file =
+            dir / ("t" + std::to_string(len) + ".xps");  // new files: faster than truncating
         test::WriteBytes(file, b.substr(0, len));
         Project q;
         RecordingHost host;

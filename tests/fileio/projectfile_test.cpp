@@ -2,15 +2,15 @@
 
 #include "fileio/projectfile.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
-#include "base/numtext.h"
+#include <gtest/gtest.h>
+
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 #include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"
@@ -158,8 +158,14 @@ TEST(ProjectFileLayout, EmptyProjectIs225Bytes) {
     EXPECT_EQ(b.substr(137, 20), std::string(20, ' '));  // EditPeak Label
     // CurrentPeak; Curve header (one dimension, no element, lower bound 0);
     // CurrentRegion, then the description's type code and length.
-    ExpectValuesAt(b, 0, {{133, 'h', 0}, {191, 'h', 1}, {193, 'i', 0}, {197, 'i', 0},
-                          {219, 'h', 0}, {221, 'h', 8}, {223, 'h', 0}});
+    ExpectValuesAt(b, 0,
+                   {{133, 'h', 0},
+                    {191, 'h', 1},
+                    {193, 'i', 0},
+                    {197, 'i', 0},
+                    {219, 'h', 0},
+                    {221, 'h', 8},
+                    {223, 'h', 0}});
 }
 
 TEST(ProjectFileLayout, EveryFieldAtItsOffset) {
@@ -362,13 +368,16 @@ TEST(ProjectFileLoad, HostileValuesAreRefused) {
     for (const Damage& d : damages) {
         std::string damaged = b;
         test::LeBytes v;
-        if (d.width == 2) v.I16(d.value);
-        else v.I32(d.value);
+        if (d.width == 2)
+            v.I16(d.value);
+        else
+            v.I32(d.value);
         damaged.replace(d.at, v.bytes.size(), v.bytes);
         test::WriteBytes(dir / "h.xps", damaged);
         Project q;
         RecordingHost host;
-        EXPECT_EQ(LoadProject(q, host, (dir / "h.xps").string()).message(), msg::kErrorReadingFile) << d.what;
+        EXPECT_EQ(LoadProject(q, host, (dir / "h.xps").string()).message(), msg::kErrorReadingFile)
+            << d.what;
     }
 }
 

@@ -1,19 +1,19 @@
 #include "fileio/regionparams.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <filesystem>
 #include <sstream>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "base/binstream.h"
-#include "fileio/records_io.h"
 #include "base/messages.h"
+#include "fileio/records_io.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 #include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/recording_host.h"
@@ -100,7 +100,9 @@ TEST_F(RegionParamsTest, RegionWithoutPeaksIsHeaderAndSixteenBytes) {
     ASSERT_EQ(b.size(), 29u + 16u);
     EXPECT_EQ(b.substr(0, 29), "MOLVERA 4.0 Region Parameters");
     // PeakCount, RangeCount, HasBackground, type, then the high end before the low end.
-    ExpectValuesAt(b, 29, {{0, 'h', 0}, {2, 'h', 123}, {4, 'h', 0}, {6, 'h', 2}, {8, 'f', 290.5}, {12, 'f', 280.25}});
+    ExpectValuesAt(
+        b, 29,
+        {{0, 'h', 0}, {2, 'h', 123}, {4, 'h', 0}, {6, 'h', 2}, {8, 'f', 290.5}, {12, 'f', 280.25}});
 }
 
 TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
@@ -166,7 +168,7 @@ TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
         {8, 300.0f, 1.0f, msg::kIncompatibleRegion},         // 8 points, range of 9
         {40, 288.0f, 0.25f, msg::kBindingEnergyOutOfRange},  // data end below 289 eV
         {12, 289.0f, 0.5f, msg::kBindingEnergyOutOfRange},   // 289..283.5 eV: 281 missing
-        {9, 289.0f, 1.0f, ""},                                // exactly 289..281: accepted
+        {9, 289.0f, 1.0f, ""},                               // exactly 289..281: accepted
     };
     for (const Case& c : cases) {
         test::FillSampleRegion(project, 3, c.points, c.high, c.step);

@@ -8,13 +8,13 @@
 
 #include <gtest/gtest.h>
 
+#include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
 #include "fileio/regionparams.h"
-#include "fileio/optionfile.h"
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 #include "support/files.h"
 #include "support/recording_host.h"
 
@@ -29,7 +29,9 @@ class Random {
 public:
     explicit Random(unsigned seed) : rng_(seed) {}
     int Int(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng_); }
-    float Real(double lo, double hi) { return static_cast<float>(std::uniform_real_distribution<double>(lo, hi)(rng_)); }
+    float Real(double lo, double hi) {
+        return static_cast<float>(std::uniform_real_distribution<double>(lo, hi)(rng_));
+    }
     bool Coin(double p = 0.5) { return std::bernoulli_distribution(p)(rng_); }
     Flag RandomFlag() { return Coin() ? kTrue : kFalse; }
     // Latin-1 text of printable characters, accented ones included.
@@ -115,7 +117,8 @@ void RandomConstraints(Random& rnd, Project& project) {
             ParameterConstraint& c = project.Constraints[s][g];
             if (rnd.Coin(0.3)) {
                 c.Linked = kTrue;
-                c.RefPeak = static_cast<Int16>(used[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(used.size()) - 1))]);
+                c.RefPeak = static_cast<Int16>(
+                    used[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(used.size()) - 1))]);
                 c.Operation = static_cast<Int16>(rnd.Int(0, 3));
                 c.Argument = rnd.Real(0.1, 5);
             }
@@ -142,7 +145,9 @@ Project RandomProject(Random& rnd) {
         if (rnd.Coin(0.8)) RandomFit(rnd, p, r);
     }
     RandomConstraints(rnd, p);
-    p.CurrentRegion = withData.empty() ? 0 : static_cast<Int16>(withData[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(withData.size()) - 1))]);
+    p.CurrentRegion = withData.empty() ? 0
+                                       : static_cast<Int16>(withData[static_cast<std::size_t>(
+                                             rnd.Int(0, static_cast<int>(withData.size()) - 1))]);
     p.CurrentPeak = static_cast<Int16>(rnd.Int(0, kPeakSlots - 1));
     if (IsSet(p.Peaks[p.CurrentPeak].InUse)) p.EditPeak = p.Peaks[p.CurrentPeak];
     p.TotalPeakCount = static_cast<Int16>(rnd.Int(0, kPeakSlots));
@@ -154,14 +159,15 @@ Project RandomProject(Random& rnd) {
 
 void ExpectSameSavedFields(const Project& a, const Project& b, int iteration) {
     for (int r = 0; r < kRegionCount; ++r)
-        EXPECT_TRUE(a.Regions[r] == b.Regions[r])
-            << "iteration " << iteration << " region " << r;
+        EXPECT_TRUE(a.Regions[r] == b.Regions[r]) << "iteration " << iteration << " region " << r;
     for (int s = 0; s < kPeakSlots; ++s) {
         // A free slot is stored as a hole: what a deleted peak left there is not kept.
-        EXPECT_EQ(IsSet(a.Peaks[s].InUse), IsSet(b.Peaks[s].InUse)) << "iteration " << iteration << " peak " << s;
+        EXPECT_EQ(IsSet(a.Peaks[s].InUse), IsSet(b.Peaks[s].InUse))
+            << "iteration " << iteration << " peak " << s;
         if (!IsSet(a.Peaks[s].InUse)) continue;
         EXPECT_TRUE(a.Peaks[s] == b.Peaks[s]) << "iteration " << iteration << " peak " << s;
-        EXPECT_TRUE(a.Constraints[s] == b.Constraints[s]) << "iteration " << iteration << " constraint " << s;
+        EXPECT_TRUE(a.Constraints[s] == b.Constraints[s])
+            << "iteration " << iteration << " constraint " << s;
     }
     EXPECT_TRUE(a.EditPeak == b.EditPeak) << "iteration " << iteration;
     EXPECT_EQ(a.CurrentRegion, b.CurrentRegion) << "iteration " << iteration;
@@ -224,7 +230,8 @@ TEST(RoundTripProperty, RegionParametersLoadIntoAnEqualRegion) {
         expected.PeakIndex = loaded.PeakIndex;  // lowest free slots, not the saved ones
         EXPECT_TRUE(loaded == expected) << "iteration " << it;
         for (int k = 0; k < region.PeakCount; ++k) {
-            EXPECT_TRUE(q.Peaks[loaded.PeakIndex[k]] == p.Peaks[region.PeakIndex[k]]) << "iteration " << it;
+            EXPECT_TRUE(q.Peaks[loaded.PeakIndex[k]] == p.Peaks[region.PeakIndex[k]])
+                << "iteration " << it;
             EXPECT_TRUE(q.Constraints[loaded.PeakIndex[k]] == p.Constraints[region.PeakIndex[k]])
                 << "iteration " << it;
         }
@@ -245,8 +252,11 @@ TEST(RoundTripProperty, OptionFileGivesBackTheOptionsAndTheSameBytes) {
         FitOptions o;
         std::vector<OptionField> fields = OptionFileFields(o);
         for (OptionField& f : fields) {
-            if (auto* p = std::get_if<float*>(&f.value)) **p = rnd.Real(-1e6, 1e6);
-            else *std::get<std::int16_t*>(f.value) = static_cast<std::int16_t>(rnd.Int(-32768, 32767));
+            if (auto* p = std::get_if<float*>(&f.value))
+                **p = rnd.Real(-1e6, 1e6);
+            else
+                *std::get<std::int16_t*>(f.value) =
+                    static_cast<std::int16_t>(rnd.Int(-32768, 32767));
         }
         ASSERT_TRUE(WriteOptionFile(o, first).ok());
         EXPECT_EQ(std::filesystem::file_size(first), kOptionFileSize);

@@ -10,11 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include "base/messages.h"
 #include "fileio/exports.h"
+#include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
 #include "fileio/regionparams.h"
-#include "fileio/optionfile.h"
-#include "base/messages.h"
 #include "spectral/regionedit.h"
 #include "support/files.h"
 #include "support/sample_region.h"
@@ -43,7 +43,8 @@ protected:
     Project project;
     std::vector<NamedWriter> writers{
         {"project", [this](const std::string& f) { return SaveProject(project, f); }},
-        {"region parameters", [this](const std::string& f) { return SaveRegionParameters(project, f); }},
+        {"region parameters",
+         [this](const std::string& f) { return SaveRegionParameters(project, f); }},
         {"options", [this](const std::string& f) { return WriteOptionFile(project.Options, f); }},
         {"spectrum export", [this](const std::string& f) { return ExportSpectrum(project, f); }},
         {"peak export", [this](const std::string& f) { return ExportPeakParameters(project, f); }},
@@ -53,7 +54,9 @@ protected:
 TEST_F(SaveFailure, MissingFolderAndDirectoryPathAreReported) {
     const fs::path dir = test::ScratchDir();
     for (const NamedWriter& w : writers) {
-        EXPECT_EQ(w.write((dir / "no" / "such" / "file").string()).message(), msg::kErrorWritingFile) << w.name;
+        EXPECT_EQ(w.write((dir / "no" / "such" / "file").string()).message(),
+                  msg::kErrorWritingFile)
+            << w.name;
         const fs::path folder = dir / (std::string(w.name) + ".d");
         fs::create_directory(folder);
         test::WriteBytes(folder / "inside", "kept");
@@ -85,7 +88,8 @@ TEST_F(SaveFailure, WriteCutShortByTheFileSizeLimitKeepsThePreviousFile) {
 
         EXPECT_EQ(st.message(), msg::kErrorWritingFile) << w.name;
         EXPECT_EQ(ReadBytes(target), "previous contents") << w.name;
-        EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 1) << w.name << ": temporary file left";
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 1)
+            << w.name << ": temporary file left";
     }
 }
 

@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include "support/files.h"
-#include "fileio/importstore.h"
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
+#include "fileio/importstore.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 
 namespace molvera {
@@ -32,7 +32,8 @@ struct SynthBlock {
 // experimental variable, one corresponding variable, no additional parameter.
 std::string MakeVamas(const std::vector<SynthBlock>& blocks, const std::string& year = "2001") {
     std::string t = "VAMAS Surface Chemical Analysis Standard Data Transfer Format 1988 May 4\n";
-    t += "Lab\nModel\nOperator\nExperiment\n0\nNORM\nREGULAR\n" + std::to_string(blocks.size()) + "\n";
+    t += "Lab\nModel\nOperator\nExperiment\n0\nNORM\nREGULAR\n" + std::to_string(blocks.size()) +
+         "\n";
     t += "0\n0\n0\n0\n0\n" + std::to_string(blocks.size()) + "\n";
     for (const SynthBlock& b : blocks) {
         t += "block\nSample A\n" + year + "\n1\n2\n3\n4\n5\n0\n0\n" + b.technique + "\n";
@@ -67,7 +68,8 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
     ups.technique = "UPS";
     SynthBlock aes = Ramp(2, 100, 1, "Kinetic Energy");
     aes.technique = "AES dir";
-    ASSERT_TRUE(test::ImportText(project, host, "vamas", MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}))
+    ASSERT_TRUE(test::ImportText(project, host, "vamas",
+                                 MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}))
                     .status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 10);
     EXPECT_EQ(project.Regions[1].BindingEnergy[1], 30);
@@ -78,7 +80,8 @@ TEST_F(Vamas, FileEndingInsideABlockKeepsTheCompleteBlocks) {
     const std::string full = MakeVamas({Ramp(5, 20, -1), Ramp(5, 30, -1)});
     const std::string cut = full.substr(0, full.size() - 30);  // inside block 2's values
     const ImportResult r = test::ImportText(project, host, "vamas", cut);
-    EXPECT_EQ(test::MessageTexts(r.Messages()), std::vector<std::string>{msg::kErrorReadingFileImport});
+    EXPECT_EQ(test::MessageTexts(r.Messages()),
+              std::vector<std::string>{msg::kErrorReadingFileImport});
     EXPECT_EQ(r.status.detail().rfind("the file ends after line ", 0), 0u) << r.status.detail();
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 20);
     EXPECT_FALSE(IsSet(project.Regions[1].HasData));
@@ -114,7 +117,8 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
     std::string previous;
     for (;;) {
         const std::string& l = next();
-        if (l.size() >= 4 && (l.rfind("199", 0) == 0 || l.rfind("198", 0) == 0 || l.rfind("200", 0) == 0) &&
+        if (l.size() >= 4 &&
+            (l.rfind("199", 0) == 0 || l.rfind("198", 0) == 0 || l.rfind("200", 0) == 0) &&
             l[3] >= '0' && l[3] <= '9')
             break;
         previous = l;
@@ -129,7 +133,8 @@ LineRuleResult ReadByLineRules(const std::vector<std::string>& lines) {
         std::string back2, back1;
         for (;;) {
             const std::string& l = next();
-            if (l.size() > 1 && (l.compare(1, 6, "inetic") == 0 || l.compare(1, 6, "inding") == 0)) {
+            if (l.size() > 1 &&
+                (l.compare(1, 6, "inetic") == 0 || l.compare(1, 6, "inding") == 0)) {
                 const bool kinetic = l.compare(1, 6, "inetic") == 0;
                 out.captions.push_back(back2);
                 next();  // units
@@ -179,7 +184,8 @@ void CompareWithLineRules(const std::string& path) {
         for (std::size_t i = 1; i <= n; ++i) {
             const std::size_t j = reverse ? n - i : i - 1;
             ASSERT_EQ(r.BindingEnergy[i], e[j]) << path << " block " << k << " point " << i;
-            ASSERT_EQ(r.RawIntensity[i], rules.counts[k][j]) << path << " block " << k << " point " << i;
+            ASSERT_EQ(r.RawIntensity[i], rules.counts[k][j])
+                << path << " block " << k << " point " << i;
         }
     }
 }
@@ -187,7 +193,8 @@ void CompareWithLineRules(const std::string& path) {
 TEST(VamasLineRules, SameResultOnTheLayoutTheyWereWrittenFor) {
     SynthBlock kinetic = Ramp(7, 1190.25, 0.25, "Kinetic Energy");
     kinetic.transition = "2p3/2";
-    CompareWithLineRules(test::WriteScratch("l.vms", MakeVamas({Ramp(5, 290, -0.1), kinetic}, "1999")));
+    CompareWithLineRules(
+        test::WriteScratch("l.vms", MakeVamas({Ramp(5, 290, -0.1), kinetic}, "1999")));
     for (const char* rel : {"feranick-xps/2.vms", "feranick-xps/3.vms"}) {
         const std::string path = test::RealFile(rel);
         if (path.empty()) GTEST_SKIP() << rel << " is not available";
@@ -252,8 +259,10 @@ void CheckRealVamas(const RealVamas& f) {
             const int j = reversed ? n - i : i - 1;  // 0-based index in the file
             EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], fileBE(j), 2e-3)
                 << f.file << " block " << k << " point " << i;
-            const std::string& value = lines.at(starts[k] + static_cast<std::size_t>(j * f.variables));
-            EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)], static_cast<float>(LeadingNumber(value)))
+            const std::string& value =
+                lines.at(starts[k] + static_cast<std::size_t>(j * f.variables));
+            EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)],
+                      static_cast<float>(LeadingNumber(value)))
                 << f.file << " block " << k << " point " << i;
         }
     }
@@ -281,8 +290,10 @@ TEST(VamasReal, EveryBlockAgainstTheFilesOwnValues) {
     std::string missing;
     for (const RealVamas& f : files) {
         SCOPED_TRACE(f.file);
-        if (test::RealFile(f.file).empty()) missing += std::string(" ") + f.file;
-        else CheckRealVamas(f);
+        if (test::RealFile(f.file).empty())
+            missing += std::string(" ") + f.file;
+        else
+            CheckRealVamas(f);
     }
     if (!missing.empty()) GTEST_SKIP() << "not available:" << missing;
 }
@@ -292,7 +303,8 @@ TEST(VamasReal, FieldsAndMessages) {
     const std::string eis = test::RealFile("matkrin-vamas/xps_eis.vms");
     const std::string scienta = test::RealFile("minespex/vamas.vms");
     const std::string aes = test::RealFile("matkrin-vamas/aes_staib.vms");
-    if (multipak.empty() || eis.empty() || scienta.empty() || aes.empty()) GTEST_SKIP() << "real VAMAS files not available";
+    if (multipak.empty() || eis.empty() || scienta.empty() || aes.empty())
+        GTEST_SKIP() << "real VAMAS files not available";
     Project project;
     RecordingHost host;
     ASSERT_TRUE(test::ImportPath(project, host, "vamas", multipak).status.ok());
@@ -330,7 +342,8 @@ TEST(VamasReal, IrregularListsEnergiesPointByPoint) {
         const double ke = LeadingNumber(lines.at(first + static_cast<std::size_t>(3 * j)));
         EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(i)], 1486.61 - ke, 1e-3);
         EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(i)],
-                  static_cast<float>(LeadingNumber(lines.at(first + static_cast<std::size_t>(3 * j + 1)))));
+                  static_cast<float>(
+                      LeadingNumber(lines.at(first + static_cast<std::size_t>(3 * j + 1)))));
     }
     EXPECT_NEAR(r.BindingEnergy[1], b.Regions[0].BindingEnergy[1], 1e-3);
     EXPECT_NEAR(r.BindingEnergy[1351], b.Regions[0].BindingEnergy[1351], 1e-3);

@@ -18,7 +18,8 @@ class DriverTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ClearProject(project, host);
-        test::MakeSyntheticRegion(project, 0, 400, {{284.6f, 1000, 1.3f, 30}, {286.2f, 400, 1.5f, 30}});
+        test::MakeSyntheticRegion(project, 0, 400,
+                                  {{284.6f, 1000, 1.3f, 30}, {286.2f, 400, 1.5f, 30}});
         test::AddKnownPeak(project, 0, 0, {284.4f, 900, 1.2f, 30});
         test::AddKnownPeak(project, 0, 1, {286.4f, 450, 1.4f, 30});
         project.Options = test::TestOptions(0, 3);
@@ -38,10 +39,14 @@ protected:
         host.onChi = [this] {
             const Peak& p = project.Peaks[0];
             char c = 0;
-            if (p.Position != last.Position) c = 'P';
-            else if (p.Area != last.Area) c = 'A';
-            else if (p.FWHM != last.FWHM) c = 'F';
-            else if (p.PercentGL != last.PercentGL) c = 'G';
+            if (p.Position != last.Position)
+                c = 'P';
+            else if (p.Area != last.Area)
+                c = 'A';
+            else if (p.FWHM != last.FWHM)
+                c = 'F';
+            else if (p.PercentGL != last.PercentGL)
+                c = 'G';
             if (c != 0 && (varied.empty() || varied.back() != c)) varied.push_back(c);
             last = p;
         };
@@ -69,7 +74,8 @@ TEST_F(DriverTest, SearchPeakVariesFWHMBeforeArea) {
 }
 
 TEST_F(DriverTest, AllFixedConvergesAtOnceUnlessToleranceIsZero) {
-    for (int p : {0, 1}) project.Peaks[p].FixPosition = project.Peaks[p].FixArea = project.Peaks[p].FixFWHM = 1;
+    for (int p : {0, 1})
+        project.Peaks[p].FixPosition = project.Peaks[p].FixArea = project.Peaks[p].FixFWHM = 1;
     project.Options.Tolerance = 0.001f;
     const Project before = project;
     OptimiseRegion(project, host);

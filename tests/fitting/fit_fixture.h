@@ -22,7 +22,8 @@ struct KnownPeak {
 
 /// Region r with n points from 296 eV down in 0.05 eV steps: a step background
 /// (higher on the high-BE side) plus the known peaks. Range = all points.
-inline void MakeSyntheticRegion(Project& project, int r, int n, const std::vector<KnownPeak>& peaks) {
+inline void MakeSyntheticRegion(Project& project, int r, int n,
+                                const std::vector<KnownPeak>& peaks) {
     Region& region = project.Regions[r];
     ResizeRegionArrays(region, n);
     region.HasData = kTrue;
@@ -37,7 +38,8 @@ inline void MakeSyntheticRegion(Project& project, int r, int n, const std::vecto
         const double e = 296.0 - 0.05 * (j - 1);
         const double b = 500.0 + 300.0 / (1.0 + std::exp((285.0 - e) / 0.7));
         double y = b;
-        for (const KnownPeak& k : peaks) y += PeakValue(false, e, k.position, k.area, k.fwhm, k.gl, 0, Subshell::S, 0, 0);
+        for (const KnownPeak& k : peaks)
+            y += PeakValue(false, e, k.position, k.area, k.fwhm, k.gl, 0, Subshell::S, 0, 0);
         region.BindingEnergy[j] = static_cast<float>(e);
         region.RawIntensity[j] = static_cast<float>(y);
         region.RangeBE[j] = static_cast<float>(e);
@@ -48,7 +50,8 @@ inline void MakeSyntheticRegion(Project& project, int r, int n, const std::vecto
     region.MaxBE = region.BindingEnergy[1];
     region.MinBE = region.BindingEnergy[n];
     double netMax = 0;
-    for (int j = 1; j <= n; ++j) netMax = std::max(netMax, double(region.RangeIntensity[j]) - region.BackgroundCurve[j]);
+    for (int j = 1; j <= n; ++j)
+        netMax = std::max(netMax, double(region.RangeIntensity[j]) - region.BackgroundCurve[j]);
     region.NetMax = static_cast<float>(netMax);
     region.NetScale = static_cast<float>(netMax / 100);
 }
@@ -66,7 +69,8 @@ inline int AddKnownPeak(Project& project, int r, int slot, const KnownPeak& k) {
     peak.PercentGL = k.gl;
     peak.FixPosition = peak.FixArea = peak.FixFWHM = 0;
     peak.FixGL = 1;
-    peak.HeightPercent = AreaToHeightPercent(false, region.NetScale, k.area, k.fwhm, k.gl, Subshell::S, 0, 0);
+    peak.HeightPercent =
+        AreaToHeightPercent(false, region.NetScale, k.area, k.fwhm, k.gl, Subshell::S, 0, 0);
     ResizePeakCurve(project, slot, region.PointCount);
     region.PeakIndex[region.PeakCount++] = static_cast<Int16>(slot);
     ++project.TotalPeakCount;

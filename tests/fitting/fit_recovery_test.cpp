@@ -26,10 +26,12 @@ struct Scenario {
 // 15-20 %); the Search method, one parameter at a time on a finite grid, stalls in the
 // narrow valley of such correlated peaks, so it gets well separated ones.
 const Scenario kScenarios[] = {
-    {"NewtonOverlapping", 1,
+    {"NewtonOverlapping",
+     1,
      {{284.8f, 1200, 1.3f, 30}, {286.4f, 500, 1.5f, 30}, {288.9f, 300, 1.6f, 30}},
      {{285.1f, 900, 1.1f, 30}, {286.0f, 650, 1.8f, 30}, {289.2f, 220, 1.3f, 30}}},
-    {"SearchSeparated", 0,
+    {"SearchSeparated",
+     0,
      {{283.0f, 1200, 1.3f, 30}, {287.0f, 500, 1.5f, 30}, {291.0f, 300, 1.6f, 30}},
      {{283.3f, 900, 1.1f, 30}, {286.7f, 650, 1.8f, 30}, {291.3f, 220, 1.3f, 30}}},
 };
@@ -77,15 +79,16 @@ bool LoadC1s(Project& project, Host& host, const std::string& path) {
 TEST(RealFit, C1sReachesItsBestChiSquareWithBothMethods) {
     const std::string path = test::RealFile("lg4x/C1s_sample.csv");
     if (path.empty()) GTEST_SKIP() << "lg4x/C1s_sample.csv not present";
-    const KnownPeak guesses[] = {{284.5f, 0, 1.2f, 30}, {286.0f, 0, 1.5f, 30}, {288.0f, 0, 1.5f, 30},
-                                 {290.5f, 0, 2.0f, 30}};
+    const KnownPeak guesses[] = {
+        {284.5f, 0, 1.2f, 30}, {286.0f, 0, 1.5f, 30}, {288.0f, 0, 1.5f, 30}, {290.5f, 0, 2.0f, 30}};
     const float heights[] = {80, 20, 8, 4};
     auto setUp = [&](Project& project, Host& host, float method) {
         if (!LoadC1s(project, host, path)) return false;
         const float netScale = project.Regions[0].NetScale;
         for (int i = 0; i < 4; ++i) {
             KnownPeak k = guesses[i];
-            k.area = HeightPercentToArea(false, netScale, heights[i], k.fwhm, k.gl, Subshell::S, 0, 0);
+            k.area =
+                HeightPercentToArea(false, netScale, heights[i], k.fwhm, k.gl, Subshell::S, 0, 0);
             test::AddKnownPeak(project, 0, i, k);
         }
         ComputeRegionEnvelope(project, host);

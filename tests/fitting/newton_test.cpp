@@ -34,7 +34,8 @@ TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
     NewtonPosition(project, host, 0, 0.01f, improved);
     ASSERT_EQ(seen.size(), 13u);
     const int order[] = {6, 5, 4, 3, 2, 1, -1, -2, -3, -4, -5, -6};
-    for (int i = 0; i < 12; ++i) EXPECT_EQ(seen[i], static_cast<float>(285.0 + order[i] * double(0.01f))) << i;
+    for (int i = 0; i < 12; ++i)
+        EXPECT_EQ(seen[i], static_cast<float>(285.0 + order[i] * double(0.01f))) << i;
     EXPECT_TRUE(improved);
     EXPECT_GT(project.Peaks[0].Position, 285.1f);
     EXPECT_EQ(project.Peaks[1].Position, project.Peaks[0].Position + 5.0f);

@@ -22,7 +22,8 @@ protected:
     }
     /// Makes peak 0 a reference of peak 1 (same region) in group g: Region mode.
     void FollowerInSameRegion(PeakParameter g) {
-        if (!IsSet(project.Peaks[1].InUse)) test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
+        if (!IsSet(project.Peaks[1].InUse))
+            test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
         project.Constraints[1][g].Linked = kTrue;
         project.Constraints[1][g].RefPeak = 0;
         // Position +5 eV, area x0.01, FWHM x1, %GL +0: the follower stays out of the way.
@@ -47,7 +48,8 @@ TEST_F(SearchTest, GridOfALevelIncludesBothEndsAndSkipsZero) {
     host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
     SearchPosition(project, host, 0);
     // 8 trials, then the finishing envelope with the best value (285: nothing beats it).
-    const std::vector<float> expected{284.0f, 284.25f, 284.5f, 284.75f, 285.25f, 285.5f, 285.75f, 286.0f, 285.0f};
+    const std::vector<float> expected{284.0f, 284.25f, 284.5f, 284.75f, 285.25f,
+                                      285.5f, 285.75f, 286.0f, 285.0f};
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(project.Peaks[0].Position, 285.0f);
 }
@@ -65,7 +67,8 @@ TEST_F(SearchTest, LimitsClampTrialsAndFirstEqualScoreWins) {
     std::vector<float> seen;
     host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
     SearchPosition(project, host, 0);
-    const std::vector<float> expected{283.0f, 283.25f, 283.5f, 283.75f, 284.25f, 284.5f, 284.5f, 284.5f, 284.5f};
+    const std::vector<float> expected{283.0f, 283.25f, 283.5f, 283.75f, 284.25f,
+                                      284.5f, 284.5f,  284.5f, 284.5f};
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(project.Peaks[0].Position, 284.5f);
 }
@@ -76,7 +79,8 @@ TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
     Peak& peak = project.Peaks[0];
     const float netScale = project.Current().NetScale;
     peak.HeightPercent = 105;
-    peak.Area = HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, Subshell::S, 0, 0);
+    peak.Area =
+        HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, Subshell::S, 0, 0);
     test::Settle(project);
     project.Options.AreaSearch = {};
     project.Options.AreaSearch[0] = {kTrue, 10.0f, 1.0f};
@@ -86,13 +90,16 @@ TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
     SearchArea(project, host, 0);
     std::vector<float> expected;
     for (int h = 95; h <= 109; ++h) {
-        if (h != 105) expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL, Subshell::S, 0, 0));
+        if (h != 105)
+            expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL,
+                                                   Subshell::S, 0, 0));
     }
     seen.pop_back();  // the finishing envelope
     EXPECT_EQ(seen, expected);
     // The true height is 100: the best trial is the 95..109 value closest to it.
     EXPECT_FLOAT_EQ(project.Peaks[0].HeightPercent,
-                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30, Subshell::S, 0, 0));
+                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30,
+                                        Subshell::S, 0, 0));
     EXPECT_NEAR(project.Peaks[0].Area, 1000.0f, 1000 * 0.06);
     EXPECT_LT(project.Peaks[0].Area, start.Area);
 }
@@ -106,7 +113,8 @@ TEST_F(SearchTest, GLCoarseThenFine) {
     SearchGL(project, host, 0);
     // The data were made with 30 %: the coarse best is 30, then 21..39 without 30.
     std::vector<int> expected{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
-    for (int d = -9; d <= 9; ++d) if (d != 0) expected.push_back(30 + d);
+    for (int d = -9; d <= 9; ++d)
+        if (d != 0) expected.push_back(30 + d);
     expected.push_back(30);
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(project.Peaks[0].PercentGL, 30);

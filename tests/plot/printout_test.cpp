@@ -76,7 +76,8 @@ TEST(Printout, TableWithHeaderOnlyWithoutBackgroundAndRowsInPeakOrder) {
     DrawPrintout(p, c, true);
     ASSERT_NE(FindText(c, "Peak"), nullptr);
     EXPECT_TRUE(FindText(c, "Peak")->bold);
-    for (const char* h : {"Position", "Area", "FWHM", "%GL"}) EXPECT_NE(FindText(c, h), nullptr) << h;
+    for (const char* h : {"Position", "Area", "FWHM", "%GL"})
+        EXPECT_NE(FindText(c, h), nullptr) << h;
     // Nothing after the header row: the last text drawn is "%GL".
     EXPECT_EQ(c.Of(CanvasOp::Text).back().text, "%GL");
 

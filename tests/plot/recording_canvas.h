@@ -31,7 +31,8 @@ public:
 
     void Clear() override { ops.push_back(Op(CanvasOp::Clear, 0, 0, 0, 0, kBlack)); }
     void SetScale(double l, double t, double r, double b) override {
-        if (!(std::isfinite(l) && std::isfinite(t) && std::isfinite(r) && std::isfinite(b)) || l == r || t == b)
+        if (!(std::isfinite(l) && std::isfinite(t) && std::isfinite(r) && std::isfinite(b)) ||
+            l == r || t == b)
             return;
         left = l, top = t, right = r, bottom = b;
         ops.push_back(Op(CanvasOp::Scale, l, t, r, b, kBlack));

@@ -38,17 +38,19 @@ std::vector<double> TickPositions(const RecordingCanvas& c) {
 
 TEST(PlotTicks, StepAndFirstTick) {
     // The step is a fifth of the span cut to its first non-zero decimal.
-    const std::pair<double, double> steps[] = {{20, 4},  {3, 0.6},     {0.07, 0.01}, {24.4, 4},  // floor(4.98)
+    const std::pair<double, double> steps[] = {{20, 4},     {3, 0.6}, {0.07, 0.01},
+                                               {24.4, 4},  // floor(4.98)
                                                {24.6, 5},  // floor(4.92 + 0.1)
-                                               {1000, 200}, {0, 1},    {std::nan(""), 1}};
+                                               {1000, 200}, {0, 1},   {std::nan(""), 1}};
     for (const auto& [span, step] : steps) EXPECT_NEAR(TickStep(span), step, 1e-12) << span;
     EXPECT_GT(TickStep(1e-30), 0);  // beyond every decade: a fifth of the span
     // The first tick is the smallest multiple not below the minimum, strictly above
     // it at or below zero.
-    const std::array<double, 3> firsts[] = {{280, 4, 280},      {281, 4, 284},      {285, 0.6, 285},
-                                            {285.1, 0.6, 285.6}, {0, 0.6, 0},       {-1, 0.4, -0.8},
+    const std::array<double, 3> firsts[] = {{280, 4, 280},       {281, 4, 284}, {285, 0.6, 285},
+                                            {285.1, 0.6, 285.6}, {0, 0.6, 0},   {-1, 0.4, -0.8},
                                             {-0.8, 0.4, -0.4},   {-10, 1, -9}};
-    for (const auto& [min, step, first] : firsts) EXPECT_NEAR(FirstTick(min, step), first, 1e-9) << min << " " << step;
+    for (const auto& [min, step, first] : firsts)
+        EXPECT_NEAR(FirstTick(min, step), first, 1e-9) << min << " " << step;
 }
 
 TEST(PlotRegion, Region280To300HasTicksEvery4eVWith300AtTheLeft) {
@@ -104,7 +106,8 @@ TEST(PlotRedisplay, NothingWithoutDataSpectrumOnlyWithoutBackground) {
     }
 }
 
-// Background 10, peaks 20 (slot 7) and 30 (slot 3), envelope 40: each curve identified by its value.
+// Background 10, peaks 20 (slot 7) and 30 (slot 3), envelope 40: each curve identified by its
+// value.
 Project FittedProject() {
     Project p;
     FillRegion(p, 21, 290, 280, 0, 100);

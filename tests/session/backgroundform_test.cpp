@@ -1,13 +1,13 @@
 #include "session/backgroundform.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/background.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 

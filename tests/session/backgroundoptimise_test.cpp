@@ -1,10 +1,10 @@
 #include "session/backgroundoptimise.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "base/numtext.h"
 #include "model/project.h"
@@ -185,7 +185,6 @@ TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheSta
     ComputeTougaard(check);
     EXPECT_EQ(check.BackgroundCurve, reg.BackgroundCurve);
     EXPECT_GE(host.redraws, 1);
-
 }
 
 TEST_F(BackgroundOptimiseTest, TougaardSearchFindsTheBestB1OverTheFirstTenPoints) {

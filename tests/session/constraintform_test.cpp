@@ -129,7 +129,7 @@ TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
     EXPECT_EQ(limits(PeakParameter::Area, "-1", "5"), msg::kNegativeRange);
     EXPECT_EQ(limits(PeakParameter::FWHM, "2", "2"), "");  // Low = High accepted
     EXPECT_EQ(limits(PeakParameter::GL, "10", "101"), msg::kOutOfRange);
-    EXPECT_TRUE(IsSet(project.Constraints[1].GL.Linked));       // stored before the refusal
+    EXPECT_TRUE(IsSet(project.Constraints[1].GL.Linked));      // stored before the refusal
     EXPECT_FALSE(IsSet(project.Constraints[1].GL.UseLimits));  // limits keep old values
     EXPECT_EQ(project.Constraints[1].FWHM.LowLimit, 2.0f);
     EXPECT_EQ(project.Constraints[1].FWHM.HighLimit, 2.0f);

@@ -3,12 +3,12 @@
 
 #include "session/optionsform.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
-#include "fileio/optionfile.h"
+#include <gtest/gtest.h>
+
 #include "base/messages.h"
+#include "fileio/optionfile.h"
 #include "model/records.h"
 #include "support/files.h"
 #include "support/recording_host.h"
@@ -73,8 +73,9 @@ TEST(OptionsDialogApply, ToleranceFrom0To100PerCent) {
         bool ok;
         float stored;
     };
-    const Case cases[] = {{"0.01", true, 0.0001f}, {"abc", true, 0}, {"100", true, 1},  // no number reads as 0
-                          {"-0.5", false, 1},      {"100.001", false, 1}, {"1e5", false, 1}};
+    const Case cases[] = {
+        {"0.01", true, 0.0001f}, {"abc", true, 0},      {"100", true, 1},  // no number reads as 0
+        {"-0.5", false, 1},      {"100.001", false, 1}, {"1e5", false, 1}};
     FitOptions o;
     OptionsForm f = ValidForm();
     for (const Case& c : cases) {
@@ -89,9 +90,9 @@ TEST(OptionsDialogApply, ToleranceFrom0To100PerCent) {
 TEST(OptionsDialogApply, TrialsFrom1To200RoundedHalfToEven) {
     FitOptions o;
     OptionsForm f = ValidForm();
-    const std::pair<const char*, int> cases[] = {{"200", 200}, {"1", 1},     {"2.5", 2},  {"3.5", 4},
-                                                 {"7 trials", 7}, {"201", 0}, {"0.5", 0}, {"-3", 0},
-                                                 {"", 0},      {"40000", 0}, {"1e300", 0}};  // 0: refused
+    const std::pair<const char*, int> cases[] = {
+        {"200", 200}, {"1", 1},  {"2.5", 2}, {"3.5", 4},   {"7 trials", 7}, {"201", 0},
+        {"0.5", 0},   {"-3", 0}, {"", 0},    {"40000", 0}, {"1e300", 0}};  // 0: refused
     for (const auto& [text, stored] : cases) {
         SCOPED_TRACE(text);
         o.SearchTrials = o.NewtonTrials = 99;
@@ -163,7 +164,8 @@ TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
     // A failed load leaves the dialog alone.
     test::WriteBytes(dir / "short.opa", std::string(10, '\0'));
     OptionsForm g;
-    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o).message(),
+              msg::kErrorReadingFile);
     EXPECT_FALSE(g.visible);
     EXPECT_EQ(g.searchTrialsText, "");
 }

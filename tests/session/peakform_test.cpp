@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "model/project.h"
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
+#include "spectral/regionedit.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 

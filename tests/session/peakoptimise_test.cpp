@@ -1,9 +1,9 @@
 #include "session/peakoptimise.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "base/numtext.h"
 #include "fitting/fit_fixture.h"
@@ -57,8 +57,10 @@ TEST_F(PeakOptimiseTest, SearchStaysOnTheGridNewtonOnlyWhenMethodIsExactlyOne) {
         form.areaText = "1";  // not read when only the position is optimised
         OptimiseEditedParameter(project, host, form, PeakParameter::Position);
         EXPECT_NEAR(peak().Position, 285.037, c.grid ? 0.0051 : 0.002);
-        if (c.grid) EXPECT_LT(OffGrid(peak().Position, 284.9, 0.01), 1e-3);
-        else EXPECT_GT(OffGrid(peak().Position, 284.9, 0.01), 0.05);
+        if (c.grid)
+            EXPECT_LT(OffGrid(peak().Position, 284.9, 0.01), 1e-3);
+        else
+            EXPECT_GT(OffGrid(peak().Position, 284.9, 0.01), 0.05);
         EXPECT_EQ(form.positionText, FormatGeneral(peak().Position));
         EXPECT_EQ(peak().Area, 1000.0f);
     }

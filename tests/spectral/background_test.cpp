@@ -28,7 +28,8 @@ protected:
         return MakeRegion(project, 0, FallingEnergies(10, 10, 1), y);
     }
     /// A region set up for the background computations alone.
-    Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type, float param) {
+    Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type,
+                        float param) {
         Region& reg = test::WholeRange(project, 0, be, y);
         reg.BackgroundType = static_cast<BackgroundKind>(type);
         reg.BackgroundParameter = param;
@@ -54,7 +55,8 @@ TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
     };
     const Case cases[] = {
         {3.2f, 7.9f, 3, 8, 6, "4.7 eV at 1 eV per point, plus one, rounded"},
-        {2.25f, 7.75f, 3, 9, 6, "6.5 points round to even; 2 eV is nearest, but m stops the range at 3 eV"},
+        {2.25f, 7.75f, 3, 9, 6,
+         "6.5 points round to even; 2 eV is nearest, but m stops the range at 3 eV"},
         {2.5f, 8.5f, 2, 8, 7, "halfway boundaries take the higher energy"},
         {8.5f, 2.5f, 2, 8, 7, "swapped ends are put in order"},
     };

@@ -1,8 +1,8 @@
 #include "spectral/bgoptimise.h"
 
-#include <gtest/gtest.h>
-
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "spectral/region_builder.h"
 

@@ -8,8 +8,8 @@
 
 #include "base/numtext.h"
 #include "spectral/lineshape.h"
-#include "support/recording_host.h"
 #include "spectral/region_builder.h"
+#include "support/recording_host.h"
 
 namespace molvera {
 namespace {
@@ -41,7 +41,8 @@ TEST_F(EnvelopeTest, NoPeaksLeavesBackgroundAsEnvelopeAndWeightsZeroCountsByOne)
 }
 
 TEST_F(EnvelopeTest, PeaksSitOnTheBackgroundAndAdd) {
-    Region& reg = WholeRange(project, 0, {3, 2, 1, 0, -1}, {20, 40, 90, 40, 20}, {10, 10, 10, 10, 10});
+    Region& reg =
+        WholeRange(project, 0, {3, 2, 1, 0, -1}, {20, 40, 90, 40, 20}, {10, 10, 10, 10, 10});
     reg.Shift = 0.5f;
     const int a = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
     const int b = AddTestPeak(project, 0, 0.5f, 60, 1.2f, 40);
@@ -112,7 +113,8 @@ TEST_F(EnvelopeTest, TotalChiSquareBookkeeping) {
     RecomputeAllRegions(project, host);
     EXPECT_EQ(project.CurrentRegion, 6);
     EXPECT_EQ(project.Regions[6].ChiSquare, 55);
-    EXPECT_FLOAT_EQ(project.TotalChiSquare, project.Regions[0].ChiSquare + project.Regions[4].ChiSquare);
+    EXPECT_FLOAT_EQ(project.TotalChiSquare,
+                    project.Regions[0].ChiSquare + project.Regions[4].ChiSquare);
 
     // Every region with a background is taken, with a background, peaks or not.
     RecordingHost shown;
@@ -157,7 +159,7 @@ TEST_F(EnvelopeTest, InconsistentStoredFieldsStayInBounds) {
     Region& reg = WholeRange(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
     const int q = AddTestPeak(project, 0, 1, 5, 1, 50);
     project.Peaks[q].Curve.clear();  // damaged: no curve at all
-    reg.RangeCount = 500;           // more than the arrays hold
+    reg.RangeCount = 500;            // more than the arrays hold
     reg.PeakCount = 3;
     reg.PeakIndex[1] = 77;  // no such slot
     reg.PeakIndex[2] = -1;

@@ -1,4 +1,3 @@
-#include "session/peakform.h"
 #include "spectral/lineshape.h"
 
 #include <cmath>
@@ -6,6 +5,8 @@
 #include <numbers>
 
 #include <gtest/gtest.h>
+
+#include "session/peakform.h"
 
 namespace molvera {
 namespace {
@@ -39,7 +40,8 @@ double IntegrateRange(const std::function<double(double)>& f, double a, double b
 
 /// A Gaussian and a Lorentzian of area A and FWHM w, from their textbook forms.
 double Gaussian(double x, double p, double A, double w) {
-    return A * std::sqrt(4 * kTrueLn2 / kPi) / w * std::exp(-4 * kTrueLn2 * (x - p) * (x - p) / (w * w));
+    return A * std::sqrt(4 * kTrueLn2 / kPi) / w *
+           std::exp(-4 * kTrueLn2 * (x - p) * (x - p) / (w * w));
 }
 double Lorentzian(double x, double p, double A, double w) {
     return A * (2 / (kPi * w)) / (1 + 4 * (x - p) * (x - p) / (w * w));
@@ -69,8 +71,8 @@ TEST(LineShape, PureGaussianAndLorentzianInBothFamilies) {
             EXPECT_NEAR(ComponentValue(glSum, x, p, A, w, 0, 0, 1), Gaussian(x, p, A, w),
                         2e-6 * Gaussian(p, p, A, w))
                 << "glSum=" << glSum << " x=" << x;
-            EXPECT_NEAR(ComponentValue(glSum, x, p, A, w, 100, 0, 1), Lorentzian(x, p, lorentzArea, w),
-                        2e-6 * Lorentzian(p, p, lorentzArea, w))
+            EXPECT_NEAR(ComponentValue(glSum, x, p, A, w, 100, 0, 1),
+                        Lorentzian(x, p, lorentzArea, w), 2e-6 * Lorentzian(p, p, lorentzArea, w))
                 << "glSum=" << glSum << " x=" << x;
         }
     }
@@ -80,8 +82,10 @@ TEST(LineShape, ProductHalfMaximumLiesAtHalfFWHMForEveryGL) {
     const double p = 100, w = 2.4;
     for (int g : {0, 10, 25, 40, 50, 60, 75, 90, 100}) {
         const double top = PeakValue(false, p, p, 50, w, g, 0, kSingle, 0, 1);
-        EXPECT_NEAR(PeakValue(false, p + w / 2, p, 50, w, g, 0, kSingle, 0, 1) / top, 0.5, 2e-6) << g;
-        EXPECT_NEAR(PeakValue(false, p - w / 2, p, 50, w, g, 0, kSingle, 0, 1) / top, 0.5, 2e-6) << g;
+        EXPECT_NEAR(PeakValue(false, p + w / 2, p, 50, w, g, 0, kSingle, 0, 1) / top, 0.5, 2e-6)
+            << g;
+        EXPECT_NEAR(PeakValue(false, p - w / 2, p, 50, w, g, 0, kSingle, 0, 1) / top, 0.5, 2e-6)
+            << g;
     }
 }
 
@@ -89,12 +93,17 @@ TEST(LineShape, AreasByNumericalIntegration) {
     const double p = 10, A = 700, w = 1.3;
     for (int g : {0, 30, 80, 100}) {
         // GL sum without a tail holds its area over the whole line.
-        auto sum = [&](double x) { return double(PeakValue(true, x, p, A, w, g, 0, kSingle, 0, 1)); };
+        auto sum = [&](double x) {
+            return double(PeakValue(true, x, p, A, w, g, 0, kSingle, 0, 1));
+        };
         EXPECT_NEAR(IntegrateWholeLine(sum, p, w), A, 2e-5 * A) << "GL sum g=" << g;
         // GL product holds its area over the table's window of 25 half-width units.
         const double c = (w / 2) / GLTables().GLProductWidthFactor[g];
-        auto prod = [&](double x) { return double(PeakValue(false, x, p, A, w, g, 0, kSingle, 0, 1)); };
-        EXPECT_NEAR(IntegrateRange(prod, p - 25 * c, p + 25 * c), A, 2e-5 * A) << "GL product g=" << g;
+        auto prod = [&](double x) {
+            return double(PeakValue(false, x, p, A, w, g, 0, kSingle, 0, 1));
+        };
+        EXPECT_NEAR(IntegrateRange(prod, p - 25 * c, p + 25 * c), A, 2e-5 * A)
+            << "GL product g=" << g;
     }
 }
 
@@ -103,20 +112,24 @@ TEST(LineShape, TailOnlyOnTheHighEnergySide) {
     const int g = 30;
     // TS = 0: symmetric.
     for (double d : {0.2, 0.7, 1.9})
-        EXPECT_EQ(PeakValue(true, p + d, p, A, w, g, 0, kSingle, 0, 1), PeakValue(true, p - d, p, A, w, g, 0, kSingle, 0, 1));
+        EXPECT_EQ(PeakValue(true, p + d, p, A, w, g, 0, kSingle, 0, 1),
+                  PeakValue(true, p - d, p, A, w, g, 0, kSingle, 0, 1));
     // TS > 0: a larger K lowers the line everywhere on the low side and at p ...
     const double TS = 0.4, TL = 2.0;
     const double Ksym = GLSumAreaFactor(g, 0, 1), Ktail = GLSumAreaFactor(g, TS, TL);
     EXPECT_GT(Ktail, Ksym);
-    EXPECT_LT(PeakValue(true, p, p, A, w, g, 0, kSingle, TS, TL), PeakValue(true, p, p, A, w, g, 0, kSingle, 0, 1));
+    EXPECT_LT(PeakValue(true, p, p, A, w, g, 0, kSingle, TS, TL),
+              PeakValue(true, p, p, A, w, g, 0, kSingle, 0, 1));
     for (double d : {0.2, 0.7, 1.9}) {
         const double left = PeakValue(true, p - d, p, A, w, g, 0, kSingle, TS, TL);
-        EXPECT_NEAR(left, PeakValue(true, p - d, p, A, w, g, 0, kSingle, 0, 1) * Ksym / Ktail, 1e-5 * left);
+        EXPECT_NEAR(left, PeakValue(true, p - d, p, A, w, g, 0, kSingle, 0, 1) * Ksym / Ktail,
+                    1e-5 * left);
         // ... and the tail term is added only above p.
         const double u = 4 * d * d;
         const double G = std::exp(-kTrueLn2 * u);
         const double tail = (A / w) / Ktail * TS * (1 - G) * std::exp(-6.9 * u / TL);
-        EXPECT_NEAR(PeakValue(true, p + d, p, A, w, g, 0, kSingle, TS, TL), left + tail, 1e-5 * left);
+        EXPECT_NEAR(PeakValue(true, p + d, p, A, w, g, 0, kSingle, TS, TL), left + tail,
+                    1e-5 * left);
     }
 }
 
@@ -139,23 +152,28 @@ TEST(LineShape, DoubletsSplitTheirArea) {
     for (bool glSum : {false, true}) {
         // p doublet of area 3: area 2 at p and area 1 at p + 1.
         for (double x : {99.0, 100.0, 100.4, 101.0, 102.5}) {
-            const float expected = static_cast<float>(double(ComponentValue(glSum, x, p, 2, w, 70, 0, 1)) +
-                                                      ComponentValue(glSum, x, p + S, 1, w, 70, 0, 1));
+            const float expected =
+                static_cast<float>(double(ComponentValue(glSum, x, p, 2, w, 70, 0, 1)) +
+                                   ComponentValue(glSum, x, p + S, 1, w, 70, 0, 1));
             EXPECT_FLOAT_EQ(PeakValue(glSum, x, p, 3, w, 70, S, Subshell::P, 0, 1), expected);
         }
         const double shares[][2] = {{0.6, 0.4}, {4.0 / 7, 3.0 / 7}};
         for (int t : {3, 4}) {  // d and f
             const double x = 100.7;
-            const double expected = double(ComponentValue(glSum, x, p, 7 * shares[t - 3][0], w, 70, 0, 1)) +
-                                    ComponentValue(glSum, x, p + S, 7 * shares[t - 3][1], w, 70, 0, 1);
-            EXPECT_NEAR(PeakValue(glSum, x, p, 7, w, 70, S, static_cast<Subshell>(t), 0, 1), expected,
-                        1e-5 * expected) << t;
+            const double expected =
+                double(ComponentValue(glSum, x, p, 7 * shares[t - 3][0], w, 70, 0, 1)) +
+                ComponentValue(glSum, x, p + S, 7 * shares[t - 3][1], w, 70, 0, 1);
+            EXPECT_NEAR(PeakValue(glSum, x, p, 7, w, 70, S, static_cast<Subshell>(t), 0, 1),
+                        expected, 1e-5 * expected)
+                << t;
         }
         EXPECT_EQ(PeakValue(glSum, p, p, 3, w, 70, S, Subshell::None, 0, 1), 0.0f);
         EXPECT_EQ(PeakValue(glSum, p, p, 3, w, 70, S, static_cast<Subshell>(5), 0, 1), 0.0f);
     }
     // An f doublet integrates to its whole area.
-    auto f = [&](double x) { return double(PeakValue(true, x, p, 7, w, 40, S, Subshell::F, 0, 1)); };
+    auto f = [&](double x) {
+        return double(PeakValue(true, x, p, 7, w, 40, S, Subshell::F, 0, 1));
+    };
     EXPECT_NEAR(IntegrateWholeLine(f, p, w), 7, 2e-4);
 }
 
@@ -174,11 +192,13 @@ TEST(HeightConversion, MainLineHeightIsHPercentOfNetScaleAndRoundTrips) {
                 const float A = HeightPercentToArea(glSum, netScale, H, w, g, t, TS, TL);
                 // The main line (far from the second one) is H * NetScale high at p.
                 const double top = PeakValue(glSum, 0, 0, A, w, g, 1e5, t, TS, TL);
-                EXPECT_NEAR(top, H * netScale, 1e-5 * H * netScale) << glSum << g << static_cast<int>(t);
+                EXPECT_NEAR(top, H * netScale, 1e-5 * H * netScale)
+                    << glSum << g << static_cast<int>(t);
                 EXPECT_NEAR(AreaToHeightPercent(glSum, netScale, A, w, g, t, TS, TL), H, 1e-5 * H);
             }
             EXPECT_EQ(HeightPercentToArea(glSum, netScale, H, w, g, Subshell::None, TS, TL), 0.0f);
-            EXPECT_EQ(AreaToHeightPercent(glSum, netScale, 100, w, g, Subshell::None, TS, TL), 0.0f);
+            EXPECT_EQ(AreaToHeightPercent(glSum, netScale, 100, w, g, Subshell::None, TS, TL),
+                      0.0f);
         }
     }
 }

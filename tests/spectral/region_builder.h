@@ -28,8 +28,8 @@ inline Region& MakeRegion(Project& project, int r, const std::vector<float>& be,
 /// Region r whose background range is its whole spectrum: end averages of one point,
 /// BackgroundWork the straight line between the ends, and `bg` (if given) as its
 /// background curve.
-inline Region& WholeRange(Project& project, int r, const std::vector<float>& be, const std::vector<float>& y,
-                          const std::vector<float>& bg = {}) {
+inline Region& WholeRange(Project& project, int r, const std::vector<float>& be,
+                          const std::vector<float>& y, const std::vector<float>& bg = {}) {
     Region& reg = MakeRegion(project, r, be, y);
     const int m = static_cast<int>(be.size());
     reg.RangeStart = 1;

@@ -58,7 +58,8 @@ inline std::int16_t I16At(const std::string& b, std::size_t at) {
 
 inline std::int32_t I32At(const std::string& b, std::size_t at) {
     std::uint32_t u = 0;
-    for (int k = 3; k >= 0; --k) u = (u << 8) | static_cast<unsigned char>(b.at(at + static_cast<std::size_t>(k)));
+    for (int k = 3; k >= 0; --k)
+        u = (u << 8) | static_cast<unsigned char>(b.at(at + static_cast<std::size_t>(k)));
     return static_cast<std::int32_t>(u);
 }
 
@@ -77,10 +78,13 @@ struct ValueAt {
 };
 
 /// Checks every row against the bytes at its offset (plus `base`).
-inline void ExpectValuesAt(const std::string& b, std::size_t base, std::initializer_list<ValueAt> rows) {
+inline void ExpectValuesAt(const std::string& b, std::size_t base,
+                           std::initializer_list<ValueAt> rows) {
     for (const ValueAt& r : rows) {
         const std::size_t at = base + r.offset;
-        const double got = r.kind == 'h' ? I16At(b, at) : r.kind == 'i' ? I32At(b, at) : F32At(b, at);
+        const double got = r.kind == 'h'   ? I16At(b, at)
+                           : r.kind == 'i' ? I32At(b, at)
+                                           : F32At(b, at);
         const double want = r.kind == 'f' ? static_cast<float>(r.value) : r.value;
         EXPECT_EQ(got, want) << "at " << base << " + " << r.offset;
     }

@@ -9,7 +9,9 @@
 namespace molvera::test {
 
 /// A bundled test file (tests/data).
-inline std::string DataFile(const std::string& name) { return std::string(MOLVERA_TEST_DATA) + "/" + name; }
+inline std::string DataFile(const std::string& name) {
+    return std::string(MOLVERA_TEST_DATA) + "/" + name;
+}
 
 /// A file of the shared real-data set, or "" when the shared folder is absent.
 inline std::string SharedRealFile(const std::string& rel) {

@@ -14,10 +14,10 @@ namespace molvera::test {
 class RecordingHost : public SessionHost {
 public:
     int beeps = 0;
-    std::deque<bool> answers;  ///< answers to AskYesNo, in order; No when empty
-    std::string description;   ///< the last description reported
-    int redraws = 0;           ///< CurvesChanged
-    int regionWindowShows = 0; ///< RegionInView
+    std::deque<bool> answers;   ///< answers to AskYesNo, in order; No when empty
+    std::string description;    ///< the last description reported
+    int redraws = 0;            ///< CurvesChanged
+    int regionWindowShows = 0;  ///< RegionInView
     int yields = 0;
 
     bool AskYesNo(const std::string&, const std::string&) override {

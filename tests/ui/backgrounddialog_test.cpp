@@ -1,16 +1,18 @@
 // The background dialog on the running program: opening from the menu, Accept with its
 // corrections, the two Optimise buttons and the busy state.
+#include "ui/backgrounddialog.h"
+
+#include <set>
+
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
-#include <set>
 
 #include "base/numtext.h"
 #include "spectral/background.h"
 #include "spectral/bgoptimise.h"
-#include "ui/backgrounddialog.h"
 #include "ui/gui_fixture.h"
 #include "ui/plotwidget.h"
 

@@ -1,10 +1,6 @@
 #pragma once
 // A running program with a recording message sink and a scripted file chooser.
 
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <cstdint>
 #include <deque>
 #include <fstream>
@@ -13,6 +9,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 
 #include "session/backgroundform.h"
 #include "support/paths.h"
@@ -60,8 +61,12 @@ public:
     };
     std::deque<std::string> paths;
     std::vector<Request> requests;
-    QString OpenFile(const QString& t, const QString& f, const QString& n) override { return Next(false, t, f, n); }
-    QString SaveFile(const QString& t, const QString& f, const QString& n) override { return Next(true, t, f, n); }
+    QString OpenFile(const QString& t, const QString& f, const QString& n) override {
+        return Next(false, t, f, n);
+    }
+    QString SaveFile(const QString& t, const QString& f, const QString& n) override {
+        return Next(true, t, f, n);
+    }
 
 private:
     QString Next(bool save, const QString& t, const QString& f, const QString& n) {

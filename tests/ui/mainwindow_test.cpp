@@ -1,12 +1,13 @@
 // Start-up, region selection, peak buttons, Save and Open of the main window.
+#include <filesystem>
+
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <filesystem>
 
-#include "fileio/projectfile.h"
 #include "base/messages.h"
+#include "fileio/projectfile.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 
@@ -139,8 +140,10 @@ TEST_F(GuiTest, OpenOfAWrongFileShowsTheMessageOnceWithItsDetail) {
     main().findChild<QPushButton*>("openProjectButton")->click();
     ASSERT_EQ(sink.messages.size(), 1u);
     // The same text as molvera-cli prints: the fixed message, and the detail below it.
-    EXPECT_EQ(sink.messages[0], std::string(msg::kWrongFileFormat) +
-                                    "\nC1s_sample.csv: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
+    EXPECT_EQ(
+        sink.messages[0],
+        std::string(msg::kWrongFileFormat) +
+            "\nC1s_sample.csv: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or \"SF\")");
 }
 
 }  // namespace

@@ -1,14 +1,15 @@
 // The options dialog's controls and messages, and a fit stopped from "Stop Fitting".
+#include <filesystem>
+
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
-#include <filesystem>
 
-#include "base/numtext.h"
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "ui/fittingwindow.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
@@ -44,9 +45,9 @@ TEST_F(OptionsTest, OpensFilledFromTheOptions) {
               IsSet(project().Options.PositionNewton[0].Use));
     EXPECT_EQ(Control<QRadioButton>("glSum")->isChecked(), IsSet(project().Options.GLSum));
     EXPECT_NE(Control<QRadioButton>("glProduct")->isChecked(), IsSet(project().Options.GLSum));
-    for (const char* name : {"positionRangeText3", "areaStepText2", "fwhmRangeText0",
-                             "positionDeltaText1", "areaDeltaText3", "fwhmDeltaText0",
-                             "toleranceText", "searchTrialsText"})
+    for (const char* name :
+         {"positionRangeText3", "areaStepText2", "fwhmRangeText0", "positionDeltaText1",
+          "areaDeltaText3", "fwhmDeltaText0", "toleranceText", "searchTrialsText"})
         Control<QLineEdit>(name);
     for (const char* name : {"loadParametersButton", "saveParametersButton"})
         Control<QPushButton>(name);

@@ -1,24 +1,26 @@
 // The peak editor and the constraint dialog on the running program: opening from Add
 // Peak and the peak buttons, what the scroll bars write, Cancel and the title-bar X
 // after ReDraw, TS/TL limits, Fix, Delete Peak, and the constraint dialog's OK.
+#include "ui/peakeditor.h"
+
+#include <cmath>
+
 #include <QCheckBox>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <cmath>
 
 #include "base/numtext.h"
 #include "spectral/envelope.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
-#include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
 
 namespace molvera::test {
@@ -91,7 +93,8 @@ TEST_F(PeakEditorTest, AddPeakOpensTheEditorOnTheNewPeakHighlighted) {
     const Region& reg = project().Current();
     auto* pos = In<QScrollBar>(editor(), "positionBar");
     EXPECT_EQ(pos->minimum(), 0);
-    EXPECT_EQ(pos->maximum(), static_cast<int>(std::lround((reg.BackgroundHighBE - reg.BackgroundLowBE) * 100)));
+    EXPECT_EQ(pos->maximum(),
+              static_cast<int>(std::lround((reg.BackgroundHighBE - reg.BackgroundLowBE) * 100)));
     EXPECT_EQ(In<QScrollBar>(editor(), "areaBar")->value(), 500);
     EXPECT_EQ(In<QScrollBar>(editor(), "fwhmBar")->minimum(), 30);
     EXPECT_EQ(In<QScrollBar>(editor(), "fwhmBar")->maximum(), 500);

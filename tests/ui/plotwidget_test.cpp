@@ -1,21 +1,23 @@
 // The plot widget, the region picture and printing to PDF, on real Qt surfaces.
 
+#include "ui/plotwidget.h"
+
 #include <fstream>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
 #include <QPrinter>
 #include <QTest>
-#include <gtest/gtest.h>
 
-#include "spectral/regionedit.h"
 #include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 #include "support/paths.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
-#include "ui/plotwidget.h"
 #include "ui/printing.h"
 
 namespace molvera::ui {
@@ -37,7 +39,8 @@ int CountColour(const QImage& image, QColor colour) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const QColor c = image.pixelColor(x, y);
-            if (std::abs(c.red() - colour.red()) < 40 && std::abs(c.green() - colour.green()) < 40 &&
+            if (std::abs(c.red() - colour.red()) < 40 &&
+                std::abs(c.green() - colour.green()) < 40 &&
                 std::abs(c.blue() - colour.blue()) < 40)
                 ++n;
         }
@@ -50,7 +53,8 @@ std::pair<int, int> BlueColumns(const QImage& image) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const QColor c = image.pixelColor(x, y);
-            if (c.blue() > 200 && c.red() < 60 && c.green() < 60) lo = std::min(lo, x), hi = std::max(hi, x);
+            if (c.blue() > 200 && c.red() < 60 && c.green() < 60)
+                lo = std::min(lo, x), hi = std::max(hi, x);
         }
     return {lo, hi};
 }
@@ -103,8 +107,8 @@ TEST(PlotWidget, PositionsMapToPlotUnitsWithEnergyFallingToTheRight) {
     w.grab();  // a hidden widget paints only when grabbed
     const QPointF topLeft = w.ToPlotUnits(QPointF(0, 0));
     const QPointF bottomRight = w.ToPlotUnits(QPointF(600, 400));
-    EXPECT_GT(topLeft.x(), 290.0);       // higher than the highest energy
-    EXPECT_LT(bottomRight.x(), 280.0);   // lower than the lowest
+    EXPECT_GT(topLeft.x(), 290.0);      // higher than the highest energy
+    EXPECT_LT(bottomRight.x(), 280.0);  // lower than the lowest
     EXPECT_GT(topLeft.y(), bottomRight.y());
     const QPointF mid = w.ToPlotUnits(QPointF(300, 200));
     EXPECT_NEAR(mid.x(), (topLeft.x() + bottomRight.x()) / 2, 1e-9);
@@ -167,7 +171,8 @@ TEST(PrintRegion, WritesAPdfPage) {
     in.read(head.data(), 5);
     EXPECT_EQ(head, "%PDF-");
     // No print notice stays behind.
-    for (QWidget* top : QApplication::topLevelWidgets()) EXPECT_FALSE(top->isVisible() && top->windowTitle() == "Printing");
+    for (QWidget* top : QApplication::topLevelWidgets())
+        EXPECT_FALSE(top->isVisible() && top->windowTitle() == "Printing");
 }
 
 }  // namespace

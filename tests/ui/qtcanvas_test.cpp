@@ -1,13 +1,14 @@
 // QtCanvas on a QImage: the user rectangle, text extents, opaque text, bad coordinates.
 
+#include "ui/qtcanvas.h"
+
 #include <cmath>
 #include <limits>
 
-#include <QImage>
-#include <QPainter>
 #include <gtest/gtest.h>
 
-#include "ui/qtcanvas.h"
+#include <QImage>
+#include <QPainter>
 
 namespace molvera::ui {
 namespace {
@@ -51,8 +52,8 @@ TEST(QtCanvas, ColumnExtremesKeepWhatAPixelColumnShows) {
     QPolygonF line;
     for (int i = 0; i < 30; ++i) line << QPointF(i * 0.1, i == 4 ? 9.0 : i == 13 ? -7.0 : 0.5 * i);
     const QPolygonF kept = ColumnExtremes(line, 1.0);
-    const QPolygonF expected{{0, 0},   {0.4, 9},   {0.9, 4.5},  {1.0, 5.0},  {1.3, -7},
-                             {1.9, 9.5}, {2.0, 10}, {2.9, 14.5}};
+    const QPolygonF expected{{0, 0},    {0.4, 9},   {0.9, 4.5}, {1.0, 5.0},
+                             {1.3, -7}, {1.9, 9.5}, {2.0, 10},  {2.9, 14.5}};
     ASSERT_EQ(kept.size(), expected.size());
     for (qsizetype i = 0; i < kept.size(); ++i) {
         EXPECT_NEAR(kept[i].x(), expected[i].x(), 1e-12) << i;

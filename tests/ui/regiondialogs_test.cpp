@@ -1,11 +1,12 @@
 // "Region Shift" and "Region Caption" opened from the region window's Parameters menu.
+#include "ui/regiondialogs.h"
+
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
 #include "ui/gui_fixture.h"
 #include "ui/plotwidget.h"
-#include "ui/regiondialogs.h"
 
 namespace molvera::test {
 namespace {

@@ -1,13 +1,14 @@
 // The region window's menu: imports, exports, Add Peak, Delete Region, Clear Parameters.
+#include <filesystem>
+#include <fstream>
+
 #include <QApplication>
 #include <QClipboard>
 #include <QDialog>
-#include <QTimer>
 #include <QImage>
 #include <QMenuBar>
 #include <QPushButton>
-#include <filesystem>
-#include <fstream>
+#include <QTimer>
 
 #include "base/messages.h"
 #include "ui/gui_fixture.h"

@@ -36,7 +36,8 @@ void Save(QWidget& w, const QString& dir, const char* name) {
 }
 
 TEST_F(GuiTest, DISABLED_Screenshots) {
-    const QString dir = qEnvironmentVariable("MOLVERA_SCREENSHOT_DIR", QStringLiteral("out/screenshots"));
+    const QString dir =
+        qEnvironmentVariable("MOLVERA_SCREENSHOT_DIR", QStringLiteral("out/screenshots"));
     ASSERT_TRUE(QDir().mkpath(dir));
 
     main().RegionButton(1)->click();

@@ -1,16 +1,17 @@
 // A scientist's whole session on a real C 1s spectrum, through the windows only:
 // import, background, three peaks, a constraint, a fit, export, save, and reopening.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
-#include "base/numtext.h"
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"

@@ -10,9 +10,9 @@
 #include <QPrinter>
 #include <QString>
 
+#include "base/messages.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "base/messages.h"
 #include "ui/printing.h"
 
 namespace molvera::cli {
@@ -74,8 +74,8 @@ int RunRender(int argc, char** argv) {
     QGuiApplication app(qtArgc, qtArgv);
 
     const bool withPeaks = args.Has("with-peaks");
-    const bool written = ext == "pdf" ? WritePdf(s.project, out, withPeaks)
-                                      : WritePng(s.project, out, withPeaks);
+    const bool written =
+        ext == "pdf" ? WritePdf(s.project, out, withPeaks) : WritePng(s.project, out, withPeaks);
     if (!written) {
         Print(msg::kErrorSavingFile);
         return kExitRefused;
