@@ -9,5 +9,6 @@ constexpr int kMaxPeaksPerRegion = 10;   ///< entries of PeakIndex
 constexpr int kMaxPoints = 5000;         ///< data points per region
 constexpr int kDescriptionLength = 128;  ///< characters stored in the project file
 constexpr int kCaptionLength = 20;
+constexpr int kPeakButtonCount = kRegionCount * kMaxPeaksPerRegion;  ///< main-window peak buttons
 
 }  // namespace molvera

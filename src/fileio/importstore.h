@@ -14,7 +14,7 @@
 namespace molvera {
 
 /// Largest text import read into memory.
-constexpr std::size_t kMaxImportBytes = 64u * 1024u * 1024u;
+constexpr std::size_t kMaxImportBytes = std::size_t{64} * 1024 * 1024;
 
 /// A spectrum read from a file, before it is stored: energies and intensities of
 /// points 1..n in file order (index 0 is point 1), at most 5000 of them.

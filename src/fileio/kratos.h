@@ -9,7 +9,7 @@
 namespace molvera {
 
 /// Largest Kratos file: 501 blocks of 1024 characters.
-constexpr std::size_t kMaxKratosBytes = 501u * 1024u;
+constexpr std::size_t kMaxKratosBytes = std::size_t{501} * 1024;
 
 /// The spectrum of a Kratos export (binding energy = excitation energy minus kinetic
 /// energy, in the file's order), its comment as description, and the fit of its

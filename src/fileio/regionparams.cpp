@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::size_t kHeaderLength = 29;
 // Header, six items and ten peaks with full curves, with room to spare.
-constexpr std::size_t kMaxFileBytes = 8u * 1024u * 1024u;
+constexpr std::size_t kMaxFileBytes = std::size_t{8} * 1024 * 1024;
 
 // The settings of items 2..7.
 struct RegionSettings {

@@ -198,7 +198,8 @@ void SearchGL(Project& project, Host& host, int p) {
         }
     };
     for (int g = 0; g <= 100; g += 10) {
-        if (limits && (g < c.LowLimit || g > c.HighLimit)) continue;
+        const auto value = static_cast<float>(g);  // exact: the grid is 0..100
+        if (limits && (value < c.LowLimit || value > c.HighLimit)) continue;
         tryValue(static_cast<Int16>(g));
     }
     project.EditPeak.PercentGL = best;

@@ -127,7 +127,7 @@ std::string ActualFWHMText(const MeasuredWidth& w) {
 }
 
 bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonIndex) {
-    if (buttonIndex < 0 || buttonIndex >= kRegionCount * kMaxPeaksPerRegion) return false;
+    if (buttonIndex < 0 || buttonIndex >= kPeakButtonCount) return false;
     const int r = buttonIndex / 10;
     const int k = buttonIndex - 10 * r;
     const Region& region = project.Regions[r];

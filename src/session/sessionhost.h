@@ -25,7 +25,7 @@ struct MainWindowTexts {
     /// The total chi-square.
     std::string totalChiSquare = "0";
     /// Peak button 10 x region + k: the slot of the region's k-th peak.
-    std::array<PeakButtonText, kRegionCount * kMaxPeaksPerRegion> peakButtons{};
+    std::array<PeakButtonText, kPeakButtonCount> peakButtons{};
 };
 
 class SessionHost : public Host {

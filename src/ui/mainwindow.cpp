@@ -120,7 +120,7 @@ void MainWindow::SetChiText(int region, const QString& text) {
 void MainWindow::SetTotalText(const QString& text) { totalChiSquare_->setText(text); }
 
 void MainWindow::SetPeakButton(int index, const QString& caption, bool enabled) {
-    if (index < 0 || index >= kRegionCount * kMaxPeaksPerRegion) return;
+    if (index < 0 || index >= kPeakButtonCount) return;
     QPushButton* b = peakButtons_[static_cast<std::size_t>(index)];
     b->setText(caption);
     b->setEnabled(enabled);

@@ -58,7 +58,7 @@ private:
     QtHost& host_;
     FileDialog& files_;
     std::array<QPushButton*, kRegionCount> regionButtons_{};
-    std::array<QPushButton*, kRegionCount * kMaxPeaksPerRegion> peakButtons_{};
+    std::array<QPushButton*, kPeakButtonCount> peakButtons_{};
     std::array<QLineEdit*, kRegionCount> chiSquareBoxes_{};
     QLabel* totalChiSquare_ = nullptr;
     QLineEdit* description_ = nullptr;
