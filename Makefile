@@ -61,10 +61,11 @@ bench: build
 	$(BUILD)/bench/molvera_bench
 
 # Pictures of the main window, the region window with a fitted spectrum, the options,
-# background and constraint dialogs and the peak editor, as PNG files in out/screenshots/.
+# background and constraint dialogs and the peak editor, as PNG files in docs/screenshots/
+# (committed: the README shows them).
 screenshots: build
-	mkdir -p out/screenshots
-	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/out/screenshots \
+	mkdir -p docs/screenshots
+	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/docs/screenshots \
 	  $(BUILD)/tests/ui/molvera_ui_tests --gtest_also_run_disabled_tests \
 	  --gtest_filter='GuiTest.DISABLED_Screenshots'
 
