@@ -1,29 +1,24 @@
-// Round trips of random valid projects, region parameter files and option files:
-// what is saved loads back field for field, and saving again gives the same bytes.
+// Round trips of random valid projects: what is saved loads back field for field, and
+// saving again gives the same bytes.
 
-#include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "fileio/optionfile.h"
+#include "base/numtext.h"
 #include "fileio/projectfile.h"
-#include "fileio/regionparams.h"
 #include "model/project.h"
 #include "spectral/background.h"
 #include "spectral/envelope.h"
 #include "spectral/regionedit.h"
-#include "support/files.h"
 #include "support/recording_host.h"
 
 namespace molvera {
 namespace {
 
 constexpr int kIterations = 150;
-
-using test::ReadBytes;
 
 class Random {
 public:
@@ -48,7 +43,7 @@ private:
     std::mt19937 rng_;
 };
 
-// A measured spectrum, falling binding energies, in region r.
+// A measured spectrum with falling binding energies.
 void RandomData(Random& rnd, Region& region) {
     const int n = rnd.Int(2, 300);
     const float high = rnd.Real(50, 1400);
@@ -67,23 +62,7 @@ void RandomData(Random& rnd, Region& region) {
     region.Shift = rnd.Coin() ? 0.0f : rnd.Real(-2, 2);
 }
 
-void RandomPeakValues(Random& rnd, Peak& p, const Region& region) {
-    p.Label = Text20::From(rnd.Text(20));
-    p.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
-    p.Splitting = rnd.Real(0, 10);
-    p.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
-    p.HeightPercent = rnd.Real(1, 100);
-    p.FWHM = rnd.Real(0.3, 4);
-    p.PercentGL = static_cast<Int16>(rnd.Int(0, 100));
-    p.FixPosition = rnd.RandomFlag();
-    p.FixFWHM = rnd.RandomFlag();
-    p.FixArea = rnd.RandomFlag();
-    p.FixGL = rnd.RandomFlag();
-    p.TailScale = rnd.Coin() ? 0.0f : rnd.Real(0, 1);
-    p.TailLength = rnd.Real(1, 5);
-}
-
-// Background over a random part of the data, up to ten peaks, sometimes one deleted.
+// A background over a random part of the data, up to ten peaks, sometimes one deleted.
 void RandomFit(Random& rnd, Project& project, int r) {
     Region& region = project.Regions[r];
     project.CurrentRegion = static_cast<Int16>(r);
@@ -99,7 +78,20 @@ void RandomFit(Random& rnd, Project& project, int r) {
     for (int k = 0; k < peaks; ++k) {
         const int s = AddPeak(project, QuietHost());
         if (s < 0) break;
-        RandomPeakValues(rnd, project.Peaks[s], region);
+        Peak& p = project.Peaks[s];
+        p.Label = Text20::From(rnd.Text(20));
+        p.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
+        p.Splitting = rnd.Real(0, 10);
+        p.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
+        p.HeightPercent = rnd.Real(1, 100);
+        p.FWHM = rnd.Real(0.3, 4);
+        p.PercentGL = static_cast<Int16>(rnd.Int(0, 100));
+        p.FixPosition = rnd.RandomFlag();
+        p.FixFWHM = rnd.RandomFlag();
+        p.FixArea = rnd.RandomFlag();
+        p.FixGL = rnd.RandomFlag();
+        p.TailScale = rnd.Coin() ? 0.0f : rnd.Real(0, 1);
+        p.TailLength = rnd.Real(1, 5);
     }
     if (region.PeakCount > 1 && rnd.Coin(0.3)) {
         project.CurrentPeak = region.PeakIndex[rnd.Int(0, region.PeakCount - 1)];
@@ -108,17 +100,28 @@ void RandomFit(Random& rnd, Project& project, int r) {
     RecomputeRegion(project, QuietHost());  // areas follow the heights
 }
 
-void RandomConstraints(Random& rnd, Project& project) {
+Project RandomProject(Random& rnd) {
+    Project p;
+    ClearProject(p, QuietHost());
+    std::vector<int> withData;
+    for (int r = 0; r < kRegionCount; ++r) {
+        if (!rnd.Coin(0.6)) continue;
+        RandomData(rnd, p.Regions[r]);
+        withData.push_back(r);
+        if (rnd.Coin(0.8)) RandomFit(rnd, p, r);
+    }
     std::vector<int> used;
     for (int s = 0; s < kPeakSlots; ++s)
-        if (IsSet(project.Peaks[s].InUse)) used.push_back(s);
+        if (IsSet(p.Peaks[s].InUse)) used.push_back(s);
+    auto any = [&](const std::vector<int>& v) {
+        return v[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(v.size()) - 1))];
+    };
     for (int s : used) {
         for (PeakParameter g : kPeakParameters) {
-            ParameterConstraint& c = project.Constraints[s][g];
+            ParameterConstraint& c = p.Constraints[s][g];
             if (rnd.Coin(0.3)) {
                 c.Linked = kTrue;
-                c.RefPeak = static_cast<Int16>(
-                    used[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(used.size()) - 1))]);
+                c.RefPeak = static_cast<Int16>(any(used));
                 c.Operation = static_cast<Int16>(rnd.Int(0, 3));
                 c.Argument = rnd.Real(0.1, 5);
             }
@@ -129,25 +132,7 @@ void RandomConstraints(Random& rnd, Project& project) {
             c.HighLimit = c.LowLimit + rnd.Real(0, 100);
         }
     }
-}
-
-Project RandomProject(Random& rnd) {
-    Project p;
-    ClearProject(p, QuietHost());
-    std::vector<int> withData;
-    for (int r = 0; r < kRegionCount; ++r) {
-        if (!rnd.Coin(0.6)) {
-            p.Regions[r].EndPointAverage = 1;  // as every slot is after a load
-            continue;
-        }
-        RandomData(rnd, p.Regions[r]);
-        withData.push_back(r);
-        if (rnd.Coin(0.8)) RandomFit(rnd, p, r);
-    }
-    RandomConstraints(rnd, p);
-    p.CurrentRegion = withData.empty() ? 0
-                                       : static_cast<Int16>(withData[static_cast<std::size_t>(
-                                             rnd.Int(0, static_cast<int>(withData.size()) - 1))]);
+    p.CurrentRegion = static_cast<Int16>(withData.empty() ? 0 : any(withData));
     p.CurrentPeak = static_cast<Int16>(rnd.Int(0, kPeakSlots - 1));
     if (IsSet(p.Peaks[p.CurrentPeak].InUse)) p.EditPeak = p.Peaks[p.CurrentPeak];
     p.TotalPeakCount = static_cast<Int16>(rnd.Int(0, kPeakSlots));
@@ -157,115 +142,41 @@ Project RandomProject(Random& rnd) {
     return p;
 }
 
-void ExpectSameSavedFields(const Project& a, const Project& b, int iteration) {
-    for (int r = 0; r < kRegionCount; ++r)
-        EXPECT_TRUE(a.Regions[r] == b.Regions[r]) << "iteration " << iteration << " region " << r;
-    for (int s = 0; s < kPeakSlots; ++s) {
-        // A free slot is stored as a hole: what a deleted peak left there is not kept.
-        EXPECT_EQ(IsSet(a.Peaks[s].InUse), IsSet(b.Peaks[s].InUse))
-            << "iteration " << iteration << " peak " << s;
-        if (!IsSet(a.Peaks[s].InUse)) continue;
-        EXPECT_TRUE(a.Peaks[s] == b.Peaks[s]) << "iteration " << iteration << " peak " << s;
-        EXPECT_TRUE(a.Constraints[s] == b.Constraints[s])
-            << "iteration " << iteration << " constraint " << s;
-    }
-    EXPECT_TRUE(a.EditPeak == b.EditPeak) << "iteration " << iteration;
-    EXPECT_EQ(a.CurrentRegion, b.CurrentRegion) << "iteration " << iteration;
-    EXPECT_EQ(a.CurrentPeak, b.CurrentPeak) << "iteration " << iteration;
-    EXPECT_EQ(a.TotalPeakCount, b.TotalPeakCount) << "iteration " << iteration;
-    EXPECT_EQ(a.TotalChiSquare, b.TotalChiSquare) << "iteration " << iteration;
-    EXPECT_EQ(a.AreaScale, b.AreaScale) << "iteration " << iteration;
-    EXPECT_EQ(a.Description, b.Description) << "iteration " << iteration;
-}
-
+// Each load goes over the project of the one before, whose work must not survive. Slots
+// without data or peak are stored as a tag only: what stood there before is not compared.
 TEST(RoundTripProperty, ProjectFileGivesBackTheProjectAndTheSameBytes) {
-    const auto dir = test::ScratchDir();
-    const std::string first = (dir / "a.xps").string();
-    const std::string second = (dir / "b.xps").string();
     Random rnd(20261123);
     int peaksSeen = 0;
-    for (int it = 0; it < kIterations; ++it) {
+    Project q;
+    test::RecordingHost host;
+    for (int it = 0; it < kIterations && !HasFailure(); ++it) {
+        SCOPED_TRACE(it);
         Project p = RandomProject(rnd);
         for (const Peak& peak : p.Peaks) peaksSeen += IsSet(peak.InUse);
-        ASSERT_TRUE(SaveProject(p, first).ok());
-        Project q;
-        test::RecordingHost host;
-        ASSERT_TRUE(LoadProject(q, host, first).ok()) << "iteration " << it;
-        ExpectSameSavedFields(p, q, it);
-        ASSERT_TRUE(SaveProject(q, second).ok());
-        ASSERT_EQ(ReadBytes(first), ReadBytes(second)) << "iteration " << it;
-        if (HasFailure()) break;
+        const std::string first = ProjectFileBytes(p);
+        ASSERT_TRUE(LoadProjectBytes(q, host, first).ok());
+        for (int r = 0; r < kRegionCount; ++r) {
+            ASSERT_EQ(IsSet(p.Regions[r].HasData), IsSet(q.Regions[r].HasData)) << r;
+            if (!IsSet(p.Regions[r].HasData)) continue;
+            EXPECT_TRUE(p.Regions[r] == q.Regions[r]) << r;
+            EXPECT_EQ(host.ChiText(r), FormatGeneral(p.Regions[r].ChiSquare)) << r;
+        }
+        for (int s = 0; s < kPeakSlots; ++s) {
+            ASSERT_EQ(IsSet(p.Peaks[s].InUse), IsSet(q.Peaks[s].InUse)) << s;
+            if (!IsSet(p.Peaks[s].InUse)) continue;
+            EXPECT_TRUE(p.Peaks[s] == q.Peaks[s]) << s;
+            EXPECT_TRUE(p.Constraints[s] == q.Constraints[s]) << s;
+        }
+        EXPECT_TRUE(p.EditPeak == q.EditPeak);
+        EXPECT_EQ(p.CurrentRegion, q.CurrentRegion);
+        EXPECT_EQ(p.CurrentPeak, q.CurrentPeak);
+        EXPECT_EQ(p.TotalPeakCount, q.TotalPeakCount);
+        EXPECT_EQ(p.TotalChiSquare, q.TotalChiSquare);
+        EXPECT_EQ(p.AreaScale, q.AreaScale);
+        EXPECT_EQ(p.Description, q.Description);
+        ASSERT_EQ(ProjectFileBytes(q), first);
     }
     EXPECT_GT(peaksSeen, kIterations * 5);  // the generator does produce busy projects
-}
-
-TEST(RoundTripProperty, RegionParametersLoadIntoAnEqualRegion) {
-    const auto dir = test::ScratchDir();
-    const std::string first = (dir / "a.rpa").string();
-    const std::string second = (dir / "b.rpa").string();
-    Random rnd(4711);
-    int checked = 0;
-    for (int it = 0; it < kIterations; ++it) {
-        Project p = RandomProject(rnd);
-        const int r = p.CurrentRegion;
-        Region& region = p.Regions[r];
-        if (!IsSet(region.HasBackground)) continue;
-        // Not stored in the file: a region without shift, caption or ties compares whole.
-        region.Shift = 0;
-        region.Caption = Text20();
-        for (int k = 0; k < region.PeakCount; ++k) {
-            for (PeakParameter g : kPeakParameters) {
-                p.Constraints[region.PeakIndex[k]][g].Linked = kFalse;
-                p.Constraints[region.PeakIndex[k]][g].IsReference = kFalse;
-            }
-        }
-        RecomputeRegion(p, QuietHost());
-        ASSERT_TRUE(SaveRegionParameters(p, first).ok());
-
-        Project q = p;
-        test::RecordingHost host;
-        ASSERT_TRUE(LoadRegionParameters(q, host, first).ok()) << "iteration " << it;
-        const Region& loaded = q.Regions[r];
-        Region expected = region;
-        expected.PeakIndex = loaded.PeakIndex;  // lowest free slots, not the saved ones
-        EXPECT_TRUE(loaded == expected) << "iteration " << it;
-        for (int k = 0; k < region.PeakCount; ++k) {
-            EXPECT_TRUE(q.Peaks[loaded.PeakIndex[k]] == p.Peaks[region.PeakIndex[k]])
-                << "iteration " << it;
-            EXPECT_TRUE(q.Constraints[loaded.PeakIndex[k]] == p.Constraints[region.PeakIndex[k]])
-                << "iteration " << it;
-        }
-        ASSERT_TRUE(SaveRegionParameters(q, second).ok());
-        EXPECT_EQ(ReadBytes(first), ReadBytes(second)) << "iteration " << it;
-        ++checked;
-        if (HasFailure()) break;
-    }
-    EXPECT_GT(checked, kIterations / 3);
-}
-
-TEST(RoundTripProperty, OptionFileGivesBackTheOptionsAndTheSameBytes) {
-    const auto dir = test::ScratchDir();
-    const std::string first = (dir / "a.opa").string();
-    const std::string second = (dir / "b.opa").string();
-    Random rnd(99);
-    for (int it = 0; it < kIterations; ++it) {
-        FitOptions o;
-        std::vector<OptionField> fields = OptionFileFields(o);
-        for (OptionField& f : fields) {
-            if (auto* p = std::get_if<float*>(&f.value))
-                **p = rnd.Real(-1e6, 1e6);
-            else
-                *std::get<std::int16_t*>(f.value) =
-                    static_cast<std::int16_t>(rnd.Int(-32768, 32767));
-        }
-        ASSERT_TRUE(WriteOptionFile(o, first).ok());
-        EXPECT_EQ(std::filesystem::file_size(first), kOptionFileSize);
-        FitOptions back;
-        ASSERT_TRUE(ReadOptionFile(back, first).ok());
-        EXPECT_TRUE(back == o) << "iteration " << it;
-        ASSERT_TRUE(WriteOptionFile(back, second).ok());
-        EXPECT_EQ(ReadBytes(first), ReadBytes(second)) << "iteration " << it;
-    }
 }
 
 }  // namespace
