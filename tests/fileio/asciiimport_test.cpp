@@ -65,8 +65,10 @@ TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
     const Region before = project.Regions[0];
     for (const char* text : {"", "only text\n", "3\n4\n", "Energy: 1 2\n"}) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(test::MessageTexts(Import(text).Messages()),
+        const ImportResult result = Import(text);
+        EXPECT_EQ(test::MessageTexts(result.Messages()),
                   std::vector<std::string>{msg::kErrorReadingFileImport});
+        EXPECT_FALSE(result.status.detail().empty());
         EXPECT_EQ(project.Regions[0], before);
     }
     const Status missing =

@@ -165,7 +165,7 @@ TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     FitBlock shortFit{{"Gau"}};
     shortFit.declared = 2;  // the second component block is missing
     const std::string full = KratosFile(nullptr);
-    std::vector<std::string> bad = {KratosFile(&eleven), KratosFile(&shortFit),
+    std::vector<std::string> bad = {"", KratosFile(&eleven), KratosFile(&shortFit),
                                     full.substr(0, full.size() - 20),  // ends inside the data
                                     std::string(full).replace(full.find("= 11"), 4, "= 6000")};
     for (const std::string keyword : {"Dataset:", "Object name:", "# ord", "energy", "(Counts)"})
@@ -181,6 +181,7 @@ TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
                                         : test::ImportPath(project, host, "kratos", big.string());
         EXPECT_EQ(test::MessageTexts(result.Messages()),
                   std::vector<std::string>{msg::kErrorReadingFile});
+        EXPECT_FALSE(result.status.detail().empty());
         EXPECT_EQ(project.Regions, before.Regions);
         EXPECT_EQ(project.Peaks, before.Peaks);
     }

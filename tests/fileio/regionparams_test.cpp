@@ -22,7 +22,7 @@ namespace {
 
 using test::ExpectValuesAt;
 
-// Region 0 holds 11 points 290..280 eV with a Shirley background over 289..281 and
+// Region 0 holds 11 points 290..280 eV with a linear background over 289..281 and
 // two peaks in slots 4 and 3 (listed in that order), whose file is `bytes`; slots 0..2
 // belong to region 5.
 class RegionParamsTest : public ::testing::Test {
@@ -32,48 +32,32 @@ protected:
         test::FillSampleRegion(project, 5);
         test::GiveSampleBackground(project, 5);
         for (int i = 0; i < 3; ++i) ASSERT_EQ(AddPeak(project, QuietHost()), i);
-
         test::FillSampleRegion(project, 0);
         test::GiveSampleBackground(project, 0);
         Region& r = project.Regions[0];
         r.BackgroundLowBE = 281;
         r.BackgroundHighBE = 289;
+        r.BackgroundType = BackgroundKind::Linear;
         RecomputeRegion(project, QuietHost());
-        AddPeakAt(4, 285.0f, 0);
-        AddPeakAt(3, 283.5f, 1);
+        for (int slot : {3, 4}) {
+            ASSERT_EQ(AddPeak(project, QuietHost()), slot);
+            Peak& p = project.Peaks[slot];
+            p.PeakType = slot == 4 ? Subshell::P : Subshell::S;
+            p.Position = slot == 4 ? 285.0f : 283.5f;
+            p.PercentGL = static_cast<Int16>(40 + slot);
+            p.TailScale = 0.25f;
+            p.Label = Text20::From("peak" + std::to_string(slot));
+        }
+        std::swap(r.PeakIndex[0], r.PeakIndex[1]);
         // Peak 4's position is tied to peak 3, which has FWHM limits.
         project.Constraints[4].Position.Linked = kTrue;
         project.Constraints[4].Position.RefPeak = 3;
-        project.Constraints[4].Position.Operation = 0;
-        project.Constraints[4].Position.Argument = 1.5f;
         project.Constraints[3].Position.IsReference = kTrue;
-        project.Constraints[3].Position.DependentPeak = 4;
         project.Constraints[3].FWHM.UseLimits = kTrue;
         project.Constraints[3].FWHM.LowLimit = 0.7f;
         project.Constraints[3].FWHM.HighLimit = 2.5f;
         ComputeRegionEnvelope(project, QuietHost());
-        project.CurrentRegion = 0;
         bytes = RegionParameterBytes(project);
-    }
-
-    void AddPeakAt(int slot, float position, int k) {
-        Region& r = project.Regions[0];
-        Peak& p = project.Peaks[slot];
-        p.InUse = kTrue;
-        p.Region = 0;
-        p.PeakType = slot == 4 ? Subshell::P : Subshell::S;
-        p.Position = position;
-        p.FWHM = 1.25f;
-        p.Splitting = 1.0f;
-        p.PercentGL = static_cast<Int16>(40 + slot);
-        p.Area = 800.0f + static_cast<float>(slot);
-        p.TailScale = 0.25f;
-        p.TailLength = 3.0f;
-        p.Label = Text20::From("peak" + std::to_string(slot));
-        p.HeightPercent = AreaToHeightPercent(project, p);
-        ResizePeakCurve(project, slot, r.RangeCount);
-        r.PeakIndex[k] = static_cast<Int16>(slot);
-        r.PeakCount = static_cast<Int16>(k + 1);
     }
 
     // Loads `file` into region 3; a refusal must leave the region and every peak as they were.
@@ -93,41 +77,26 @@ protected:
     std::string bytes;
 };
 
-TEST_F(RegionParamsTest, RegionWithoutPeaksIsHeaderAndSixteenBytes) {
-    Region& r = project.Regions[7];
-    r.PeakCount = 0;
-    r.RangeCount = 123;
-    r.HasBackground = kFalse;
-    r.BackgroundType = BackgroundKind::Tougaard;
-    r.BackgroundHighBE = 290.5f;
-    r.BackgroundLowBE = 280.25f;
-    project.CurrentRegion = 7;
-    const std::string b = RegionParameterBytes(project);
-    ASSERT_EQ(b.size(), 29u + 16u);
-    EXPECT_EQ(b.substr(0, 29), "MOLVERA 4.0 Region Parameters");
-    // PeakCount, RangeCount, HasBackground, type, then the high end before the low end.
-    ExpectValuesAt(
-        b, 29,
-        {{0, 'h', 0}, {2, 'h', 123}, {4, 'h', 0}, {6, 'h', 2}, {8, 'f', 290.5}, {12, 'f', 280.25}});
-}
-
 TEST_F(RegionParamsTest, PeaksAreWrittenInSlotOrderWithTheirConstraints) {
-    const Region& r = project.Regions[0];
     const std::string& b = bytes;
-    const std::size_t curve = 10 + 4 * (static_cast<std::size_t>(r.RangeCount) + 1);
+    const std::size_t curve = 10 + 4 * (9 + 1);  // a range of nine points
     const std::size_t peakBytes = 64 + curve + 96;
     ASSERT_EQ(b.size(), 45 + 2 * peakBytes);
+    EXPECT_EQ(b.substr(0, 29), "MOLVERA 4.0 Region Parameters");
     // clang-format off
-    ExpectValuesAt(b, 29, {{0, 'h', 2}, {2, 'h', static_cast<double>(r.RangeCount)}, {4, 'h', -1}, {8, 'f', 289}, {12, 'f', 281}});
+    // PeakCount, RangeCount, HasBackground, type, then the high end before the low end.
+    ExpectValuesAt(b, 29, {{0, 'h', 2}, {2, 'h', 9}, {4, 'h', -1}, {6, 'h', 1}, {8, 'f', 289}, {12, 'f', 281}});
     // First record is slot 3 although PeakIndex lists slot 4 first; TailScale follows
     // the curve, then the constraint record (position IsReference, FWHM limits).
-    const std::size_t c1 = 45 + 64 + curve;
+    const std::size_t c1 = 64 + curve;
     EXPECT_EQ(b.substr(47, 20), "peak3" + std::string(15, ' '));
     ExpectValuesAt(b, 45, {{0, 'h', -1}, {28, 'f', 283.5}, {44, 'h', 43}, {56 + curve, 'f', 0.25},
-                           {c1 - 45 + 4, 'h', -1}, {c1 - 45 + 62, 'h', -1}, {c1 - 45 + 64, 'f', 0.7}});
+                           {c1 + 4, 'h', -1}, {c1 + 62, 'h', -1}, {c1 + 64, 'f', 0.7}});
     // Slot 4: position linked to peak 3.
     ExpectValuesAt(b, 45 + peakBytes, {{28, 'f', 285}, {64 + curve, 'h', -1}, {66 + curve, 'h', 3}});
     // clang-format on
+    project.CurrentRegion = 7;  // a region without peaks: the head alone
+    EXPECT_EQ(RegionParameterBytes(project).size(), 45u);
 }
 
 TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
@@ -142,7 +111,7 @@ TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
     EXPECT_EQ(project.CurrentPeak, 6);
     EXPECT_EQ(host.PeakButton(30).caption, "5");
     EXPECT_TRUE(IsSet(r.HasBackground));
-    EXPECT_EQ(r.BackgroundType, BackgroundKind::Shirley);
+    EXPECT_EQ(r.BackgroundType, BackgroundKind::Linear);
     EXPECT_EQ(r.BackgroundLowBE, 281.0f);
     EXPECT_EQ(r.BackgroundHighBE, 289.0f);
     // Range recomputed from the energies on this region's data: 289 eV is point 7.

@@ -1,14 +1,13 @@
 #include "fileio/vamas.h"
 
-#include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
 #include "base/numtext.h"
-#include "fileio/importstore.h"
 #include "support/files.h"
 #include "support/recording_host.h"
 
@@ -18,54 +17,42 @@ namespace {
 using test::RecordingHost;
 using Vamas = test::ImportTest;
 
+// A block of n values 100, 101, ... on a regular abscissa.
 struct SynthBlock {
-    std::string technique = "XPS";
+    int n;
+    double start;
+    double step;
     std::string abscissa = "Binding Energy";
+    std::string technique = "XPS";
     std::string transition = "1s";
-    double hv = 1486.6;
-    double start = 290;
-    double step = -1;
-    std::vector<double> values;
 };
 
 // A minimal NORM / REGULAR file in the standard's order: no header comment, no
 // experimental variable, one corresponding variable, no additional parameter.
 std::string MakeVamas(const std::vector<SynthBlock>& blocks, const std::string& year = "2001") {
-    std::string t = "VAMAS Surface Chemical Analysis Standard Data Transfer Format 1988 May 4\n";
-    t += "Lab\nModel\nOperator\nExperiment\n0\nNORM\nREGULAR\n" + std::to_string(blocks.size()) +
-         "\n";
-    t += "0\n0\n0\n0\n0\n" + std::to_string(blocks.size()) + "\n";
+    const std::string count = std::to_string(blocks.size()) + "\n";
+    std::string t =
+        "VAMAS Surface Chemical Analysis Standard Data Transfer Format 1988 May 4\n"
+        "Lab\nModel\nOperator\nExperiment\n0\nNORM\nREGULAR\n" +
+        count + "0\n0\n0\n0\n0\n" + count;
     for (const SynthBlock& b : blocks) {
-        t += "block\nSample A\n" + year + "\n1\n2\n3\n4\n5\n0\n0\n" + b.technique + "\n";
-        t += "Al\n" + FormatTrimmed(b.hv) + "\n1e37\n1e37\n1e37\n45\n0\nFAT\n20\n";
-        if (b.technique == "AES diff") t += "2\n";
-        t += "1\n4.5\n0\n1e37\n1e37\n0\n0\nC\n" + b.transition + "\n-1\n";
-        t += b.abscissa + "\neV\n" + FormatTrimmed(b.start) + "\n" + FormatTrimmed(b.step) + "\n";
-        t += "1\nIntensity\nd\npulse counting\n0.1\n1\n1e37\n0\n0\n0\n0\n";
-        t += std::to_string(b.values.size()) + "\n0\n1\n";
-        for (double v : b.values) t += FormatTrimmed(v) + "\n";
+        t += "block\nSample A\n" + year + "\n1\n2\n3\n4\n5\n0\n0\n" + b.technique +
+             "\nAl\n1486.6\n1e37\n1e37\n1e37\n45\n0\nFAT\n20\n1\n4.5\n0\n1e37\n1e37\n0\n0\nC\n" +
+             b.transition + "\n-1\n" + b.abscissa + "\neV\n" + FormatTrimmed(b.start) + "\n" +
+             FormatTrimmed(b.step) +
+             "\n1\nIntensity\nd\npulse counting\n0.1\n1\n1e37\n0\n0\n0\n0\n" + std::to_string(b.n) +
+             "\n0\n1\n";
+        for (int i = 0; i < b.n; ++i) t += std::to_string(100 + i) + "\n";
     }
-    t += "end of experiment\n";
-    return t;
-}
-
-SynthBlock Ramp(int n, double first, double step, const std::string& abscissa = "Binding Energy") {
-    SynthBlock b;
-    b.abscissa = abscissa;
-    b.start = first;
-    b.step = step;
-    for (int i = 0; i < n; ++i) b.values.push_back(100 + i);
-    return b;
+    return t + "end of experiment\n";
 }
 
 TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
-    SynthBlock ups = Ramp(2, 20, -1);
-    ups.technique = "UPS";
-    SynthBlock aes = Ramp(2, 100, 1, "Kinetic Energy");
-    aes.technique = "AES dir";
-    ASSERT_TRUE(test::ImportText(project, host, "vamas",
-                                 MakeVamas({Ramp(2, 10, -1), ups, aes, Ramp(2, 30, -1)}))
-                    .status.ok());
+    const std::string t = MakeVamas({{2, 10, -1},
+                                     {2, 20, -1, "Binding Energy", "UPS"},
+                                     {2, 100, 1, "Kinetic Energy", "AES dir"},
+                                     {2, 30, -1}});
+    ASSERT_TRUE(test::ImportText(project, host, "vamas", t).status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 10);
     EXPECT_EQ(project.Regions[1].BindingEnergy[1], 30);
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));
@@ -73,8 +60,8 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
 
 // Refusals with the detail that says where; a file ending inside block 2 keeps block 1.
 TEST_F(Vamas, RefusalsSayWhere) {
-    const std::string full = MakeVamas({Ramp(5, 20, -1), Ramp(5, 30, -1)});
-    std::string huge = MakeVamas({Ramp(3, 20, -1)});
+    const std::string full = MakeVamas({{5, 20, -1}, {5, 30, -1}});
+    std::string huge = MakeVamas({{3, 20, -1}});
     huge.replace(huge.find("\n3\n0\n1\n"), 3, "\n1000000000\n");  // the block's value count
     struct Case {
         std::string text;
@@ -83,6 +70,7 @@ TEST_F(Vamas, RefusalsSayWhere) {
         bool keepsFirst;
     };
     const Case cases[] = {
+        {"", msg::kNotVamas, "", false},
         {"\n\nSome other file\n1\n", msg::kNotVamas, "", false},
         {full.substr(0, full.size() - 30), msg::kErrorReadingFileImport,
          "the file ends after line ", true},
@@ -155,9 +143,8 @@ void CompareWithLineRules(const std::vector<std::string>& lines, const Project& 
 }
 
 TEST(VamasLineRules, SameResultOnTheLayoutTheyWereWrittenFor) {
-    SynthBlock kinetic = Ramp(7, 1190.25, 0.25, "Kinetic Energy");
-    kinetic.transition = "2p3/2";
-    const std::string synthetic = MakeVamas({Ramp(5, 290, -0.1), kinetic}, "1999");
+    const std::string synthetic =
+        MakeVamas({{5, 290, -0.1}, {7, 1190.25, 0.25, "Kinetic Energy", "XPS", "2p3/2"}}, "1999");
     Project project;
     RecordingHost host;
     ASSERT_TRUE(test::ImportText(project, host, "vamas", synthetic).status.ok());
@@ -172,19 +159,13 @@ TEST(VamasLineRules, SameResultOnTheLayoutTheyWereWrittenFor) {
 
 // ---- Real files: every block against an independent scan of the file's values.
 
-struct RealBlock {
-    double start;
-    double step;
-    int points;
-};
-
 struct RealVamas {
     const char* file;
-    bool kinetic;
-    double hv;
     int variables;  // values per point
     int column;     // which of them is the intensity
-    std::vector<RealBlock> blocks;
+    // Binding energy of the file's first point and its step (worked by hand from the
+    // header for kinetic abscissas), and the point count.
+    std::vector<std::tuple<double, double, int>> blocks;
 };
 
 void CheckRealVamas(const RealVamas& f) {
@@ -200,23 +181,17 @@ void CheckRealVamas(const RealVamas& f) {
     std::size_t i = 0;
     for (std::size_t k = 0; k < f.blocks.size(); ++k) {
         SCOPED_TRACE(k);
-        const RealBlock& b = f.blocks[k];
-        // The block's values follow the line that states their count, and one pair of
-        // lines per variable.
-        const std::string count = std::to_string(b.points * f.variables);
-        while (i < lines.size() && trimmed(lines[i]) != count) ++i;
+        const auto [start, step, points] = f.blocks[k];
+        // The values follow the line that states their count, and a pair of lines per variable.
+        while (i < lines.size() && trimmed(lines[i]) != std::to_string(points * f.variables)) ++i;
         const std::size_t first = i + 1 + 2 * static_cast<std::size_t>(f.variables);
-        i = first + static_cast<std::size_t>(b.points * f.variables);
+        i = first + static_cast<std::size_t>(points * f.variables);
         const Region& r = project.Regions[k];
-        const int n = std::min(b.points, 5000);
+        const int n = std::min(points, 5000);
         ASSERT_EQ(r.PointCount, n);
-        auto fileBE = [&](int j) {
-            return f.kinetic ? f.hv - b.start - j * b.step : b.start + j * b.step;
-        };
-        const bool reversed = fileBE(0) < fileBE(n - 1);
         for (int p : {1, 2, n / 3, n / 2, n - 1, n}) {
-            const int j = reversed ? n - p : p - 1;  // 0-based index in the file
-            EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(p)], fileBE(j), 2e-3) << p;
+            const int j = step > 0 ? n - p : p - 1;  // 0-based index in the file
+            EXPECT_NEAR(r.BindingEnergy[static_cast<std::size_t>(p)], start + j * step, 2e-3) << p;
             const std::string& value =
                 lines.at(first + static_cast<std::size_t>(j * f.variables + f.column));
             EXPECT_EQ(r.RawIntensity[static_cast<std::size_t>(p)],
@@ -232,21 +207,21 @@ void CheckRealVamas(const RealVamas& f) {
 TEST(VamasReal, EveryBlockAgainstTheFilesOwnValues) {
     // clang-format off
     const RealVamas files[] = {
-        {"feranick-xps/2.vms", false, 1486.6, 1, 0,
+        {"feranick-xps/2.vms", 1, 0,
          {{1386.6, -0.5, 2794}, {289, -0.1, 81}, {110, -0.1, 151}, {15, -0.1, 171}, {33, -0.1, 71}, {15, -0.1, 171}}},
-        {"feranick-xps/3.vms", false, 1486.6, 1, 0,
+        {"feranick-xps/3.vms", 1, 0,
          {{92, -0.1, 121}, {405, -0.1, 101}, {295, -0.1, 151}, {175, -0.1, 201}, {410, -0.1, 201}, {10, -0.1, 121},
           {1000, -0.5, 2001}}},
-        {"lg4x/Mutlipak_vms.npl", false, 1486.6, 1, 0,  // MultiPak export
+        {"lg4x/Mutlipak_vms.npl", 1, 0,  // MultiPak export
          {{305, -0.05, 601}, {555, -0.05, 601}, {180, -0.05, 501}, {410, -0.05, 401}, {240, -0.05, 401}}},
-        {"lg4x/0-150W.vms", true, 1486.69, 2, 0,  // Kratos Supra: two variables, leading blank lines
-         {{286.69, 1, 1206}, {586.69, 0.1, 601}, {941.69, 0.1, 251}, {1186.69, 0.1, 301}, {1436.69, 0.1, 251}}},
-        {"matkrin-vamas/xps_eis.vms", true, 1486.7, 1, 0,  // Omicron: kinetic, more than 5000 points
-         {{1506.7, -0.1, 8201}, {1261.7, -0.05, 321}, {1097.7, -0.05, 941}, {1246.7, -0.05, 541}}},
-        {"minespex/vamas.vms", false, 1486.7, 1, 0, {{539, -0.1, 111}}},  // Scienta: experimental variable
-        {"pynxtools-xps/regular.vms", true, 1486.61, 2, 0, {{136.61, 1, 1351}}},  // Casa: two variables
+        // Kratos Supra: kinetic (hv 1486.69), two variables, leading blank lines.
+        {"lg4x/0-150W.vms", 2, 0, {{1200, -1, 1206}, {900, -0.1, 601}, {545, -0.1, 251}, {300, -0.1, 301}, {50, -0.1, 251}}},
+        // Omicron: kinetic (hv 1486.7), more than 5000 points.
+        {"matkrin-vamas/xps_eis.vms", 1, 0, {{-20, 0.1, 8201}, {225, 0.05, 321}, {389, 0.05, 941}, {240, 0.05, 541}}},
+        {"minespex/vamas.vms", 1, 0, {{539, -0.1, 111}}},  // Scienta: an experimental variable
+        {"pynxtools-xps/regular.vms", 2, 0, {{1350, -1, 1351}}},  // Casa: kinetic (hv 1486.61), two variables
         // IRREGULAR: each point lists its kinetic energy, then intensity and transmission.
-        {"pynxtools-xps/irregular.vms", true, 1486.61, 3, 1, {{136.61, 1, 1351}}},
+        {"pynxtools-xps/irregular.vms", 3, 1, {{1350, -1, 1351}}},
     };
     // clang-format on
     std::string missing;
