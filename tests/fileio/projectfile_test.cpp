@@ -29,40 +29,28 @@ SingleArray Ramp(std::size_t size, float start, float step) {
 Project MakeKnownProject() {
     Project p;
     Region& r = p.Regions[0];
-    r.HasData = kTrue;
-    r.ImportRegionNumber = 7;
+    // clang-format off
+    for (auto [field, v] : {std::pair{&r.HasData, -1}, {&r.ImportRegionNumber, 7}, {&r.PointCount, 3}, {&r.PeakCount, 2},
+                            {&r.RangeStart, 1}, {&r.RangeEnd, 3}, {&r.RangeCount, 3}, {&r.EndPointAverage, 3}})
+        *field = static_cast<Int16>(v);
+    for (auto [field, v] : {std::pair{&r.MaxBE, 290.0f}, {&r.MinBE, 288.0f}, {&r.MaxIntensity, 30.0f},
+                            {&r.MinIntensity, 10.0f}, {&r.BackgroundLowBE, 288.25f}, {&r.BackgroundHighBE, 289.75f},
+                            {&r.LinearStep, 0.5f}, {&r.NetMax, 7.0f}, {&r.NetMin, -1.0f}, {&r.NetScale, 0.08f},
+                            {&r.ChiSquare, 12.5f}, {&r.EndAverage, 30.5f}, {&r.StartAverage, 10.5f},
+                            {&r.BackgroundParameter, 0.25f}, {&r.Shift, -0.5f}})
+        *field = v;
+    // clang-format on
     r.Caption = Text20::From("C 1s");
-    r.PointCount = 3;
     r.BindingEnergy = {0, 290, 289, 288};
     r.RawIntensity = {0, 10, 20, 30};
-    r.MaxBE = 290;
-    r.MinBE = 288;
-    r.MaxIntensity = 30;
-    r.MinIntensity = 10;
-    r.PeakCount = 2;
     r.PeakIndex = {5, 2, 0, 0, 0, 0, 0, 0, 0, 0};
     r.BackgroundType = BackgroundKind::Tougaard;
-    r.BackgroundLowBE = 288.25f;
-    r.BackgroundHighBE = 289.75f;
-    r.LinearStep = 0.5f;
-    r.RangeStart = 1;
-    r.RangeEnd = 3;
-    r.RangeCount = 3;
-    r.NetMax = 7;
-    r.NetMin = -1;
-    r.NetScale = 0.08f;
-    r.ChiSquare = 12.5f;
     r.RangeBE = Ramp(4, 100, 1);
     r.RangeIntensity = Ramp(4, 200, 1);
     r.BackgroundWork = Ramp(4, 300, 1);
     r.BackgroundCurve = Ramp(4, 400, 1);
     r.PeakSumCurve = Ramp(4, 500, 1);
     r.Residual = Ramp(4, 600, -1);
-    r.EndAverage = 30.5f;
-    r.StartAverage = 10.5f;
-    r.EndPointAverage = 3;
-    r.BackgroundParameter = 0.25f;
-    r.Shift = -0.5f;
 
     Region& r3 = p.Regions[3];
     r3.HasData = kTrue;
@@ -75,22 +63,20 @@ Project MakeKnownProject() {
 
     for (int s : {2, 5}) {
         Peak& k = p.Peaks[s];
-        k.InUse = kTrue;
+        const float f = static_cast<float>(s);
+        // A %GL relation "* 2" on an 80 % peak stores 160: such work must open again.
+        // clang-format off
+        for (auto [field, v] : {std::pair{&k.InUse, -1}, {&k.PercentGL, s == 2 ? 32 : 160}, {&k.FixPosition, 1},
+                                {&k.FixArea, 1}, {&k.Region, 0}})
+            *field = static_cast<Int16>(v);
+        for (auto [field, v] : {std::pair{&k.Splitting, 1.25f * f}, {&k.Position, 288.5f + f / 10},
+                                {&k.Area, 1000.0f + f}, {&k.HeightPercent, 40.0f + f}, {&k.FWHM, 1.5f},
+                                {&k.TailScale, 0.3f}, {&k.TailLength, 2.5f}})
+            *field = v;
+        // clang-format on
         k.Label = Text20::From(s == 2 ? "Label two" : "Label five");
         k.PeakType = s == 2 ? Subshell::P : Subshell::F;
-        k.Splitting = 1.25f * static_cast<float>(s);
-        k.Position = 288.5f + static_cast<float>(s) / 10;
-        k.Area = 1000.0f + static_cast<float>(s);
-        k.HeightPercent = 40.0f + static_cast<float>(s);
-        k.FWHM = 1.5f;
-        // A %GL relation "* 2" on an 80 % peak stores 160: such work must open again.
-        k.PercentGL = static_cast<Int16>(s == 2 ? 32 : 160);
-        k.FixPosition = 1;
-        k.FixArea = 1;
-        k.Region = 0;
-        k.Curve = Ramp(4, 10.0f * static_cast<float>(s), 0.5f);
-        k.TailScale = 0.3f;
-        k.TailLength = 2.5f;
+        k.Curve = Ramp(4, 10.0f * f, 0.5f);
         int v = 1;
         for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = p.Constraints[s][g];

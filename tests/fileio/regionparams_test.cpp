@@ -2,7 +2,6 @@
 
 #include "fileio/regionparams.h"
 
-#include <cstring>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -221,14 +220,10 @@ TEST_F(RegionParamsTest, LoadingReplacesTheRegionsOwnPeaks) {
 // The older layout, built by hand: tagged numbers in the head, peaks without tail fields.
 TEST_F(RegionParamsTest, OlderTaggedLayoutGivesSymmetricPeaks) {
     test::LeBytes b;
-    b.I16(2).I16(1);       // PeakCount as a tagged Int16
-    b.I16(3).I32(7);       // RangeCount as a tagged Int32
-    b.I16(-1).I16(1);      // HasBackground, Linear
-    b.F32(288.0f).I16(5);  // BackgroundHighBE, BackgroundLowBE as a tagged Double
-    const double low = 282.0;
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &low, 8);
-    b.I32(static_cast<std::int32_t>(bits & 0xFFFFFFFFu)).I32(static_cast<std::int32_t>(bits >> 32));
+    b.I16(2).I16(1);                  // PeakCount as a tagged Int16
+    b.I16(3).I32(7);                  // RangeCount as a tagged Int32
+    b.I16(-1).I16(1);                 // HasBackground, Linear
+    b.F32(288.0f).I16(5).F64(282.0);  // BackgroundHighBE, BackgroundLowBE as a tagged Double
     // Peak in the 3.0 form: fields up to Region, then Curve (8 elements), no tail fields.
     b.I16(-1).Text20("old").I16(3);
     for (float v : {2.5f, 284.25f, 640.0f, 30.0f, 1.75f}) b.F32(v);

@@ -3,6 +3,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -17,8 +18,6 @@
 
 namespace molvera {
 namespace {
-
-constexpr int kIterations = 150;
 
 class Random {
 public:
@@ -38,90 +37,80 @@ public:
         }
         return s;
     }
+    int Pick(const std::vector<int>& v) {
+        return v[static_cast<std::size_t>(Int(0, static_cast<int>(v.size()) - 1))];
+    }
 
 private:
     std::mt19937 rng_;
 };
 
-// A measured spectrum with falling binding energies.
-void RandomData(Random& rnd, Region& region) {
-    const int n = rnd.Int(2, 300);
-    const float high = rnd.Real(50, 1400);
-    const float step = rnd.Real(0.02, 1.0);
-    ResizeRegionArrays(region, n);
-    region.PointCount = static_cast<Int16>(n);
-    for (int i = 1; i <= n; ++i) {
-        region.BindingEnergy[i] = high - step * static_cast<float>(i - 1);
-        region.RawIntensity[i] = rnd.Real(0, 1e5);
-    }
-    region.HasData = kTrue;
-    UpdateDataExtents(region);
-    region.ImportRegionNumber = static_cast<Int16>(rnd.Int(0, 20));
-    region.Caption = Text20::From(rnd.Text(24));
-    region.EndPointAverage = static_cast<Int16>(rnd.Int(1, 5));
-    region.Shift = rnd.Coin() ? 0.0f : rnd.Real(-2, 2);
-}
-
-// A background over a random part of the data, up to ten peaks, sometimes one deleted.
-void RandomFit(Random& rnd, Project& project, int r) {
-    Region& region = project.Regions[r];
-    project.CurrentRegion = static_cast<Int16>(r);
-    region.BackgroundType = static_cast<BackgroundKind>(rnd.Int(0, 2));
-    region.BackgroundParameter = rnd.Real(0, 3000);
-    const float a = rnd.Real(region.MinBE, region.MaxBE);
-    const float b = rnd.Real(region.MinBE, region.MaxBE);
-    region.BackgroundLowBE = std::min(a, b);
-    region.BackgroundHighBE = std::max(a, b);
-    region.HasBackground = kTrue;
-    RecomputeRegion(project, QuietHost());
-    const int peaks = rnd.Int(0, kMaxPeaksPerRegion);
-    for (int k = 0; k < peaks; ++k) {
-        const int s = AddPeak(project, QuietHost());
-        if (s < 0) break;
-        Peak& p = project.Peaks[s];
-        p.Label = Text20::From(rnd.Text(20));
-        p.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
-        p.Splitting = rnd.Real(0, 10);
-        p.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
-        p.HeightPercent = rnd.Real(1, 100);
-        p.FWHM = rnd.Real(0.3, 4);
-        p.PercentGL = static_cast<Int16>(rnd.Int(0, 100));
-        p.FixPosition = rnd.RandomFlag();
-        p.FixFWHM = rnd.RandomFlag();
-        p.FixArea = rnd.RandomFlag();
-        p.FixGL = rnd.RandomFlag();
-        p.TailScale = rnd.Coin() ? 0.0f : rnd.Real(0, 1);
-        p.TailLength = rnd.Real(1, 5);
-    }
-    if (region.PeakCount > 1 && rnd.Coin(0.3)) {
-        project.CurrentPeak = region.PeakIndex[rnd.Int(0, region.PeakCount - 1)];
-        DeletePeak(project, QuietHost());
-    }
-    RecomputeRegion(project, QuietHost());  // areas follow the heights
-}
-
+// Spectra with falling binding energies in some regions; in most of them a background over
+// a random part of the data and up to ten peaks, sometimes one deleted; random constraints.
 Project RandomProject(Random& rnd) {
     Project p;
     ClearProject(p, QuietHost());
     std::vector<int> withData;
     for (int r = 0; r < kRegionCount; ++r) {
         if (!rnd.Coin(0.6)) continue;
-        RandomData(rnd, p.Regions[r]);
         withData.push_back(r);
-        if (rnd.Coin(0.8)) RandomFit(rnd, p, r);
+        Region& region = p.Regions[r];
+        const int n = rnd.Int(2, 300);
+        const float high = rnd.Real(50, 1400);
+        const float step = rnd.Real(0.02, 1.0);
+        ResizeRegionArrays(region, n);
+        region.PointCount = static_cast<Int16>(n);
+        for (int i = 1; i <= n; ++i) {
+            region.BindingEnergy[i] = high - step * static_cast<float>(i - 1);
+            region.RawIntensity[i] = rnd.Real(0, 1e5);
+        }
+        region.HasData = kTrue;
+        UpdateDataExtents(region);
+        region.ImportRegionNumber = static_cast<Int16>(rnd.Int(0, 20));
+        region.Caption = Text20::From(rnd.Text(24));
+        region.EndPointAverage = static_cast<Int16>(rnd.Int(1, 5));
+        region.Shift = rnd.Coin() ? 0.0f : rnd.Real(-2, 2);
+        if (rnd.Coin(0.2)) continue;
+        p.CurrentRegion = static_cast<Int16>(r);
+        region.BackgroundType = static_cast<BackgroundKind>(rnd.Int(0, 2));
+        region.BackgroundParameter = rnd.Real(0, 3000);
+        const float a = rnd.Real(region.MinBE, region.MaxBE);
+        const float b = rnd.Real(region.MinBE, region.MaxBE);
+        region.BackgroundLowBE = std::min(a, b);
+        region.BackgroundHighBE = std::max(a, b);
+        region.HasBackground = kTrue;
+        RecomputeRegion(p, QuietHost());
+        for (int k = rnd.Int(0, kMaxPeaksPerRegion); k > 0; --k) {
+            const int s = AddPeak(p, QuietHost());
+            if (s < 0) break;
+            Peak& peak = p.Peaks[s];
+            peak.Label = Text20::From(rnd.Text(20));
+            peak.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
+            peak.Splitting = rnd.Real(0, 10);
+            peak.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
+            peak.HeightPercent = rnd.Real(1, 100);
+            peak.FWHM = rnd.Real(0.3, 4);
+            peak.PercentGL = static_cast<Int16>(rnd.Int(0, 100));
+            for (Int16* fix : {&peak.FixPosition, &peak.FixFWHM, &peak.FixArea, &peak.FixGL})
+                *fix = rnd.RandomFlag();
+            peak.TailScale = rnd.Coin() ? 0.0f : rnd.Real(0, 1);
+            peak.TailLength = rnd.Real(1, 5);
+        }
+        if (region.PeakCount > 1 && rnd.Coin(0.3)) {
+            p.CurrentPeak = region.PeakIndex[rnd.Int(0, region.PeakCount - 1)];
+            DeletePeak(p, QuietHost());
+        }
+        RecomputeRegion(p, QuietHost());  // areas follow the heights
     }
     std::vector<int> used;
     for (int s = 0; s < kPeakSlots; ++s)
         if (IsSet(p.Peaks[s].InUse)) used.push_back(s);
-    auto any = [&](const std::vector<int>& v) {
-        return v[static_cast<std::size_t>(rnd.Int(0, static_cast<int>(v.size()) - 1))];
-    };
     for (int s : used) {
         for (PeakParameter g : kPeakParameters) {
             ParameterConstraint& c = p.Constraints[s][g];
             if (rnd.Coin(0.3)) {
                 c.Linked = kTrue;
-                c.RefPeak = static_cast<Int16>(any(used));
+                c.RefPeak = static_cast<Int16>(rnd.Pick(used));
                 c.Operation = static_cast<Int16>(rnd.Int(0, 3));
                 c.Argument = rnd.Real(0.1, 5);
             }
@@ -132,7 +121,7 @@ Project RandomProject(Random& rnd) {
             c.HighLimit = c.LowLimit + rnd.Real(0, 100);
         }
     }
-    p.CurrentRegion = static_cast<Int16>(withData.empty() ? 0 : any(withData));
+    p.CurrentRegion = static_cast<Int16>(withData.empty() ? 0 : rnd.Pick(withData));
     p.CurrentPeak = static_cast<Int16>(rnd.Int(0, kPeakSlots - 1));
     if (IsSet(p.Peaks[p.CurrentPeak].InUse)) p.EditPeak = p.Peaks[p.CurrentPeak];
     p.TotalPeakCount = static_cast<Int16>(rnd.Int(0, kPeakSlots));
@@ -149,10 +138,9 @@ TEST(RoundTripProperty, ProjectFileGivesBackTheProjectAndTheSameBytes) {
     int peaksSeen = 0;
     Project q;
     test::RecordingHost host;
-    for (int it = 0; it < kIterations && !HasFailure(); ++it) {
+    for (int it = 0; it < 150 && !HasFailure(); ++it) {
         SCOPED_TRACE(it);
         Project p = RandomProject(rnd);
-        for (const Peak& peak : p.Peaks) peaksSeen += IsSet(peak.InUse);
         const std::string first = ProjectFileBytes(p);
         ASSERT_TRUE(LoadProjectBytes(q, host, first).ok());
         for (int r = 0; r < kRegionCount; ++r) {
@@ -164,19 +152,18 @@ TEST(RoundTripProperty, ProjectFileGivesBackTheProjectAndTheSameBytes) {
         for (int s = 0; s < kPeakSlots; ++s) {
             ASSERT_EQ(IsSet(p.Peaks[s].InUse), IsSet(q.Peaks[s].InUse)) << s;
             if (!IsSet(p.Peaks[s].InUse)) continue;
+            ++peaksSeen;
             EXPECT_TRUE(p.Peaks[s] == q.Peaks[s]) << s;
             EXPECT_TRUE(p.Constraints[s] == q.Constraints[s]) << s;
         }
         EXPECT_TRUE(p.EditPeak == q.EditPeak);
-        EXPECT_EQ(p.CurrentRegion, q.CurrentRegion);
-        EXPECT_EQ(p.CurrentPeak, q.CurrentPeak);
-        EXPECT_EQ(p.TotalPeakCount, q.TotalPeakCount);
-        EXPECT_EQ(p.TotalChiSquare, q.TotalChiSquare);
-        EXPECT_EQ(p.AreaScale, q.AreaScale);
-        EXPECT_EQ(p.Description, q.Description);
+        EXPECT_EQ(std::tie(p.CurrentRegion, p.CurrentPeak, p.TotalPeakCount, p.TotalChiSquare,
+                           p.AreaScale, p.Description),
+                  std::tie(q.CurrentRegion, q.CurrentPeak, q.TotalPeakCount, q.TotalChiSquare,
+                           q.AreaScale, q.Description));
         ASSERT_EQ(ProjectFileBytes(q), first);
     }
-    EXPECT_GT(peaksSeen, kIterations * 5);  // the generator does produce busy projects
+    EXPECT_GT(peaksSeen, 150 * 5);  // the generator does produce busy projects
 }
 
 }  // namespace
