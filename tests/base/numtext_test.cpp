@@ -64,12 +64,6 @@ TEST(FormatTrimmed, DropsTrailingZeros) {
     EXPECT_EQ(FormatTrimmed(static_cast<double>(0.01f)), "0.00999999977648");
 }
 
-TEST(ColumnValue, LeadsWithABlankUnlessNegative) {
-    EXPECT_EQ(ColumnValue(1.5f), " 1.5 ");
-    EXPECT_EQ(ColumnValue(-1.5f), "-1.5 ");
-    EXPECT_EQ(ColumnValue(static_cast<std::int16_t>(7)), " 7 ");
-}
-
 TEST(ColumnLine, PadsToColumnsAndZones) {
     ColumnLine line;
     line.At(1, "B.E.(eV)").At(20, "Raw");

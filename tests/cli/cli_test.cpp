@@ -1,7 +1,9 @@
-// molvera-cli run as a process, as scripts use it.
+// molvera-cli run as a process, as scripts use it: what it prints, its refusals (exit
+// code, message, nothing written) and the files it writes.
 
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <limits>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -17,72 +19,72 @@ namespace fs = std::filesystem;
 
 class Cli : public CliFolder {
 protected:
-    void SetUp() override {
-        CliFolder::SetUp();
-        spectrum = DataFile("real/lg4x/C1s_sample.csv");
-    }
-    // A region 1 with a Shirley background and three peaks.
+    // p.xps: region 1 holds the real C 1s spectrum with a Shirley background and three peaks.
     void BuildFit() {
         ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o p.xps").code, 0);
         ASSERT_EQ(
             Cmd("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps").code,
             0);
-        for (const char* pos : {"284.5", "286", "288.5"})
-            ASSERT_EQ(Cmd(std::string("add-peak p.xps --region 1 --position ") + pos +
-                          " --fwhm 1.2 -o p.xps")
-                          .code,
-                      0);
+        for (const std::string pos : {"284.5", "286", "288.5"})
+            ASSERT_EQ(
+                Cmd("add-peak p.xps --region 1 --position " + pos + " --fwhm 1.2 -o p.xps").code,
+                0);
     }
-    std::string spectrum;
+    nlohmann::json Dump(const std::string& file) const {
+        return nlohmann::json::parse(Cmd("dump " + file).out);
+    }
+    std::string spectrum = DataFile("real/lg4x/C1s_sample.csv");
 };
 
-TEST_F(Cli, ImportPrintsTheFilledRegion) {
+TEST_F(Cli, ImportPrintsTheFilledRegionAndDumpListsArraysFromElementZero) {
     CliRun r = Cmd("import ascii '" + spectrum + "' --region 3 -o a.xps");
     ASSERT_EQ(r.code, 0) << r.err;
     // The file runs from 301.5 down to 266.5 eV in 351 rows after its header line.
     EXPECT_EQ(r.out, "region 3: \"\", 351 points, 301.5 .. 266.5 eV\n");
-    auto j = nlohmann::json::parse(Cmd("dump a.xps").out);
-    const auto& region = j["Regions"][2];
-    EXPECT_EQ(region["HasData"], -1);
-    EXPECT_EQ(region["PointCount"], 351);
-    EXPECT_EQ(region["BindingEnergy"].size(), 352u);  // element 0 is allocated, unused
-    EXPECT_FLOAT_EQ(region["BindingEnergy"][1].get<float>(), 301.5f);
-    EXPECT_FLOAT_EQ(region["BindingEnergy"][351].get<float>(), 266.5f);
+    const auto j = Dump("a.xps");
+    EXPECT_EQ(j["Regions"][2]["BindingEnergy"].size(), 352u);  // element 0 is allocated, unused
+    EXPECT_EQ(j["Regions"][2]["BindingEnergy"][351], 266.5);
     EXPECT_EQ(j["CurrentRegion"], 2);
 }
 
-TEST_F(Cli, AddPeakPrintsSlotsAndEditKeepsUntouchedValuesExactly) {
+TEST_F(Cli, EditsChangeWhatTheyNameAndKeepUntouchedValuesExactly) {
     BuildFit();
     CliRun r = Cmd(
         "add-peak p.xps --region 1 --position 290.123 --fwhm 0.3 --gl 30 --fix position -o q.xps");
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out, "3\n");
-    auto j = nlohmann::json::parse(Cmd("dump q.xps").out);
-    const auto& peak = j["Peaks"][3];
+    auto peak = Dump("q.xps")["Peaks"][3];
     EXPECT_FLOAT_EQ(peak["Position"].get<float>(), 290.123f);  // not rounded to the scroll bar
     EXPECT_FLOAT_EQ(peak["FWHM"].get<float>(), 0.3f);          // not raised to 0.5
     EXPECT_EQ(peak["PercentGL"], 30);
     EXPECT_EQ(peak["FixPosition"], 1);
     ASSERT_EQ(Cmd("edit-peak q.xps --peak 3 --free position --area 500 -o r.xps").code, 0);
-    auto k = nlohmann::json::parse(Cmd("dump r.xps").out);
-    EXPECT_FLOAT_EQ(k["Peaks"][3]["Position"].get<float>(), 290.123f);
-    EXPECT_FLOAT_EQ(k["Peaks"][3]["Area"].get<float>(), 500.0f);
-    EXPECT_EQ(k["Peaks"][3]["FixPosition"], 0);
+    ASSERT_EQ(Cmd("constrain r.xps --peak 1 --param fwhm --link 0 --op + --arg 1.5 -o r.xps").code,
+              0);
+    const auto j = Dump("r.xps");
+    EXPECT_FLOAT_EQ(j["Peaks"][3]["Position"].get<float>(), 290.123f);
+    EXPECT_FLOAT_EQ(j["Peaks"][3]["Area"].get<float>(), 500.0f);
+    EXPECT_EQ(j["Peaks"][3]["FixPosition"], 0);
+    EXPECT_EQ(j["Constraints"][1]["FWHM"]["Linked"], -1);
+    EXPECT_EQ(j["Constraints"][0]["FWHM"]["IsReference"], -1);
 }
 
 TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
-    ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o a.xps").code, 0);
+    BuildFit();
     // Low BE below the data: the background dialog refuses.
-    CliRun r = Cmd("background a.xps --region 1 --type shirley --low 100 --high 295 -o b.xps");
+    CliRun r = Cmd("background p.xps --region 1 --type shirley --low 100 --high 295 -o b.xps");
     EXPECT_NE(r.code, 0);
     EXPECT_FALSE(fs::exists(dir / "b.xps"));
-    // An option file check with its exact message.
+    r = Cmd("constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o b.xps");
+    EXPECT_NE(r.code, 0);
+    EXPECT_EQ(r.err, "Wrong Reference Peak\n");
+    EXPECT_FALSE(fs::exists(dir / "b.xps"));
     r = Cmd("options --search-trials 201 --newton-trials 5 -o x.opa");
     EXPECT_NE(r.code, 0);
     EXPECT_EQ(r.err, "No. of trials for Search method must be in the range 1-200\n");
     EXPECT_FALSE(fs::exists(dir / "x.opa"));
     // A file that is not a project: the program's message, then where and why.
-    std::ofstream(dir / "junk.xps") << "not a project";
+    WriteBytes(dir / "junk.xps", "not a project");
     r = Cmd("dump junk.xps");
     EXPECT_NE(r.code, 0);
     EXPECT_EQ(r.err,
@@ -90,19 +92,7 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
               "\"SF\")\n");
     // Usage errors.
     EXPECT_EQ(Cmd("frobnicate").code, 2);
-    EXPECT_EQ(Cmd("dump a.xps --bogus 1").code, 2);
-}
-
-TEST_F(Cli, ConstrainRefusesSelfReference) {
-    BuildFit();
-    CliRun r = Cmd("constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o q.xps");
-    EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err, "Wrong Reference Peak\n");
-    r = Cmd("constrain p.xps --peak 1 --param position --link 0 --op + --arg 1.5 -o q.xps");
-    ASSERT_EQ(r.code, 0) << r.err;
-    auto j = nlohmann::json::parse(Cmd("dump q.xps").out);
-    EXPECT_EQ(j["Constraints"][1]["Position"]["Linked"], -1);
-    EXPECT_EQ(j["Constraints"][0]["Position"]["IsReference"], -1);
+    EXPECT_EQ(Cmd("dump p.xps --bogus 1").code, 2);
 }
 
 TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
@@ -118,58 +108,25 @@ TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
     ASSERT_EQ(Cmd("save f.xps -o g.xps").code, 0);
     EXPECT_EQ(ReadBytes(dir / "f.xps"), ReadBytes(dir / "g.xps"));
     EXPECT_EQ(Cmd("dump f.xps").out, Cmd("dump g.xps").out);
+    ASSERT_EQ(Cmd("export-spectrum f.xps --region 1 -o f.dat").code, 0);
+    ASSERT_EQ(Cmd("export-spectrum g.xps --region 1 -o g.dat").code, 0);
+    EXPECT_EQ(ReadBytes(dir / "f.dat"), ReadBytes(dir / "g.dat"));
 }
 
-// The .par text with the area column (the third zone) blanked.
-std::string WithoutAreas(std::string par) {
-    std::string out;
-    std::size_t start = 0;
-    while (start < par.size()) {
-        std::size_t end = par.find("\r\n", start);
-        std::string line = par.substr(start, end - start);
-        if (line.size() > 42)
-            line.replace(42, std::min<std::size_t>(14, line.size() - 42), 14, ' ');
-        out += line + "\n";
-        if (end == std::string::npos) break;
-        start = end + 2;
-    }
-    return out;
-}
-
+// A model fitted on one real C 1s spectrum, applied to the C 1s block of another
+// instrument's VAMAS file: the same peaks, their areas following the other data.
 TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
-    // A model fitted on one real C 1s spectrum, applied to the C 1s block of another
-    // instrument's VAMAS file: same background settings and peaks, areas follow the data.
     BuildFit();
-    ASSERT_EQ(Cmd("fit p.xps --region 1 -o f.xps").code, 0);
-    ASSERT_EQ(Cmd("save-params f.xps --region 1 -o model.rpa").code, 0);
+    ASSERT_EQ(Cmd("save-params p.xps --region 1 -o model.rpa").code, 0);
     ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code,
               0);
     CliRun r = Cmd("apply-params v.xps --region 1 model.rpa -o w.xps");
     ASSERT_EQ(r.code, 0) << r.err;
-    ASSERT_EQ(Cmd("export-peaks f.xps --region 1 -o f.par").code, 0);
-    ASSERT_EQ(Cmd("export-peaks w.xps --region 1 -o w.par").code, 0);
-    const std::string source = ReadBytes(dir / "f.par"), applied = ReadBytes(dir / "w.par");
-    EXPECT_EQ(WithoutAreas(source), WithoutAreas(applied));
-    EXPECT_NE(source, applied);  // the areas follow the other spectrum's intensities
-    auto f = nlohmann::json::parse(Cmd("dump f.xps").out)["Regions"][0];
-    auto w = nlohmann::json::parse(Cmd("dump w.xps").out)["Regions"][0];
-    for (const char* key :
-         {"HasBackground", "BackgroundType", "BackgroundLowBE", "BackgroundHighBE", "PeakCount"})
-        EXPECT_EQ(f[key], w[key]) << key;
-    // The envelope was rebuilt on the new data: background plus the peaks, point by point.
-    const int m = w["RangeCount"];
-    ASSERT_GT(m, 10);
-    const auto peaks = nlohmann::json::parse(Cmd("dump w.xps").out)["Peaks"];
-    double worst = 0;
-    for (int j = 1; j <= m; ++j) {
-        const double b = w["BackgroundCurve"][j].get<double>();
-        double sum = b;
-        for (int k = 0; k < w["PeakCount"].get<int>(); ++k)
-            sum += peaks[w["PeakIndex"][k].get<int>()]["Curve"][j].get<double>() - b;
-        worst = std::max(worst,
-                         std::abs(sum - w["PeakSumCurve"][j].get<double>()) / (1 + std::abs(sum)));
+    const auto p = Dump("p.xps")["Peaks"], w = Dump("w.xps")["Peaks"];
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_EQ(p[k]["Position"], w[k]["Position"]) << k;
+        EXPECT_NE(p[k]["Area"], w[k]["Area"]) << k;
     }
-    EXPECT_LT(worst, 1e-5);
 }
 
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
@@ -187,12 +144,48 @@ TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
 }
 
 TEST(JsonFloat, ReadsBackToTheSameSingle) {
-    for (float f : {0.1f, 284.57f, 1.0f / 3.0f, 3.4028235e38f, 1.0e-45f, -2.5f}) {
-        nlohmann::json j = cli::FloatJson(f);
-        float back = static_cast<float>(nlohmann::json::parse(j.dump()).get<double>());
-        EXPECT_EQ(back, f);
-    }
+    for (float f : {0.1f, 284.57f, 1.0f / 3.0f, 3.4028235e38f, 1.0e-45f, -2.5f})
+        EXPECT_EQ(static_cast<float>(nlohmann::json::parse(cli::FloatJson(f).dump()).get<double>()),
+                  f);
     EXPECT_EQ(cli::FloatJson(std::numeric_limits<float>::quiet_NaN()), "NaN");
+}
+
+// Width and height from a PNG's header chunk (big-endian).
+std::pair<int, int> PngSize(const std::string& png) {
+    auto be32 = [&](std::size_t at) {
+        int v = 0;
+        for (std::size_t k = 0; k < 4; ++k) v = v * 256 + static_cast<unsigned char>(png[at + k]);
+        return v;
+    };
+    return {be32(16), be32(20)};
+}
+
+TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
+#ifndef MOLVERA_CLI_RENDER
+    GTEST_SKIP() << "molvera-cli was built without Qt, so it has no render command";
+#endif
+    BuildFit();
+    ASSERT_EQ(Cmd("render p.xps --region 1 -o plain.png").code, 0);
+    ASSERT_EQ(Cmd("render p.xps --region 1 -o table.PNG --with-peaks").code, 0);
+    ASSERT_EQ(Cmd("render p.xps --region 1 -o page.pdf --with-peaks").code, 0);
+    const std::string plain = ReadBytes(dir / "plain.png");
+    ASSERT_GT(plain.size(), 24u);
+    EXPECT_EQ(plain.substr(0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ(PngSize(plain), std::make_pair(1200, 800));
+    EXPECT_NE(plain, ReadBytes(dir / "table.PNG"));  // the peak table is drawn only on request
+    EXPECT_EQ(ReadBytes(dir / "page.pdf").substr(0, 5), "%PDF-");
+
+    CliRun r = Cmd("render p.xps --region 2 -o empty.png");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("region 2 holds no data"), std::string::npos) << r.err;
+    EXPECT_NE(Cmd("render p.xps --region 1 -o picture.bmp").code, 0);
+    EXPECT_NE(Cmd("render p.xps --region 11 -o r.png").code, 0);
+    EXPECT_NE(Cmd("render p.xps --region 1").code, 0);
+    EXPECT_FALSE(fs::exists(dir / "empty.png") || fs::exists(dir / "picture.bmp"));
+    r = Cmd("render p.xps --region 1 -o missing/r.png");
+    EXPECT_EQ(r.code, 1);
+    EXPECT_NE(r.err.find("Error in saving file"), std::string::npos) << r.err;
+    EXPECT_EQ(Cmd("render p.xps --region 1 -o missing/r.pdf").code, 1);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Leybold and Phi text files: regions from the current slot on, wrapping, refusals.
+
 #include <string>
 #include <vector>
 
@@ -8,39 +10,34 @@
 #include "fileio/phi.h"
 #include "spectral/regionedit.h"
 #include "support/files.h"
-#include "support/recording_host.h"
 #include "support/sample_region.h"
 
 namespace molvera {
 namespace {
 
 using test::MessageTexts;
-using test::RecordingHost;
 using Leybold = test::ImportTest;
 using Phi = test::ImportTest;
 
-const std::string kTooManyPoints = "Too many points.  Only 5000 points have been read.";
-
 // One Leybold region: a skipped item, the caption, "Points = n", then the pairs.
-std::string LeyboldRegion(const std::string& caption, int n, double first, double step,
-                          int skipped = 1) {
-    std::string t =
-        std::to_string(skipped) + "\n" + caption + "\nPoints = " + std::to_string(n) + "\n";
+std::string LeyboldRegion(const std::string& caption, int n, double first, double step) {
+    std::string t = "1\n" + caption + "\nPoints = " + std::to_string(n) + "\n";
     for (int i = 0; i < n; ++i)
         t += std::to_string(first + i * step) + ", " + std::to_string(10 + i) + "\n";
     return t;
 }
 
-std::string LeyboldFile(int regions, int points = 3) {
+std::string LeyboldFile(int regions) {
     std::string t = "\"Sample, annealed\"\nRegions = " + std::to_string(regions) + "\n";
     for (int k = 0; k < regions; ++k)
-        t += LeyboldRegion("Region " + std::to_string(k), points, 100 + k, -1);
+        t += LeyboldRegion("Region " + std::to_string(k), 3, 100 + k, -1);
     return t;
 }
 
 TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
     std::string t = "\"Sample, annealed\"\nRegions = 2\n" + LeyboldRegion("C 1s", 3, 280, 1) +
                     LeyboldRegion("O 1s", 2, 531, -1);
+    t.replace(t.rfind("Points = 2"), 10, "Points = 1.5");  // a count rounds half to even
     ASSERT_TRUE(test::ImportText(project, host, "leybold", t).Messages().empty());
     EXPECT_EQ(project.Description, "Sample, annealed");
     const Region& a = project.Regions[0];
@@ -53,30 +50,26 @@ TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
 
 TEST_F(Leybold, ElevenRegionsFillTenSlotsAndTenAlreadyWarn) {
     for (int regions : {10, 11}) {
+        SCOPED_TRACE(regions);
         Project project;
-        RecordingHost host;
         const ImportResult result =
             test::ImportText(project, host, "leybold", LeyboldFile(regions));
-        EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions})
-            << regions;
-        for (int k = 0; k < 10; ++k)
-            EXPECT_EQ(project.Regions[static_cast<std::size_t>(k)].BindingEnergy[1], 100 + k);
+        EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions});
+        for (int k = 0; k < 10; ++k) EXPECT_EQ(project.Regions[k].BindingEnergy[1], 100 + k);
         EXPECT_EQ(project.CurrentRegion, 0);
     }
 }
 
 TEST_F(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
-    // A fitted spectrum with two peaks in slot 8.
-    test::FillSampleRegion(project, 8);
+    test::FillSampleRegion(project, 8);  // a fitted spectrum with two peaks in slot 8
     test::GiveSampleBackground(project, 8);
     ASSERT_EQ(AddPeak(project, QuietHost()), 0);
     ASSERT_EQ(AddPeak(project, QuietHost()), 1);
-
     project.CurrentRegion = 7;
     ASSERT_TRUE(test::ImportText(project, host, "leybold", LeyboldFile(5)).status.ok());
     const int slots[] = {7, 8, 9, 0, 1};
     for (int i = 0; i < 5; ++i) {
-        const Region& r = project.Regions[static_cast<std::size_t>(slots[i])];
+        const Region& r = project.Regions[slots[i]];
         EXPECT_EQ(r.BindingEnergy[1], 100 + i);
         EXPECT_FALSE(IsSet(r.HasBackground));
         EXPECT_EQ(r.PeakCount, 0);
@@ -89,25 +82,22 @@ TEST_F(Leybold, StartingAtSlot7DeletesDataAndPeaksThatStoodThere) {
 
 TEST_F(Leybold, DamagedFiles) {
     const std::string good = LeyboldFile(2);
-    struct Case {
-        std::string text;
-        bool keepsFirst;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         {"", false},
         {"desc\nRegions = many\n", false},
         {"desc\nRegions = 1\n1\nC\nPoints = 1000000000\n1, 2\n", false},
         {"desc\nRegions = 1\n1\nC\nPoints = 3\n1, 2\n2, x\n3, 4\n", false},
-        {good.substr(0, good.size() - 8), true},  // ends inside the second region
+        {good.substr(0, good.size() - 8), true},  // ends inside the second region: keeps the first
     };
-    for (const Case& c : cases) {
+    for (const auto& [text, keepsFirst] : cases) {
+        SCOPED_TRACE(text);
         Project project;
-        RecordingHost host;
-        const Status s = test::ImportText(project, host, "leybold", c.text).status;
-        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport) << c.text;
-        EXPECT_EQ(IsSet(project.Regions[0].HasData), c.keepsFirst) << c.text;
+        const Status s = test::ImportText(project, host, "leybold", text).status;
+        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
+        EXPECT_FALSE(s.detail().empty());
+        EXPECT_EQ(IsSet(project.Regions[0].HasData), keepsFirst);
         EXPECT_FALSE(IsSet(project.Regions[1].HasData));
-        EXPECT_EQ(project.Description.empty(), !c.keepsFirst);
+        EXPECT_EQ(project.Description.empty(), !keepsFirst);
     }
 }
 
@@ -136,7 +126,8 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
     project.CurrentRegion = 3;
     const ImportResult result = test::ImportText(project, host, "phi", t);
     EXPECT_EQ(MessageTexts(result.Messages()),
-              (std::vector<std::string>{kTooManyPoints, msg::kTooManyRegions}));
+              (std::vector<std::string>{"Too many points.  Only 5000 points have been read.",
+                                        msg::kTooManyRegions}));
     EXPECT_EQ(project.Regions[3].PointCount, 5000);
     EXPECT_EQ(project.Regions[3].BindingEnergy[1], 4999);
     EXPECT_EQ(project.Regions[4].BindingEnergy[1], 10);  // read correctly after the overflow
@@ -146,10 +137,12 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
 
 TEST_F(Phi, DamagedFilesAndTheMultiPakTextExport) {
     const std::string full = PhiRegion("C", 8, 1, 1);
-    EXPECT_EQ(
-        test::ImportText(project, host, "phi", full.substr(0, full.size() - 12)).status.message(),
-        msg::kErrorReadingFileImport);
-    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    for (const std::string& text : {std::string(), full.substr(0, full.size() - 12)}) {
+        const Status s = test::ImportText(project, host, "phi", text).status;
+        EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
+        EXPECT_FALSE(s.detail().empty());
+        EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    }
     const std::string multipak = test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
     if (multipak.empty()) GTEST_SKIP() << "the MultiPak text export is not available";
     const Status s = test::ImportPath(project, host, "phi", multipak).status;

@@ -2,19 +2,14 @@
 
 #include "fileio/optionfile.h"
 
-#include <filesystem>
-
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
-#include "support/files.h"
 #include "support/le_bytes.h"
+#include "support/paths.h"
 
 namespace molvera {
 namespace {
-
-using test::ReadBytes;
-using test::WriteBytes;
 
 // Every field a different value, so that a swapped or shifted field shows.
 FitOptions DistinctOptions() {
@@ -37,10 +32,7 @@ FitOptions DistinctOptions() {
 }
 
 TEST(OptionFile, WrittenBytesAtTheirOffsets) {
-    const auto dir = test::ScratchDir();
-    const FitOptions o = DistinctOptions();
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    const std::string b = ReadBytes(dir / "a.opa");
+    const std::string b = OptionFileBytes(DistinctOptions());
     ASSERT_EQ(b.size(), 206u);
     // Method, trials, tolerance; level L's block starts at 12 + 48 (L - 1) with its
     // rows at 0, 10, 20, 30, 36, 42; GLSum last.
@@ -60,29 +52,24 @@ TEST(OptionFile, WrittenBytesAtTheirOffsets) {
 }
 
 TEST(OptionFile, RoundTripIsBitExact) {
-    const auto dir = test::ScratchDir();
     FitOptions o = DistinctOptions();
     o.AreaNewton[2].Delta = -0.0f;  // a sign bit that == would not notice
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
+    const std::string b = OptionFileBytes(o);
     FitOptions back;
-    ASSERT_TRUE(ReadOptionFile(back, (dir / "a.opa").string()).ok());
+    ASSERT_TRUE(ReadOptionBytes(back, b).ok());
     EXPECT_EQ(back, o);
-    ASSERT_TRUE(WriteOptionFile(back, (dir / "b.opa").string()).ok());
-    EXPECT_EQ(ReadBytes(dir / "a.opa"), ReadBytes(dir / "b.opa"));
+    EXPECT_EQ(OptionFileBytes(back), b);
 }
 
 TEST(OptionFile, ShortLongAndMissingFiles) {
-    const auto dir = test::ScratchDir();
     FitOptions o = DistinctOptions();
     o.GLSum = 0;
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    const std::string bytes = ReadBytes(dir / "a.opa");
+    const std::string bytes = OptionFileBytes(o);
 
     // Ending before GLSum: the previous GLSum stays, the file is good.
-    WriteBytes(dir / "short.opa", bytes.substr(0, 204));
     FitOptions back;
     back.GLSum = -1;
-    const Status st = ReadOptionFile(back, (dir / "short.opa").string());
+    const Status st = ReadOptionBytes(back, bytes.substr(0, 204));
     EXPECT_TRUE(st.ok()) << st.message();
     EXPECT_EQ(back.GLSum, -1);
     back.GLSum = 0;
@@ -90,21 +77,21 @@ TEST(OptionFile, ShortLongAndMissingFiles) {
 
     // 63 bytes: level 2's PositionSearch.Use (60..61) is complete, its Range (62..65)
     // is not; what was read before the end is kept.
-    WriteBytes(dir / "short.opa", bytes.substr(0, 63));
     FitOptions part;
     part.PositionSearch[1].Range = 42;
     part.FWHMNewton[3].Delta = 43;
-    EXPECT_EQ(ReadOptionFile(part, (dir / "short.opa").string()).message(), msg::kErrorReadingFile);
+    EXPECT_EQ(ReadOptionBytes(part, bytes.substr(0, 63)).message(), msg::kErrorReadingFile);
     EXPECT_EQ(part.FWHMNewton[0], o.FWHMNewton[0]);
     EXPECT_EQ(part.PositionSearch[1].Use, o.PositionSearch[1].Use);
     EXPECT_EQ(part.PositionSearch[1].Range, 42.0f);
     EXPECT_EQ(part.FWHMNewton[3].Delta, 43.0f);
 
     // A longer file is read for its first 206 bytes.
-    WriteBytes(dir / "long.opa", bytes + std::string(1000, '\x7f'));
     FitOptions longer;
-    ASSERT_TRUE(ReadOptionFile(longer, (dir / "long.opa").string()).ok());
+    ASSERT_TRUE(ReadOptionBytes(longer, bytes + std::string(1000, '\x7f')).ok());
     EXPECT_EQ(longer, o);
+    EXPECT_EQ(ReadOptionFile(longer, (test::ScratchDir() / "none.opa").string()).message(),
+              msg::kErrorReadingFile);
 }
 
 }  // namespace

@@ -1,15 +1,11 @@
 // Project files of version 3.0 and of the older "SF" layout, built by hand from the
 // record descriptions.
 
-#include <filesystem>
-
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
 #include "fileio/projectfile.h"
-#include "support/files.h"
 #include "support/le_bytes.h"
-#include "support/paths.h"
 #include "support/recording_host.h"
 
 namespace molvera {
@@ -72,14 +68,12 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
     b.I16(1).F32(4.5f).F32(3).I16(1);
     b.I16(8).I16(3).Raw("old");
 
-    const auto dir = test::ScratchDir();
-    test::WriteBytes(dir / "v3.xps", b.bytes);
     Project q;
     q.Peaks[4].TailScale = 0.7f;
     q.Peaks[4].TailLength = 9;
     q.EditPeak.TailScale = 0.7f;
     RecordingHost host;
-    const Status st = LoadProject(q, host, (dir / "v3.xps").string());
+    const Status st = LoadProjectBytes(q, host, b.bytes);
     ASSERT_TRUE(st.ok()) << st.message();
     const Region& r = q.Regions[1];
     EXPECT_EQ(r.Caption.Str(), "Region two          ");
@@ -132,13 +126,11 @@ std::string OldLayoutFile() {
 }
 
 TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
-    const auto dir = test::ScratchDir();
-    test::WriteBytes(dir / "sf.xps", OldLayoutFile());
     Project q;
     q.Constraints[20].Area.UseLimits = kTrue;
     q.Constraints[20].Area.LowLimit = -4;
     RecordingHost host;
-    const Status st = LoadProject(q, host, (dir / "sf.xps").string());
+    const Status st = LoadProjectBytes(q, host, OldLayoutFile());
     ASSERT_TRUE(st.ok()) << st.message();
     const Region& r = q.Regions[0];
     EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289, 288}));
@@ -164,17 +156,13 @@ TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
 }
 
 TEST(ProjectFileOldLayout, TruncatedFilesFail) {
-    const auto dir = test::ScratchDir();
     const std::string b = OldLayoutFile();
-    const std::size_t desc = b.size() - 6;
     // Every length up to the end of the first region, then a coarser walk.
-    for (std::size_t len = 0; len < desc; len += (len < 200 ? 1 : 397)) {
-        const auto file =
-            dir / ("t" + std::to_string(len) + ".xps");  // new files: faster than truncating
-        test::WriteBytes(file, b.substr(0, len));
+    for (std::size_t len = 0; len < b.size() - 6; len += (len < 200 ? 1 : 397)) {
         Project q;
         RecordingHost host;
-        EXPECT_EQ(LoadProject(q, host, file.string()).message(), msg::kErrorReadingFile) << len;
+        EXPECT_EQ(LoadProjectBytes(q, host, b.substr(0, len)).message(), msg::kErrorReadingFile)
+            << len;
     }
 }
 

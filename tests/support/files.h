@@ -2,10 +2,12 @@
 // Files for tests: whole-file reads and writes, scratch files, real data files, line
 // scanning, and a fixture for the import tests.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fileio/formats.h"
@@ -26,13 +28,6 @@ inline void WriteBytes(const std::filesystem::path& p, const std::string& bytes)
     std::ofstream(p, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-/// Writes `text` byte for byte to a file in the test's scratch folder.
-inline std::string WriteScratch(const std::string& name, const std::string& text) {
-    const std::filesystem::path p = ScratchDir() / name;
-    WriteBytes(p, text);
-    return p.string();
-}
-
 /// A real file from the shared set, else its bundled copy, else "".
 inline std::string RealFile(const std::string& rel) {
     std::string p = SharedRealFile(rel);
@@ -41,16 +36,22 @@ inline std::string RealFile(const std::string& rel) {
     return std::filesystem::exists(p) ? p : std::string();
 }
 
-/// The file's lines without line ends (CR LF or LF).
-inline std::vector<std::string> FileLines(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
+/// The lines of `text` without line ends (CR LF or LF).
+inline std::vector<std::string> TextLines(std::string_view text) {
     std::vector<std::string> lines;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        lines.emplace_back(line);
+        text.remove_prefix(std::min(end + 1, text.size()));
     }
     return lines;
+}
+
+/// The file's lines without line ends (CR LF or LF).
+inline std::vector<std::string> FileLines(const std::string& path) {
+    return TextLines(ReadBytes(path));
 }
 
 /// Imports the file at `path` in format `format` ("vamas", ...) as the Import menu does.

@@ -2,8 +2,8 @@
 // Building and inspecting little-endian byte strings by hand, independently of the
 // program's own binary stream.
 
+#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -20,27 +20,18 @@ struct LeBytes {
         bytes.append(s);
         return *this;
     }
-    LeBytes& I16(int v) {
-        const auto u = static_cast<std::uint16_t>(static_cast<std::int16_t>(v));
-        bytes.push_back(static_cast<char>(u & 0xFF));
-        bytes.push_back(static_cast<char>(u >> 8));
+    /// The lowest `width` bytes of `v`, lowest first.
+    LeBytes& Int(std::uint64_t v, int width) {
+        for (int k = 0; k < width; ++k) bytes.push_back(static_cast<char>((v >> (8 * k)) & 0xFF));
         return *this;
     }
-    LeBytes& I32(std::int32_t v) {
-        const auto u = static_cast<std::uint32_t>(v);
-        for (int k = 0; k < 4; ++k) bytes.push_back(static_cast<char>((u >> (8 * k)) & 0xFF));
-        return *this;
-    }
-    LeBytes& F32(float v) {
-        std::uint32_t u;
-        std::memcpy(&u, &v, 4);
-        return I32(static_cast<std::int32_t>(u));
-    }
+    LeBytes& I16(int v) { return Int(static_cast<std::uint64_t>(v), 2); }
+    LeBytes& I32(std::int32_t v) { return Int(static_cast<std::uint64_t>(v), 4); }
+    LeBytes& F32(float v) { return Int(std::bit_cast<std::uint32_t>(v), 4); }
+    LeBytes& F64(double v) { return Int(std::bit_cast<std::uint64_t>(v), 8); }
     /// A Text20: `s` padded with blanks.
     LeBytes& Text20(std::string_view s) {
-        std::string t(s.substr(0, 20));
-        t.resize(20, ' ');
-        return Raw(t);
+        return Raw((std::string(s) + std::string(20, ' ')).substr(0, 20));
     }
     /// Array header (1 dimension, count, lower bound 0) and the elements.
     LeBytes& Array(std::initializer_list<float> values) {
@@ -48,26 +39,23 @@ struct LeBytes {
         for (float v : values) F32(v);
         return *this;
     }
-    std::size_t size() const { return bytes.size(); }
 };
 
-inline std::int16_t I16At(const std::string& b, std::size_t at) {
-    return static_cast<std::int16_t>(static_cast<std::uint16_t>(
-        static_cast<unsigned char>(b.at(at)) | (static_cast<unsigned char>(b.at(at + 1)) << 8)));
-}
-
-inline std::int32_t I32At(const std::string& b, std::size_t at) {
-    std::uint32_t u = 0;
-    for (int k = 3; k >= 0; --k)
+/// The unsigned little-endian value of `width` bytes at `at`.
+inline std::uint64_t UIntAt(const std::string& b, std::size_t at, int width) {
+    std::uint64_t u = 0;
+    for (int k = width - 1; k >= 0; --k)
         u = (u << 8) | static_cast<unsigned char>(b.at(at + static_cast<std::size_t>(k)));
-    return static_cast<std::int32_t>(u);
+    return u;
 }
-
+inline std::int16_t I16At(const std::string& b, std::size_t at) {
+    return static_cast<std::int16_t>(UIntAt(b, at, 2));
+}
+inline std::int32_t I32At(const std::string& b, std::size_t at) {
+    return static_cast<std::int32_t>(UIntAt(b, at, 4));
+}
 inline float F32At(const std::string& b, std::size_t at) {
-    const auto u = static_cast<std::uint32_t>(I32At(b, at));
-    float f;
-    std::memcpy(&f, &u, 4);
-    return f;
+    return std::bit_cast<float>(static_cast<std::uint32_t>(UIntAt(b, at, 4)));
 }
 
 /// One expected value in a byte string: kind 'h' Int16, 'i' Int32, 'f' Single.
