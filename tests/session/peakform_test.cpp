@@ -29,6 +29,7 @@ protected:
         p.HeightPercent = AreaToHeightPercent(project, p);
         ComputeRegionEnvelope(project, QuietHost());
     }
+    Peak& peak() { return project.Peaks[0]; }
 
     Project project;
     PeakForm form;
@@ -38,10 +39,18 @@ protected:
 TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
     EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));  // a button without a peak
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_TRUE(form.visible);
+    EXPECT_EQ(form.caption, "Peak 0");
+    // Position in 0.01 eV steps from the background's low end: 284.567 shows as 284.57.
+    EXPECT_EQ(form.positionBar.max, 1000);
     EXPECT_EQ(form.positionBar.value, 457);
+    EXPECT_EQ(form.positionText, "284.57");
+    // A FWHM below the bar's 0.5 eV shows as 0.5.
     EXPECT_EQ(form.fwhmBar.value, 50);
+    EXPECT_EQ(form.fwhmText, "0.5");
     EXPECT_EQ(form.areaBar.value, 500);
     EXPECT_EQ(project.AreaScale, 0.5f);
+    EXPECT_TRUE(project.SavedPeaks[0] == peak());
     // Moves outside a bar's range are refused.
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 1));
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Area, 1000));
@@ -53,11 +62,47 @@ TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
 }
 
 TEST_F(PeakFormTest, ZeroAreaOpensWithAUnitBar) {
-    project.Peaks[0].Area = 0;
+    peak().Area = 0;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
     EXPECT_EQ(project.AreaScale, 1.0f);
     EXPECT_EQ(form.areaBar.value, 1);
     EXPECT_EQ(form.areaText, "1");
+}
+
+TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
+    struct Case {
+        std::string PeakForm::*box;
+        const char* typed;
+        float Peak::*field;
+        float stored;
+        const char* shown;  ///< the box afterwards
+    };
+    const Case cases[] = {
+        {&PeakForm::tailScaleText, "1.7", &Peak::TailScale, 1, "1"},
+        {&PeakForm::tailScaleText, "-2", &Peak::TailScale, 0, "0"},
+        {&PeakForm::tailLengthText, "0", &Peak::TailLength, 0.01f, "0.01"},
+        {&PeakForm::tailLengthText, "500", &Peak::TailLength, 200, "200"},
+        {&PeakForm::positionText, "285.123", &Peak::Position, 285.123f, "285.123"},  // no bar
+        {&PeakForm::fwhmText, "0.3", &Peak::FWHM, 0.3f, "0.3"},  // below the bar's range
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+        form.*c.box = c.typed;
+        ApplyPeakEditor(project, form);
+        EXPECT_EQ(peak().*c.field, c.stored);
+        EXPECT_EQ(form.*c.box, c.shown);
+    }
+    // %GL is limited to 0..100 the same way; an unknown type text leaves the type alone.
+    form.glText = "150";
+    form.peakType = "p";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(peak().PercentGL, 100);
+    EXPECT_EQ(form.glText, "100");
+    EXPECT_EQ(peak().PeakType, Subshell::P);
+    form.peakType = "q";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(peak().PeakType, Subshell::P);
 }
 
 TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
@@ -74,15 +119,26 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     form.areaText = "400";
     form.glText = "42.5";  // halves to even
     AcceptPeakEditor(project, host, form);
-    const Peak& p = project.Peaks[0];
+    EXPECT_FALSE(form.visible);
+    const Peak& p = peak();
     EXPECT_EQ(p.Area, 400.0f);
     EXPECT_EQ(p.PercentGL, 42);
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
-    form.glText = "150";
-    ApplyPeakEditor(project, form);
-    EXPECT_EQ(project.Peaks[0].PercentGL, 100);
-    EXPECT_EQ(form.glText, "100");
+}
+
+TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
+    const Peak opened = peak();
+    for (auto leave : {&CancelPeakEditor, &ClosePeakEditor}) {
+        ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+        form.areaText = "12345";
+        RedrawPeakEditor(project, host, form);
+        EXPECT_TRUE(form.visible);
+        EXPECT_EQ(peak().Area, 12345.0f);
+        leave(project, host, form);
+        EXPECT_FALSE(form.visible);
+        EXPECT_TRUE(peak() == opened);
+    }
 }
 
 }  // namespace

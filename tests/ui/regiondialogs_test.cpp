@@ -1,88 +1,60 @@
-// "Region Shift" and "Region Caption" opened from the region window's Parameters menu.
+// "Region Shift" and "Region Caption" from the Parameters menu, and what every dialog
+// does while a fit runs and when another region is chosen.
 #include "ui/regiondialogs.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-
+#include "ui/backgrounddialog.h"
+#include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
-#include "ui/plotwidget.h"
+#include "ui/peakeditor.h"
 
 namespace molvera::test {
 namespace {
 
-QStringList Labels(const QWidget& w) {
-    QStringList texts;
-    for (const QLabel* l : w.findChildren<QLabel*>()) texts << l->text();
-    return texts;
-}
-
-TEST_F(GuiTest, RegionShiftIsStoredWithoutRedrawing) {
+TEST_F(GuiTest, RegionShiftAndCaptionDialogsReachTheRegion) {
     main().RegionButton(2)->click();
     ImportSample();
     project().Regions[2].Shift = 0.25f;
-    ui::RegionShiftDialog& dialog = gui->regionShiftDialog();
     Menu("regionShiftAction");
-    ASSERT_TRUE(dialog.isVisible());
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Region Shift"));
-    EXPECT_EQ(Labels(dialog), (QStringList{"Shift", "eV"}));
-    auto* box = dialog.findChild<QLineEdit*>("shiftText");
-    auto* accept = dialog.findChild<QPushButton*>("acceptButton");
-    ASSERT_TRUE(box && accept);
-    EXPECT_EQ(accept->text(), QStringLiteral("Accept"));
-    EXPECT_EQ(box->text(), QStringLiteral("0.25"));
-
+    ui::RegionShiftDialog& shift = gui->regionShiftDialog();
+    ASSERT_TRUE(shift.isVisible());
+    EXPECT_EQ(Text(shift, "shiftText"), "0.25");
     const int redraws = gui->host().RedrawCount();
-    box->setText(QStringLiteral("0.35 eV"));
-    accept->click();
+    Type(shift, "shiftText", "0.35 eV");
+    Click(shift, "acceptButton");
     EXPECT_EQ(project().Regions[2].Shift, 0.35f);
-    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_FALSE(shift.isVisible());
     EXPECT_EQ(gui->host().RedrawCount(), redraws);
 
-    Menu("regionShiftAction");
-    box->setText(QStringLiteral("abc"));
-    accept->click();
-    EXPECT_EQ(project().Regions[2].Shift, 0.0f);
-    EXPECT_TRUE(sink.messages.empty());
-}
-
-TEST_F(GuiTest, LongRegionCaptionIsCutTo20AndRedrawn) {
-    main().RegionButton(1)->click();
-    ImportSample();
-    ui::RegionCaptionDialog& dialog = gui->regionCaptionDialog();
     Menu("regionCaptionAction");
-    ASSERT_TRUE(dialog.isVisible());
-    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Region Caption"));
-    auto* box = dialog.findChild<QLineEdit*>("captionText");
-    auto* ok = dialog.findChild<QPushButton*>("okButton");
-    ASSERT_TRUE(box && ok);
-    EXPECT_EQ(ok->text(), QStringLiteral("OK"));
-    EXPECT_EQ(box->text(), QString(20, QLatin1Char(' ')));  // an empty caption is 20 blanks
-
-    const int redraws = gui->host().RedrawCount();
-    box->setText(QStringLiteral("C 1s, sputtered 30 minutes"));
-    ok->click();
-    EXPECT_EQ(project().Regions[1].Caption.Str(), "C 1s, sputtered 30 m");
-    EXPECT_FALSE(dialog.isVisible());
+    ui::RegionCaptionDialog& caption = gui->regionCaptionDialog();
+    ASSERT_TRUE(caption.isVisible());
+    EXPECT_EQ(Text(caption, "captionText"), std::string(20, ' '));
+    Type(caption, "captionText", "C 1s, sputtered 30 minutes");
+    Click(caption, "okButton");
+    EXPECT_EQ(project().Regions[2].Caption.Str(), "C 1s, sputtered 30 m");
+    EXPECT_FALSE(caption.isVisible());
     EXPECT_EQ(gui->host().RedrawCount(), redraws + 1);
-
-    // A short caption is padded with blanks, and shown padded when reopened.
-    Menu("regionCaptionAction");
-    box->setText(QStringLiteral("Fe 2p"));
-    ok->click();
-    Menu("regionCaptionAction");
-    EXPECT_EQ(box->text(), QStringLiteral("Fe 2p               "));
 }
 
-TEST_F(GuiTest, RegionDialogsAreDisabledDuringAFit) {
+TEST_F(GuiTest, DialogsAreDisabledDuringAFitAndRegionDialogsCloseOnAnotherRegion) {
+    SampleWithPeaks(1);  // opens the peak editor
+    Menu("backgroundAction");
     Menu("regionShiftAction");
     Menu("regionCaptionAction");
+    Click(gui->peakEditor(), "areaConstraintsButton");
+    QWidget* dialogs[] = {&gui->backgroundDialog(), &gui->regionShiftDialog(),
+                          &gui->regionCaptionDialog(), &gui->constraintDialog(),
+                          &gui->peakEditor()};
+    for (QWidget* w : dialogs) ASSERT_TRUE(w->isVisible()) << w->objectName().toStdString();
     gui->host().FitStarted();
-    EXPECT_FALSE(gui->regionShiftDialog().isEnabled());
-    EXPECT_FALSE(gui->regionCaptionDialog().isEnabled());
+    for (QWidget* w : dialogs) EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
     gui->host().FitEnded();
-    EXPECT_TRUE(gui->regionShiftDialog().isEnabled());
-    EXPECT_TRUE(gui->regionCaptionDialog().isEnabled());
+    for (QWidget* w : dialogs) EXPECT_TRUE(w->isEnabled()) << w->objectName().toStdString();
+
+    main().RegionButton(4)->click();
+    EXPECT_FALSE(gui->backgroundDialog().isVisible());
+    EXPECT_FALSE(gui->constraintDialog().isVisible());
+    EXPECT_FALSE(gui->peakEditor().isVisible());
 }
 
 }  // namespace
