@@ -1,5 +1,6 @@
-// The region window's menu: the imports of the format table, exports, Add Peak, Delete
-// Region and Clear Parameters, the clipboard and printing.
+// The main window, the region window's menu (imports of the format table, exports,
+// Add Peak, Delete Region, Clear Parameters, clipboard, printing) and the region shift
+// and caption dialogs, on the running program.
 #include <filesystem>
 
 #include <QApplication>
@@ -11,10 +12,54 @@
 
 #include "base/messages.h"
 #include "fileio/formats.h"
+#include "ui/backgrounddialog.h"
+#include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
+#include "ui/optionswindow.h"
+#include "ui/peakeditor.h"
+#include "ui/regiondialogs.h"
 
 namespace molvera::test {
 namespace {
+
+TEST_F(GuiTest, StartUpReadsDefaultOptionsAndShowsBothWindows) {
+    EXPECT_TRUE(main().isVisible() && region().isVisible());
+    EXPECT_FALSE(gui->optionsWindow().isVisible());
+    for (int i = 0; i < 100; ++i) EXPECT_FALSE(main().PeakButton(i)->isEnabled()) << i;
+    EXPECT_GT(DefaultNewtonTrials(), 0);
+    EXPECT_EQ(project().Options.NewtonTrials, DefaultNewtonTrials());
+    // Without a default.opa the options stay zero, silently.
+    gui = std::make_unique<ui::Gui>(sink, chooser);
+    gui->Start((ScratchDir() / "default.opa").string());
+    EXPECT_EQ(project().Options, FitOptions{});
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(GuiTest, RegionButtonsSelectAndColourAndPeakButtonsFollow) {
+    auto colour = [&](int k) { return main().RegionButton(k)->palette().color(QPalette::Button); };
+    const QColor face = QApplication::palette(main().RegionButton(0)).color(QPalette::Button);
+    main().RegionButton(1)->click();
+    EXPECT_EQ(project().CurrentRegion, 1);
+    EXPECT_EQ(region().windowTitle(), "Region 2");
+    EXPECT_EQ(colour(1), QColor(255, 255, 192));
+    EXPECT_EQ(colour(0), face);
+    SampleWithPeaks(2);
+    EXPECT_EQ(main().PeakButton(11)->text(), "1");
+    EXPECT_TRUE(main().PeakButton(11)->isEnabled());
+    main().RegionButton(6)->click();
+    EXPECT_EQ(colour(1), QColor(192, 255, 192));  // has data
+    EXPECT_FALSE(main().PeakButton(11)->isEnabled());
+}
+
+// Save and Open are wired in the workflow test.
+TEST_F(GuiTest, OpenOfAWrongFileShowsTheMessageOnceWithItsDetail) {
+    chooser.paths = {DataFile("real/lg4x/C1s_sample.csv")};
+    Click(main(), "openProjectButton");
+    EXPECT_EQ(sink.messages, std::vector<std::string>{std::string(msg::kWrongFileFormat) +
+                                                      "\nC1s_sample.csv: no project header "
+                                                      "(\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
+                                                      "\"SF\")"});
+}
 
 TEST(QtFilter, DescriptionAndPatternPairsBecomeQtFilters) {
     EXPECT_EQ(ui::QtFilter("Data Files (*.dat) |*.dat|"), "Data Files (*.dat)");
@@ -120,6 +165,53 @@ TEST_F(GuiTest, ClipboardGetsThePictureAndCancellingThePrintDialogChangesNothing
     EXPECT_EQ(titles, QStringList{"Print with peak parameters"});
     EXPECT_TRUE(project().Regions[0] == before);
     EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(GuiTest, RegionShiftAndCaptionDialogsReachTheRegion) {
+    main().RegionButton(2)->click();
+    ImportSample();
+    project().Regions[2].Shift = 0.25f;
+    Menu("regionShiftAction");
+    ui::RegionShiftDialog& shift = gui->regionShiftDialog();
+    ASSERT_TRUE(shift.isVisible());
+    EXPECT_EQ(Text(shift, "shiftText"), "0.25");
+    const int redraws = gui->host().RedrawCount();
+    Type(shift, "shiftText", "0.35 eV");
+    Click(shift, "acceptButton");
+    EXPECT_EQ(project().Regions[2].Shift, 0.35f);
+    EXPECT_FALSE(shift.isVisible());
+    EXPECT_EQ(gui->host().RedrawCount(), redraws);
+
+    Menu("regionCaptionAction");
+    ui::RegionCaptionDialog& caption = gui->regionCaptionDialog();
+    ASSERT_TRUE(caption.isVisible());
+    EXPECT_EQ(Text(caption, "captionText"), std::string(20, ' '));
+    Type(caption, "captionText", "C 1s, sputtered 30 minutes");
+    Click(caption, "okButton");
+    EXPECT_EQ(project().Regions[2].Caption.Str(), "C 1s, sputtered 30 m");
+    EXPECT_FALSE(caption.isVisible());
+    EXPECT_EQ(gui->host().RedrawCount(), redraws + 1);
+}
+
+TEST_F(GuiTest, DialogsAreDisabledDuringAFitAndRegionDialogsCloseOnAnotherRegion) {
+    SampleWithPeaks(1);  // opens the peak editor
+    Menu("backgroundAction");
+    Menu("regionShiftAction");
+    Menu("regionCaptionAction");
+    Click(gui->peakEditor(), "areaConstraintsButton");
+    QWidget* dialogs[] = {&gui->backgroundDialog(), &gui->regionShiftDialog(),
+                          &gui->regionCaptionDialog(), &gui->constraintDialog(),
+                          &gui->peakEditor()};
+    for (QWidget* w : dialogs) ASSERT_TRUE(w->isVisible()) << w->objectName().toStdString();
+    gui->host().FitStarted();
+    for (QWidget* w : dialogs) EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
+    gui->host().FitEnded();
+    for (QWidget* w : dialogs) EXPECT_TRUE(w->isEnabled()) << w->objectName().toStdString();
+
+    main().RegionButton(4)->click();
+    EXPECT_FALSE(gui->backgroundDialog().isVisible());
+    EXPECT_FALSE(gui->constraintDialog().isVisible());
+    EXPECT_FALSE(gui->peakEditor().isVisible());
 }
 
 }  // namespace
