@@ -1,5 +1,7 @@
 #include "session/peakform.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "model/project.h"
@@ -22,10 +24,7 @@ protected:
         test::GiveSampleBackground(project, 1);
         ASSERT_EQ(AddPeak(project, QuietHost()), 0);
         Peak& p = project.Peaks[0];
-        p.Position = 284.567f;
-        p.FWHM = 0.3f;
-        p.Area = 250;
-        p.PercentGL = 30;
+        std::tie(p.Position, p.FWHM, p.Area, p.PercentGL) = std::tuple(284.567f, 0.3f, 250.0f, 30);
         p.HeightPercent = AreaToHeightPercent(project, p);
         ComputeRegionEnvelope(project, QuietHost());
     }
@@ -107,13 +106,8 @@ TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
 
 TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     ASSERT_EQ(AddPeak(project, QuietHost()), 1);
-    ParameterConstraint& tie = project.Constraints[1].Position;
-    tie.Linked = kTrue;
-    tie.RefPeak = 0;
-    tie.Operation = 0;
-    tie.Argument = 2;
-    project.Constraints[0].Position.IsReference = kTrue;
-    project.Constraints[0].Position.DependentPeak = 1;
+    project.Constraints[1].Position = {kTrue, 0, kFalse, 0, 0, 2, kFalse, 0, 0};  // 0 + 2 eV
+    project.Constraints[0].Position = {kFalse, 0, kTrue, 1, 0, 0, kFalse, 0, 0};
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
     form.positionText = "284";
     form.areaText = "400";
