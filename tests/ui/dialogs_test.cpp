@@ -105,8 +105,7 @@ TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrial
         });
         Click(dialog(), "tougaardB1SearchButton");
     }
-    EXPECT_GE(probes, 57);
-    EXPECT_TRUE(busyEverywhere);
+    EXPECT_TRUE(probes >= 57 && busyEverywhere);
     EXPECT_GT(shown.size(), 10u);  // the box showed the trial values as they ran
     EXPECT_EQ(Box("tougaardB1Text"), FormatGeneral(reg().BackgroundParameter));
     EXPECT_EQ(Box("areaText"), FormatGeneral(static_cast<float>(NetArea(reg()))));
@@ -223,26 +222,22 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     int ticks = 0;
     bool fittingShown = false, othersDisabled = false;
     QTimer timer;
-    timer.setInterval(0);
     QObject::connect(&timer, &QTimer::timeout, [&] {
         if (++ticks != 3) return;
         fittingShown = gui->fittingWindow().isVisible();
         othersDisabled = !main().isEnabled() && !region().CommandsEnabled();
         gui->fittingWindow().StopButton()->click();
     });
-    timer.start();
+    timer.start(0);
     const float before = project().TotalChiSquare;
     const int redrawsBefore = gui->host().RedrawCount();
     Menu("optimiseRegionAction");
     timer.stop();
 
     EXPECT_GE(ticks, 3);
-    EXPECT_TRUE(fittingShown);
-    EXPECT_TRUE(othersDisabled);
-    EXPECT_FALSE(gui->fittingWindow().isVisible());
-    EXPECT_TRUE(main().isEnabled());
-    EXPECT_TRUE(region().CommandsEnabled());
-    EXPECT_FALSE(project().StopRequested);
+    EXPECT_TRUE(fittingShown && othersDisabled);
+    EXPECT_TRUE(!gui->fittingWindow().isVisible() && main().isEnabled() &&
+                region().CommandsEnabled() && !project().StopRequested);
     // One redraw per finished trial: far fewer than the 200 asked for.
     EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 100);
     EXPECT_LT(project().TotalChiSquare, before);  // the steps made before Stop are kept
@@ -263,8 +258,7 @@ protected:
 };
 
 TEST_F(PeakEditorTest, AddPeakOpensTheEditorShowingItsForm) {
-    ASSERT_TRUE(editor().isVisible());
-    EXPECT_FALSE(editor().isModal());
+    ASSERT_TRUE(editor().isVisible() && !editor().isModal());
     EXPECT_EQ(editor().windowTitle(), QStringLiteral("Peak %1").arg(slot));
     EXPECT_EQ(region().Plot()->SelectedPeak(), slot);
     PeakForm form;
@@ -324,9 +318,7 @@ TEST_F(PeakEditorTest, CancelAndTheTitleBarXRestoreThePeakAsOpened) {
 
 TEST_F(PeakEditorTest, DeletePeakEmptiesTheSlotAndTheButton) {
     Click(editor(), "deletePeakButton");
-    EXPECT_FALSE(editor().isVisible());
-    EXPECT_FALSE(IsSet(peak().InUse));
-    EXPECT_FALSE(main().PeakButton(10)->isEnabled());
+    EXPECT_FALSE(editor().isVisible() || IsSet(peak().InUse) || main().PeakButton(10)->isEnabled());
     EXPECT_EQ(region().Plot()->SelectedPeak(), -1);
 }
 
