@@ -70,6 +70,8 @@ TEST(PlotRegion, TicksAndLabelsFromTheDataWithTheHighEnergyAtTheLeft) {
         PlotState state;
         DrawRegion(p, canvas, state);
         EXPECT_EQ(canvas.ops.front().kind, CanvasOp::Clear);
+        // A provisional scale, then two rescales from the measured text sizes.
+        EXPECT_EQ(canvas.Of(CanvasOp::Scale).size(), 3u);
         EXPECT_GT(canvas.Of(CanvasOp::Scale).back().x1, canvas.Of(CanvasOp::Scale).back().x2);
         EXPECT_EQ(TickLabels(canvas), c.labels);
         const std::vector<double> ticks = TickPositions(canvas);

@@ -80,12 +80,18 @@ TEST_F(BackgroundDialogTest, ControlsReachTheRegionAndTheAreaComesBack) {
                          r.BackgroundParameter),
               std::tuple(270.0f, 295.5f, Int16{5}, BackgroundKind::Tougaard, 2500.0f));
     EXPECT_EQ(Box("areaText"), FormatGeneral(static_cast<float>(NetArea(r))));
+    // Refusals correct their control, with a beep: averaging, type, low boundary.
     Type(dialog(), "shirleySlopeText", "0.5");
-    Choose("backgroundType", "Shirley");
-    Type(dialog(), "lowBEText", "100");  // refused: the box is corrected, with a beep
+    Choose("averagePoints", "4");
     Click(dialog(), "acceptButton");
-    EXPECT_EQ(Box("lowBEText"), FormatGeneral(reg().MinBE));
-    EXPECT_EQ(sink.beeps, 1);
+    Choose("backgroundType", "Shirly");
+    Click(dialog(), "acceptButton");
+    Type(dialog(), "lowBEText", "100");
+    Click(dialog(), "acceptButton");
+    EXPECT_EQ(std::tuple(Child<QComboBox>(dialog(), "averagePoints")->currentText().toStdString(),
+                         Child<QComboBox>(dialog(), "backgroundType")->currentText().toStdString(),
+                         Box("lowBEText"), sink.beeps),
+              std::tuple("None", "Shirley", FormatGeneral(reg().MinBE), 3));
     Click(dialog(), "acceptButton");
     EXPECT_EQ(r.BackgroundParameter, 0.5f);
     Click(dialog(), "closeButton");
@@ -174,6 +180,8 @@ TEST_F(OptionsTest, LevelBoxesReachTheirOwnOptionAndOkShowsARefusal) {
 }
 
 TEST_F(OptionsTest, MethodAndLineShapeButtonsActAtOnceAndStayExclusive) {
+    EXPECT_EQ(dialog().windowTitle(), "Option");
+    EXPECT_NE(Button("glProduct")->isChecked(), IsSet(project().Options.GLSum));
     Button("useSearch")->click();
     EXPECT_EQ(project().Options.Method, 0.0f);
     EXPECT_FALSE(Button("useNewton")->isChecked());
@@ -236,6 +244,8 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
 
     EXPECT_GE(ticks, 3);
     EXPECT_TRUE(fittingShown && othersDisabled);
+    EXPECT_EQ(gui->fittingWindow().windowTitle(), "Fitting");
+    EXPECT_EQ(gui->fittingWindow().StopButton()->text(), "Stop Fitting");
     EXPECT_TRUE(!gui->fittingWindow().isVisible() && main().isEnabled() &&
                 region().CommandsEnabled() && !project().StopRequested);
     // One redraw per finished trial: far fewer than the 200 asked for.
@@ -276,15 +286,21 @@ TEST_F(PeakEditorTest, AddPeakOpensTheEditorShowingItsForm) {
 }
 
 TEST_F(PeakEditorTest, ControlsReachThePeak) {
+    auto* type = Child<QComboBox>(editor(), "peakType");
     Type(editor(), "splittingText", "0.9");
-    Type(editor(), "tailScaleText", "0.4");
+    Type(editor(), "tailScaleText", "1.7");
     Type(editor(), "tailLengthText", "3");
-    Child<QComboBox>(editor(), "peakType")->setCurrentText(QStringLiteral("p"));
+    type->setCurrentText(QStringLiteral("p"));
     Click(editor(), "redrawButton");
     EXPECT_TRUE(editor().isVisible());
     const Peak& p = peak();
     EXPECT_EQ(std::tuple(p.Splitting, p.TailScale, p.TailLength, p.PeakType),
-              std::tuple(0.9f, 0.4f, 3.0f, Subshell::P));
+              std::tuple(0.9f, 1.0f, 3.0f, Subshell::P));
+    // What the editor corrects comes back: TS limited to 1, an unknown type as the peak's.
+    type->setEditText(QStringLiteral("q"));
+    Click(editor(), "redrawButton");
+    EXPECT_EQ(Text(editor(), "tailScaleText"), "1");
+    EXPECT_EQ(type->currentText(), QStringLiteral("p"));
     // A bar moved by the user rewrites its box; a Fix box sets its flag at once.
     auto* bar = Child<QScrollBar>(editor(), "fwhmBar");
     bar->setValue(bar->value() + 10);

@@ -114,7 +114,7 @@ TEST_F(GuiTest, AddPeakNeedsABackgroundAndBeepsAtTheEleventh) {
     EXPECT_EQ(project().Regions[0].PeakCount, 0);
     GiveBackground();
     for (int k = 0; k < 11; ++k) Menu("addPeakAction");
-    EXPECT_EQ(main().PeakButton(9)->text(), "9");
+    EXPECT_EQ(main().PeakButton(0)->text() + main().PeakButton(9)->text(), "09");
     EXPECT_EQ(project().Regions[0].PeakCount, 10);
     EXPECT_EQ(sink.beeps, 1);
 }
@@ -174,6 +174,7 @@ TEST_F(GuiTest, RegionShiftAndCaptionDialogsReachTheRegion) {
     Menu("regionShiftAction");
     ui::RegionShiftDialog& shift = gui->regionShiftDialog();
     ASSERT_TRUE(shift.isVisible());
+    EXPECT_EQ(shift.windowTitle(), "Region Shift");
     EXPECT_EQ(Text(shift, "shiftText"), "0.25");
     const int redraws = gui->host().RedrawCount();
     Type(shift, "shiftText", "0.35 eV");
@@ -185,6 +186,7 @@ TEST_F(GuiTest, RegionShiftAndCaptionDialogsReachTheRegion) {
     Menu("regionCaptionAction");
     ui::RegionCaptionDialog& caption = gui->regionCaptionDialog();
     ASSERT_TRUE(caption.isVisible());
+    EXPECT_EQ(caption.windowTitle(), "Region Caption");
     EXPECT_EQ(Text(caption, "captionText"), std::string(20, ' '));
     Type(caption, "captionText", "C 1s, sputtered 30 minutes");
     Click(caption, "okButton");
