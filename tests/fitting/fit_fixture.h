@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <tuple>
 #include <vector>
 
 #include "model/project.h"
@@ -26,26 +27,20 @@ inline void MakeSyntheticRegion(Project& project, int r, int n,
                                 const std::vector<KnownPeak>& peaks) {
     Region& region = project.Regions[r];
     ResizeRegionArrays(region, n);
-    region.HasData = kTrue;
-    region.HasBackground = kTrue;
+    region.HasData = region.HasBackground = kTrue;
     region.PeakCount = 0;
     region.ChiSquare = 0;
-    region.PointCount = static_cast<Int16>(n);
     region.RangeStart = 1;
-    region.RangeEnd = static_cast<Int16>(n);
-    region.RangeCount = static_cast<Int16>(n);
+    region.PointCount = region.RangeEnd = region.RangeCount = static_cast<Int16>(n);
     for (int j = 1; j <= n; ++j) {
         const double e = 296.0 - 0.05 * (j - 1);
         const double b = 500.0 + 300.0 / (1.0 + std::exp((285.0 - e) / 0.7));
         double y = b;
         for (const KnownPeak& k : peaks)
             y += PeakValue(false, e, k.position, k.area, k.fwhm, k.gl, 0, Subshell::S, 0, 0);
-        region.BindingEnergy[j] = static_cast<float>(e);
-        region.RawIntensity[j] = static_cast<float>(y);
-        region.RangeBE[j] = static_cast<float>(e);
-        region.RangeIntensity[j] = static_cast<float>(y);
-        region.BackgroundCurve[j] = static_cast<float>(b);
-        region.BackgroundWork[j] = static_cast<float>(b);
+        region.BindingEnergy[j] = region.RangeBE[j] = static_cast<float>(e);
+        region.RawIntensity[j] = region.RangeIntensity[j] = static_cast<float>(y);
+        region.BackgroundCurve[j] = region.BackgroundWork[j] = static_cast<float>(b);
     }
     region.MaxBE = region.BindingEnergy[1];
     region.MinBE = region.BindingEnergy[n];
@@ -63,10 +58,8 @@ inline int AddKnownPeak(Project& project, int r, int slot, const KnownPeak& k) {
     peak.InUse = kTrue;
     peak.Region = static_cast<Int16>(r);
     peak.PeakType = Subshell::S;
-    peak.Position = k.position;
-    peak.Area = k.area;
-    peak.FWHM = k.fwhm;
-    peak.PercentGL = k.gl;
+    std::tie(peak.Position, peak.Area, peak.FWHM, peak.PercentGL) =
+        std::tie(k.position, k.area, k.fwhm, k.gl);
     peak.FixPosition = peak.FixArea = peak.FixFWHM = 0;
     peak.FixGL = 1;
     peak.HeightPercent =
@@ -84,8 +77,7 @@ inline void Settle(Project& project) { RecomputeRegionsWithBackground(project, Q
 inline FitOptions TestOptions(float method, int trials) {
     FitOptions o;
     o.Method = method;
-    o.SearchTrials = static_cast<Int16>(trials);
-    o.NewtonTrials = static_cast<Int16>(trials);
+    o.SearchTrials = o.NewtonTrials = static_cast<Int16>(trials);
     o.Tolerance = 0;
     o.PositionSearch[0] = {kTrue, 1.0f, 0.1f};
     o.PositionSearch[1] = {kTrue, 0.1f, 0.01f};
@@ -93,9 +85,7 @@ inline FitOptions TestOptions(float method, int trials) {
     o.AreaSearch[1] = {kTrue, 1.0f, 0.1f};
     o.FWHMSearch[0] = {kTrue, 0.5f, 0.05f};
     o.FWHMSearch[1] = {kTrue, 0.05f, 0.005f};
-    o.PositionNewton[0] = {kTrue, 0.02f};
-    o.AreaNewton[0] = {kTrue, 0.02f};
-    o.FWHMNewton[0] = {kTrue, 0.02f};
+    o.PositionNewton[0] = o.AreaNewton[0] = o.FWHMNewton[0] = {kTrue, 0.02f};
     return o;
 }
 

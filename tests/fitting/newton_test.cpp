@@ -18,6 +18,9 @@ protected:
         project.Options = test::TestOptions(1, 5);
         test::Settle(project);
     }
+    static ParameterConstraint Limits(float low, float high) {
+        return {kFalse, 0, kFalse, 0, 0, 0, kTrue, low, high};
+    }
     Project project;
     test::WatchingHost host;
 };
@@ -42,10 +45,7 @@ TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
 }
 
 TEST_F(NewtonTest, HighLimitCapsTheStepExactly) {
-    auto& c = project.Constraints[0][PeakParameter::Position];
-    c.UseLimits = kTrue;
-    c.LowLimit = 284.0f;
-    c.HighLimit = 285.1f;
+    project.Constraints[0][PeakParameter::Position] = Limits(284.0f, 285.1f);
     bool improved = false;
     NewtonPosition(project, host, 0, 0.01f, improved);
     EXPECT_TRUE(improved);
@@ -77,9 +77,7 @@ TEST_F(NewtonTest, NoInfluenceMeansNoStep) {
 
 TEST_F(NewtonTest, EqualScoreCountsAsImproved) {
     // Limits pinning the area to its value: the step lands on x0 and scores the same.
-    auto& c = project.Constraints[0][PeakParameter::Area];
-    c.UseLimits = kTrue;
-    c.LowLimit = c.HighLimit = 1000.0f;
+    project.Constraints[0][PeakParameter::Area] = Limits(1000, 1000);
     bool improved = false;
     NewtonArea(project, host, 0, 10.0f, improved);
     EXPECT_TRUE(improved);
@@ -88,10 +86,7 @@ TEST_F(NewtonTest, EqualScoreCountsAsImproved) {
 
 TEST_F(NewtonTest, WorseStepIsUndoneAndProjectConsistent) {
     // A high limit far on the wrong side forces a step that scores worse.
-    auto& c = project.Constraints[0][PeakParameter::Position];
-    c.UseLimits = kTrue;
-    c.LowLimit = 280.0f;
-    c.HighLimit = 283.0f;
+    project.Constraints[0][PeakParameter::Position] = Limits(280, 283);
     const Region before = project.Regions[0];
     bool improved = true;
     NewtonPosition(project, host, 0, 0.01f, improved);

@@ -10,8 +10,7 @@
 namespace molvera {
 namespace {
 
-using test::KnownPeak;
-
+// One peak (area 1000, FWHM 1.2 eV, 30 %GL) at 285 eV in the data and in slot 0.
 class SearchTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -20,107 +19,91 @@ protected:
         test::AddKnownPeak(project, 0, 0, {285.0f, 1000, 1.2f, 30});
         project.Options = test::TestOptions(0, 1);
     }
-    /// Makes peak 0 a reference of peak 1 (same region) in group g: Region mode.
-    void FollowerInSameRegion(PeakParameter g) {
-        if (!IsSet(project.Peaks[1].InUse))
-            test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
-        project.Constraints[1][g].Linked = kTrue;
-        project.Constraints[1][g].RefPeak = 0;
+    /// Makes peak 0 a reference of peak 1 (same region) in group g: Region mode, in which
+    /// every trial value shows at the chi-square report; they are recorded in `seen`.
+    template <class T>
+    void WatchTrials(PeakParameter g, T Peak::*field, std::vector<T>& seen) {
+        test::AddKnownPeak(project, 0, 1, {290.0f, 10, 1.0f, 30});
         // Position +5 eV, area x0.01, FWHM x1, %GL +0: the follower stays out of the way.
         const Int16 ops[] = {0, 2, 2, 0};
         const float args[] = {5.0f, 0.01f, 1.0f, 0.0f};
-        project.Constraints[1][g].Operation = ops[static_cast<int>(g)];
-        project.Constraints[1][g].Argument = args[static_cast<int>(g)];
+        const int k = static_cast<int>(g);
+        project.Constraints[1][g] = {kTrue, 0, kFalse, 0, ops[k], args[k], kFalse, 0, 0};
         project.Constraints[0][g].IsReference = kTrue;
+        test::Settle(project);
+        host.onChi = [this, field, &seen] { seen.push_back(project.Peaks[0].*field); };
     }
     Project project;
     test::WatchingHost host;
 };
 
-TEST_F(SearchTest, GridOfALevelIncludesBothEndsAndSkipsZero) {
-    FollowerInSameRegion(PeakParameter::Position);
-    test::Settle(project);
+// Trials from x - range to x + range by step, both ends included and x itself left out,
+// then the finishing envelope with the best value; limits clamp the trials.
+TEST_F(SearchTest, GridOfALevelIncludesBothEndsSkipsZeroAndIsClampedByLimits) {
+    std::vector<float> seen;
+    WatchTrials(PeakParameter::Position, &Peak::Position, seen);
     project.Options.PositionSearch = {};
     project.Options.PositionSearch[0] = {kTrue, 1.0f, 0.25f};
     project.Options.PositionSearch[1] = {kTrue, 1.0f, 0.0f};   // step 0: skipped
     project.Options.PositionSearch[2] = {kFalse, 1.0f, 0.5f};  // not in use
-    std::vector<float> seen;
-    host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
     SearchPosition(project, host, 0);
-    // 8 trials, then the finishing envelope with the best value (285: nothing beats it).
-    const std::vector<float> expected{284.0f, 284.25f, 284.5f, 284.75f, 285.25f,
-                                      285.5f, 285.75f, 286.0f, 285.0f};
-    EXPECT_EQ(seen, expected);
-    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
-}
+    EXPECT_EQ(seen, (std::vector<float>{284.0f, 284.25f, 284.5f, 284.75f, 285.25f, 285.5f, 285.75f,
+                                        286.0f, 285.0f}));  // nothing beats 285
 
-TEST_F(SearchTest, LimitsClampTrialsAndFirstEqualScoreWins) {
-    FollowerInSameRegion(PeakParameter::Position);
-    project.Peaks[0].Position = 284.0f;  // true peak at 285, beyond the high limit
-    auto& c = project.Constraints[0][PeakParameter::Position];
-    c.UseLimits = kTrue;
-    c.LowLimit = 283.0f;
-    c.HighLimit = 284.5f;
+    // From 284 with the true peak beyond the high limit: the first of equal scores wins.
+    seen.clear();
+    project.Peaks[0].Position = 284.0f;
+    project.Constraints[0][PeakParameter::Position] = {kFalse, 0,     kTrue, 0,     0,
+                                                       0,      kTrue, 283,   284.5f};
     test::Settle(project);
-    project.Options.PositionSearch = {};
-    project.Options.PositionSearch[0] = {kTrue, 1.0f, 0.25f};
-    std::vector<float> seen;
-    host.onChi = [&] { seen.push_back(project.Peaks[0].Position); };
     SearchPosition(project, host, 0);
-    const std::vector<float> expected{283.0f, 283.25f, 283.5f, 283.75f, 284.25f,
-                                      284.5f, 284.5f,  284.5f, 284.5f};
-    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(seen, (std::vector<float>{283.0f, 283.25f, 283.5f, 283.75f, 284.25f, 284.5f, 284.5f,
+                                        284.5f, 284.5f}));
     EXPECT_EQ(project.Peaks[0].Position, 284.5f);
 }
 
 TEST_F(SearchTest, AreaIsSearchedThroughHeightBelow110) {
-    FollowerInSameRegion(PeakParameter::Area);
-    test::Settle(project);
+    std::vector<float> seen;
+    WatchTrials(PeakParameter::Area, &Peak::Area, seen);
     Peak& peak = project.Peaks[0];
     const float netScale = project.Current().NetScale;
+    const auto area = [&](double h) {
+        return HeightPercentToArea(false, netScale, h, 1.2f, 30, Subshell::S, 0, 0);
+    };
     peak.HeightPercent = 105;
-    peak.Area =
-        HeightPercentToArea(false, netScale, 105, peak.FWHM, peak.PercentGL, Subshell::S, 0, 0);
+    peak.Area = area(105);
     test::Settle(project);
+    seen.clear();
     project.Options.AreaSearch = {};
     project.Options.AreaSearch[0] = {kTrue, 10.0f, 1.0f};
-    std::vector<float> seen;
-    host.onChi = [&] { seen.push_back(project.Peaks[0].Area); };
-    const Peak start = peak;
     SearchArea(project, host, 0);
     std::vector<float> expected;
-    for (int h = 95; h <= 109; ++h) {
-        if (h != 105)
-            expected.push_back(HeightPercentToArea(false, netScale, h, start.FWHM, start.PercentGL,
-                                                   Subshell::S, 0, 0));
-    }
+    for (int h = 95; h <= 109; ++h)
+        if (h != 105) expected.push_back(area(h));
     seen.pop_back();  // the finishing envelope
     EXPECT_EQ(seen, expected);
     // The true height is 100: the best trial is the 95..109 value closest to it.
-    EXPECT_FLOAT_EQ(project.Peaks[0].HeightPercent,
-                    AreaToHeightPercent(false, netScale, project.Peaks[0].Area, start.FWHM, 30,
-                                        Subshell::S, 0, 0));
-    EXPECT_NEAR(project.Peaks[0].Area, 1000.0f, 1000 * 0.06);
-    EXPECT_LT(project.Peaks[0].Area, start.Area);
+    EXPECT_FLOAT_EQ(peak.HeightPercent,
+                    AreaToHeightPercent(false, netScale, peak.Area, 1.2f, 30, Subshell::S, 0, 0));
+    EXPECT_NEAR(peak.Area, 1000.0f, 1000 * 0.06);
+    EXPECT_LT(peak.Area, area(105));
 }
 
 TEST_F(SearchTest, GLCoarseThenFine) {
-    FollowerInSameRegion(PeakParameter::GL);
+    std::vector<Int16> seen;
     project.Peaks[0].PercentGL = 80;
-    test::Settle(project);
-    std::vector<int> seen;
-    host.onChi = [&] { seen.push_back(project.Peaks[0].PercentGL); };
+    WatchTrials(PeakParameter::GL, &Peak::PercentGL, seen);
     SearchGL(project, host, 0);
     // The data were made with 30 %: the coarse best is 30, then 21..39 without 30.
-    std::vector<int> expected{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
+    std::vector<Int16> expected{0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100};
     for (int d = -9; d <= 9; ++d)
-        if (d != 0) expected.push_back(30 + d);
+        if (d != 0) expected.push_back(static_cast<Int16>(30 + d));
     expected.push_back(30);
     EXPECT_EQ(seen, expected);
     EXPECT_EQ(project.Peaks[0].PercentGL, 30);
 }
 
-TEST_F(SearchTest, EqualScoresDoNotMoveThePeak) {
+TEST_F(SearchTest, EqualScoresDoNotMoveThePeakAndALinkedParameterIsNotSearched) {
     // A peak of area 0 changes nothing: every trial ties the baseline and must not win.
     project.Peaks[0].Area = 0;
     test::Settle(project);
@@ -128,13 +111,12 @@ TEST_F(SearchTest, EqualScoresDoNotMoveThePeak) {
     SearchFWHM(project, host, 0);
     EXPECT_EQ(project.Peaks[0].Position, 285.0f);
     EXPECT_EQ(project.Peaks[0].FWHM, 1.2f);
-}
 
-TEST_F(SearchTest, LinkedParameterIsNotSearchedAndDisplayUntouched) {
     test::AddKnownPeak(project, 0, 1, {287.0f, 300, 1.5f, 30});
     project.Constraints[0][PeakParameter::Position].Linked = kTrue;
     project.Constraints[0][PeakParameter::Position].RefPeak = 1;
     project.Peaks[0].Position = 284.0f;
+    project.Peaks[0].Area = 1000;
     test::Settle(project);
     test::RecordingHost quiet;
     SearchPosition(project, quiet, 0);
@@ -160,13 +142,10 @@ TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
     for (int k = 0; k <= 20; ++k) {
         const double d = -0.5 + k * static_cast<double>(0.05f);
         if (d == 0 || d > 0.5) continue;
-        probe.Peaks[0].Position = static_cast<float>(285.0 + d);
-        probe.Peaks[5].Position = probe.Peaks[0].Position;
+        probe.Peaks[0].Position = probe.Peaks[5].Position = static_cast<float>(285.0 + d);
         RecomputeRegionsWithBackground(probe, QuietHost());
-        if (probe.TotalChiSquare < bestTotal) {
-            bestTotal = probe.TotalChiSquare;
-            bestPos = probe.Peaks[0].Position;
-        }
+        if (probe.TotalChiSquare < bestTotal)
+            bestTotal = probe.TotalChiSquare, bestPos = probe.Peaks[0].Position;
     }
     SearchPosition(project, host, 0);
     EXPECT_EQ(project.Peaks[0].Position, bestPos);
@@ -175,8 +154,8 @@ TEST_F(SearchTest, AllRegionsModeScoresTrialsByTheTotal) {
     EXPECT_FLOAT_EQ(project.TotalChiSquare, bestTotal);
 }
 
-// A search level over a grid of a million trials (fine step, wide range, as an option
-// file can give) still lets Stop Fitting through.
+// Regression: a search level over a grid of a million trials (fine step, wide range, as
+// an option file can give) still lets Stop Fitting through.
 TEST(SearchStop, MillionTrialGridYieldsAndEndsOnStop) {
     Project project;
     test::MakeSyntheticRegion(project, 0, 40, {{294.5f, 1000, 1.3f, 30}});
@@ -185,7 +164,6 @@ TEST(SearchStop, MillionTrialGridYieldsAndEndsOnStop) {
     project.Options = test::TestOptions(0, 1);
     project.Options.PositionSearch[0] = {kTrue, 1000.0f, 0.0001f};  // 2e7 steps, capped
     const float start = project.TotalChiSquare;
-
     test::WatchingHost stopper;
     int yields = 0;
     stopper.onYield = [&] {

@@ -1,6 +1,7 @@
 #include "plot/printout.h"
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -31,16 +32,12 @@ const CanvasOp* FindText(const RecordingCanvas& c, const std::string& text) {
 TEST(Printout, PeakTableRowFormats) {
     Project p;
     Peak& peak = p.Peaks[3];
-    peak.Position = 284.5f;
-    peak.Area = 12345.6789f;
-    peak.FWHM = 1.2f;
-    peak.PercentGL = 30;
+    std::tie(peak.Position, peak.Area, peak.FWHM, peak.PercentGL) =
+        std::tuple(284.5f, 12345.6789f, 1.2f, Int16{30});
     EXPECT_EQ(PeakTableCells(p, 3),
               (std::array<std::string, 5>{"3", "284.500eV", "12345.679", "1.200eV", "30%"}));
-    peak.Position = 0.25f;
-    peak.Area = 0;
-    peak.FWHM = 0.0004f;
-    peak.PercentGL = 100;
+    std::tie(peak.Position, peak.Area, peak.FWHM, peak.PercentGL) =
+        std::tuple(0.25f, 0.0f, 0.0004f, Int16{100});
     EXPECT_EQ(PeakTableCells(p, 3),
               (std::array<std::string, 5>{"3", "0.250eV", "0.000", "0.000eV", "100%"}));
 }

@@ -1,6 +1,5 @@
 #include "plot/spectrumplot.h"
 
-#include <array>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -16,19 +15,17 @@ namespace molvera {
 namespace {
 
 using test::CanvasOp;
+using test::FillRegion;
 using test::RecordingCanvas;
 
-using test::FillRegion;
-
-// Tick label texts: the unemphasised texts other than the axis title.
+// Tick label texts (the unemphasised texts other than the axis title), and the
+// positions of the ticks (vertical black lines).
 std::vector<std::string> TickLabels(const RecordingCanvas& c) {
     std::vector<std::string> out;
     for (const auto& op : c.Of(CanvasOp::Text))
         if (!op.bold && op.text != "Binding Energy (eV)") out.push_back(op.text);
     return out;
 }
-
-// Vertical black lines: the ticks.
 std::vector<double> TickPositions(const RecordingCanvas& c) {
     std::vector<double> out;
     for (const auto& op : c.Of(CanvasOp::Line))
@@ -53,56 +50,37 @@ TEST(PlotTicks, StepAndFirstTick) {
         EXPECT_NEAR(FirstTick(min, step), first, 1e-9) << min << " " << step;
 }
 
-TEST(PlotRegion, Region280To300HasTicksEvery4eVWith300AtTheLeft) {
-    Project p;
-    FillRegion(p, 41, 300, 280, 100, 1100);
-    RecordingCanvas c;
-    PlotState state;
-    DrawRegion(p, c, state);
-
-    ASSERT_FALSE(c.ops.empty());
-    EXPECT_EQ(c.ops.front().kind, CanvasOp::Clear);
-    const auto scales = c.Of(CanvasOp::Scale);
-    ASSERT_EQ(scales.size(), 3u);  // provisional, then two rescales from measured text sizes
-    EXPECT_GT(scales[2].x1, scales[2].x2);  // high binding energy on the left
-    EXPECT_EQ(TickLabels(c),
-              (std::vector<std::string>{"280.0", "284.0", "288.0", "292.0", "296.0", "300.0"}));
-    EXPECT_EQ(TickPositions(c), (std::vector<double>{280, 284, 288, 292, 296, 300}));
-
-    // Caption first, bold.
-    const auto texts = c.Of(CanvasOp::Text);
-    EXPECT_TRUE(texts[0].bold);
-    EXPECT_EQ(texts[0].text, Text20::From("C 1s").Str());
-}
-
-TEST(PlotRegion, ThreeEvRegionHasTicksEvery06eV) {
-    Project p;
-    FillRegion(p, 31, 288, 285, 0, 50);
-    RecordingCanvas c;
-    PlotState state;
-    DrawRegion(p, c, state);
-    EXPECT_EQ(TickLabels(c),
-              (std::vector<std::string>{"285.0", "285.6", "286.2", "286.8", "287.4", "288.0"}));
-    const auto ticks = TickPositions(c);
-    ASSERT_EQ(ticks.size(), 6u);
-    for (std::size_t k = 1; k < ticks.size(); ++k) EXPECT_NEAR(ticks[k] - ticks[k - 1], 0.6, 1e-9);
-}
-
-TEST(PlotRedisplay, NothingWithoutDataSpectrumOnlyWithoutBackground) {
-    Project p;
-    RecordingCanvas empty;
-    PlotState state;
-    Redisplay(p, empty, state);
-    EXPECT_TRUE(empty.ops.empty());
-
-    FillRegion(p, 11, 290, 280, 0, 100);
-    p.Regions[0].PeakSumCurve.assign(12, 5.0f);  // present but not to be drawn
-    RecordingCanvas c;
-    Redisplay(p, c, state);
-    for (const auto& op : c.Of(CanvasOp::Line)) {
-        if (op.colour == kBlack) {
-            EXPECT_TRUE(op.x1 == op.x2 || op.y1 == op.y2) << "only axis and ticks";
-        }
+TEST(PlotRegion, TicksAndLabelsFromTheDataWithTheHighEnergyAtTheLeft) {
+    struct Case {
+        int n;
+        double high, low;
+        std::vector<std::string> labels;
+    };
+    // Below zero the data extents start their maximum at 0: ticks every 2 eV from the
+    // first above -10 up to the frame's edge.
+    const Case cases[] = {
+        {41, 300, 280, {"280.0", "284.0", "288.0", "292.0", "296.0", "300.0"}},
+        {31, 288, 285, {"285.0", "285.6", "286.2", "286.8", "287.4", "288.0"}},
+        {10, -2, -10, {"-8.0", "-6.0", "-4.0", "-2.0", "0.0"}},
+    };
+    for (const Case& c : cases) {
+        Project p;
+        FillRegion(p, c.n, c.high, c.low, 100, 1100);
+        RecordingCanvas canvas;
+        PlotState state;
+        DrawRegion(p, canvas, state);
+        EXPECT_EQ(canvas.ops.front().kind, CanvasOp::Clear);
+        // A provisional scale, then two rescales from the measured text sizes.
+        EXPECT_EQ(canvas.Of(CanvasOp::Scale).size(), 3u);
+        EXPECT_GT(canvas.Of(CanvasOp::Scale).back().x1, canvas.Of(CanvasOp::Scale).back().x2);
+        EXPECT_EQ(TickLabels(canvas), c.labels);
+        const std::vector<double> ticks = TickPositions(canvas);
+        ASSERT_EQ(ticks.size(), c.labels.size());
+        for (std::size_t k = 0; k < ticks.size(); ++k)
+            EXPECT_NEAR(ticks[k], std::stod(c.labels[k]), 1e-9) << c.labels[k];
+        // The caption first, bold.
+        EXPECT_TRUE(canvas.Of(CanvasOp::Text)[0].bold);
+        EXPECT_EQ(canvas.Of(CanvasOp::Text)[0].text, Text20::From("C 1s").Str());
     }
 }
 
@@ -120,10 +98,10 @@ Project FittedProject() {
     r.PeakCount = 2;
     r.PeakIndex[0] = 7;
     r.PeakIndex[1] = 3;
-    p.Peaks[7].InUse = kTrue;
-    p.Peaks[7].Curve.assign(6, 20.0f);
-    p.Peaks[3].InUse = kTrue;
-    p.Peaks[3].Curve.assign(6, 30.0f);
+    for (auto [slot, value] : {std::pair{7, 20.0f}, {3, 30.0f}}) {
+        p.Peaks[slot].InUse = kTrue;
+        p.Peaks[slot].Curve.assign(6, value);
+    }
     return p;
 }
 
@@ -133,7 +111,6 @@ TEST(PlotFit, CurvesInOrderSpectrumBackgroundPeaksEnvelopeHighlight) {
     PlotState state;
     Redisplay(p, c, state);
     DrawSelectedPeak(p, 3, c);
-
     // Collapse the curve segments into (colour, width, y) runs in drawing order.
     struct Run {
         Rgb colour;
@@ -164,14 +141,25 @@ TEST(PlotFit, CurvesInOrderSpectrumBackgroundPeaksEnvelopeHighlight) {
     }
 }
 
-TEST(PlotFit, NoPeaksMeansBackgroundOnlyAndForeignPeakIsNotHighlighted) {
+TEST(PlotFit, NothingWithoutDataNoFitWithoutBackgroundNoPeaksNoPeakCurves) {
     Project p = FittedProject();
+    p.Regions[0].HasData = kFalse;
+    RecordingCanvas empty;
+    PlotState state;
+    Redisplay(p, empty, state);
+    EXPECT_TRUE(empty.ops.empty());
+    p.Regions[0].HasData = kTrue;
+    p.Regions[0].HasBackground = kFalse;
+    RecordingCanvas spectrum, region;
+    Redisplay(p, spectrum, state);
+    DrawRegion(p, region, state);
+    EXPECT_EQ(spectrum.ops.size(), region.ops.size());
+
     p.Regions[0].PeakCount = 0;
     RecordingCanvas c;
     DrawFit(p, c);
     ASSERT_EQ(c.Of(CanvasOp::Line).size(), 4u);
-    for (const auto& op : c.ops) EXPECT_EQ(op.y2, 10);
-
+    for (const auto& op : c.ops) EXPECT_EQ(op.y2, 10);  // the background alone
     RecordingCanvas h;
     DrawSelectedPeak(p, 3, h);  // slot 3 is no longer a peak of the region
     DrawSelectedPeak(p, -1, h);
@@ -186,78 +174,55 @@ TEST(PlotReadout, ErasesWith25BlanksThenPrintsInPlace) {
     ShowReadout(c, state, 290, -3);
     const auto texts = c.Of(CanvasOp::Text);
     ASSERT_EQ(texts.size(), 4u);
-    for (const auto& t : texts) {
-        EXPECT_TRUE(t.opaque);
-        EXPECT_EQ(t.x1, 280.25);
-        EXPECT_EQ(t.y1, 1500);
+    const std::string shown[] = {std::string(25, ' '), "X: 285.5 / Y: 1234 ", std::string(25, ' '),
+                                 "X: 290 / Y:-3 "};
+    for (int k = 0; k < 4; ++k) {
+        EXPECT_EQ(texts[k].text, shown[k]);
+        EXPECT_TRUE(texts[k].opaque);
+        EXPECT_EQ(texts[k].x1, 280.25);
+        EXPECT_EQ(texts[k].y1, 1500);
     }
-    EXPECT_EQ(texts[0].text, std::string(25, ' '));
-    EXPECT_EQ(texts[1].text, "X: 285.5 / Y: 1234 ");
-    EXPECT_EQ(texts[2].text, std::string(25, ' '));
-    EXPECT_EQ(texts[3].text, "X: 290 / Y:-3 ");
 }
 
-// Degenerate data: drawing must end, keep a usable scale and never produce an endless tick run.
-void ExpectSaneDraw(Project& p, const char* what) {
-    UpdateDataExtents(p.Regions[0]);
-    RecordingCanvas c;
-    PlotState state;
-    Redisplay(p, c, state);
-    ShowReadout(c, state, 1, 1);
-    EXPECT_LT(c.ops.size(), 5000u) << what;
-    const auto scales = c.Of(CanvasOp::Scale);
-    ASSERT_FALSE(scales.empty()) << what;
-    const auto& s = scales.back();
-    EXPECT_TRUE(std::isfinite(s.x1) && std::isfinite(s.x2) && s.x1 > s.x2) << what;
-    EXPECT_TRUE(std::isfinite(s.y1) && std::isfinite(s.y2) && s.y1 > s.y2) << what;
-    EXPECT_LE(TickLabels(c).size(), 60u) << what;
-}
-
+// Degenerate data: drawing ends, keeps a usable scale and never produces an endless
+// tick run; every line drawn is finite.
 TEST(PlotDegenerate, FlatOrEmptySpansAndBadValuesDrawAndEnd) {
     Project p;
+    auto expectSane = [&](const char* what) -> RecordingCanvas {
+        RecordingCanvas c;
+        PlotState state;
+        Redisplay(p, c, state);
+        ShowReadout(c, state, 1, 1);
+        EXPECT_LT(c.ops.size(), 5000u) << what;
+        const auto scales = c.Of(CanvasOp::Scale);
+        if (scales.empty()) ADD_FAILURE() << what;
+        const CanvasOp s = scales.empty() ? CanvasOp{} : scales.back();
+        EXPECT_TRUE(std::isfinite(s.x1) && std::isfinite(s.x2) && s.x1 > s.x2) << what;
+        EXPECT_TRUE(std::isfinite(s.y1) && std::isfinite(s.y2) && s.y1 > s.y2) << what;
+        EXPECT_LE(TickLabels(c).size(), 60u) << what;
+        for (const auto& op : c.Of(CanvasOp::Line))
+            EXPECT_TRUE(std::isfinite(op.x1 + op.y1 + op.x2 + op.y2)) << what;
+        return c;
+    };
     FillRegion(p, 10, 285, 285, 0, 100);
-    ExpectSaneDraw(p, "all energies equal");
+    expectSane("all energies equal");
     EXPECT_NEAR(RegionExtents(p.Regions[0]).dBE, 1, 1e-12);
-
     FillRegion(p, 1, 285, 285, 7, 7);
-    ExpectSaneDraw(p, "one point");
-    RecordingCanvas one;
-    PlotState s;
-    DrawRegion(p, one, s);
-    EXPECT_EQ(one.Of(CanvasOp::Point).size(), 1u);  // a lone point is still shown
-
-    // Below zero the data extents start their maximum at 0: ticks every 2 eV from the
-    // first above -10 up to the frame's edge.
-    FillRegion(p, 10, -2, -10, 0, 100);
-    ExpectSaneDraw(p, "energies below zero");
-    RecordingCanvas below;
-    DrawRegion(p, below, s);
-    EXPECT_EQ(TickLabels(below), (std::vector<std::string>{"-8.0", "-6.0", "-4.0", "-2.0", "0.0"}));
-
+    EXPECT_EQ(expectSane("one point").Of(CanvasOp::Point).size(), 1u);  // still shown
     FillRegion(p, 10, 1e30, 1e30 - 1e24, 0, 1e30);
-    ExpectSaneDraw(p, "huge values");
-
+    expectSane("huge values");
     FillRegion(p, 10, 290, 280, 0, 100);
     p.Regions[0].RawIntensity[4] = std::numeric_limits<float>::quiet_NaN();
     p.Regions[0].BindingEnergy[6] = std::numeric_limits<float>::infinity();
     p.Regions[0].MaxBE = std::numeric_limits<float>::quiet_NaN();
-    {
-        RecordingCanvas c;
-        PlotState s;
-        Redisplay(p, c, s);
-        for (const auto& op : c.Of(CanvasOp::Line))
-            EXPECT_TRUE(std::isfinite(op.x1) && std::isfinite(op.y1) && std::isfinite(op.x2) &&
-                        std::isfinite(op.y2));
-        EXPECT_LE(TickLabels(c).size(), 60u);
-    }
-
+    expectSane("a NaN and an infinity");
     FillRegion(p, 10, 290, 280, 0, 100);
     p.Regions[0].PointCount = 5000;  // more than the arrays hold
     p.Regions[0].HasBackground = kTrue;
     p.Regions[0].RangeCount = 300;
     p.Regions[0].PeakCount = 10;
     p.Regions[0].PeakIndex.fill(-4);
-    ExpectSaneDraw(p, "counts beyond the arrays");
+    expectSane("counts beyond the arrays");
 }
 
 }  // namespace

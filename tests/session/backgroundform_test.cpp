@@ -1,9 +1,11 @@
 #include "session/backgroundform.h"
 
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
+#include "base/numtext.h"
 #include "model/project.h"
 #include "spectral/background.h"
 #include "spectral/lineshape.h"
@@ -42,75 +44,96 @@ protected:
     BackgroundForm form;
 };
 
-TEST_F(BackgroundFormTest, BoundariesAreCheckedOneAtATimeThenAccepted) {
-    form.lowBEText = "279.5";
-    form.highBEText = "291";
-    ExpectRefused();
-    EXPECT_EQ(form.lowBEText, "280");
-    EXPECT_EQ(form.highBEText, "291");  // step 2 not reached yet
-    ExpectRefused();
-    EXPECT_EQ(form.highBEText, "290");
-
-    test::RecordingHost host;
-    EXPECT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(host.beeps, 0);
-    EXPECT_EQ(host.regionWindowShows, 1);
-    const Region& r = project.Regions[2];
-    EXPECT_TRUE(IsSet(r.HasBackground));
-    EXPECT_EQ(r.BackgroundLowBE, 280.0f);
-    EXPECT_EQ(r.BackgroundHighBE, 290.0f);
-    EXPECT_EQ(r.EndPointAverage, 1);
-    EXPECT_EQ(r.BackgroundType, BackgroundKind::Shirley);
-    EXPECT_EQ(r.RangeCount, 11);
-    EXPECT_FALSE(IsSet(project.KeepAreas));
+TEST_F(BackgroundFormTest, OpensOnTheDataExtent) {
+    EXPECT_TRUE(form.visible);
+    EXPECT_EQ(form.caption, "Region 2");
+    EXPECT_EQ(std::tuple(form.lowBEText, form.highBEText, form.averagePoints, form.backgroundType,
+                         form.areaText),
+              std::tuple("280", "290", "None", "Shirley", "-----"));
 }
 
-TEST_F(BackgroundFormTest, EqualCrossedOrTooCloseBoundariesResetBothBoxes) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"285", "285"},      // Low = High
-        {"288", "282"},      // Low above High
-        {"284.9", "285.2"},  // one range point: m = round(0.3 + 1) = 1
+// Each refusal corrects one thing, in this order: low boundary, high boundary, both
+// boundaries when crossed or closer than two points, averaging, then (after an empty
+// slope box is written as 0) the type.
+TEST_F(BackgroundFormTest, RefusalsCorrectTheirBoxAndStoreNothing) {
+    struct Case {
+        const char *low, *high, *average, *type;
+        const char *lowAfter, *highAfter, *averageAfter, *typeAfter, *slopeAfter = "";
     };
-    for (const auto& [low, high] : cases) {
-        form.lowBEText = low;
-        form.highBEText = high;
+    const Case cases[] = {
+        {"279.5", "291", "None", "Shirley", "280", "291", "None", "Shirley"},
+        {"280", "291", "None", "Shirley", "280", "290", "None", "Shirley"},
+        {"285", "285", "None", "Shirley", "280", "290", "None", "Shirley"},
+        {"288", "282", "None", "Shirley", "280", "290", "None", "Shirley"},
+        {"284.9", "285.2", "None", "Shirley", "280", "290", "None", "Shirley"},  // m = 1
+        {"280", "290", "4", "Foo", "280", "290", "None", "Foo"},
+        {"280", "290", "3", "Shirly", "280", "290", "3", "Shirley", "0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.low) + " " + c.high + " " + c.average + " " + c.type);
+        form.lowBEText = c.low;
+        form.highBEText = c.high;
+        form.averagePoints = c.average;
+        form.backgroundType = c.type;
+        form.shirleySlopeText = "";
         ExpectRefused();
-        EXPECT_EQ(form.lowBEText, "280") << low;
-        EXPECT_EQ(form.highBEText, "290") << high;
+        EXPECT_EQ(form.lowBEText, c.lowAfter);
+        EXPECT_EQ(form.highBEText, c.highAfter);
+        EXPECT_EQ(form.averagePoints, c.averageAfter);
+        EXPECT_EQ(form.backgroundType, c.typeAfter);
+        EXPECT_EQ(form.shirleySlopeText, c.slopeAfter);
     }
     // Two points are enough: m = round(0.6 + 1) = 2.
     form.lowBEText = "284.8";
     form.highBEText = "285.4";
     test::RecordingHost host;
     EXPECT_TRUE(AcceptBackground(project, host, form));
+    EXPECT_EQ(host.regionWindowShows, 1);
     EXPECT_EQ(project.Regions[2].RangeCount, 2);
+    EXPECT_EQ(project.Regions[2].EndPointAverage, 3);
+    EXPECT_FALSE(IsSet(project.KeepAreas));
 }
 
-TEST_F(BackgroundFormTest, UnknownAveragingIsRefusedBeforeTheSlopeIsCorrected) {
-    form.averagePoints = "4";
-    form.backgroundType = "Foo";
-    form.shirleySlopeText = "";
-    ExpectRefused();
-    EXPECT_EQ(form.averagePoints, "None");
-    EXPECT_EQ(form.backgroundType, "Foo");
-    EXPECT_EQ(form.shirleySlopeText, "");
-}
-
-TEST_F(BackgroundFormTest, EmptySlopeGivesPureShirleyAndLinearKeepsTheParameter) {
-    form.shirleySlopeText = "";
-    test::RecordingHost host;
-    ASSERT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(form.shirleySlopeText, "0");
-    const Region& r = project.Regions[2];
-    // A pure Shirley ends at the low-energy end average.
-    EXPECT_FLOAT_EQ(r.BackgroundCurve[r.RangeCount], r.EndAverage);
-    EXPECT_EQ(r.BackgroundParameter, 0.0f);
-    form.backgroundType = "Linear";
-    form.shirleySlopeText = "4";
-    project.Regions[2].BackgroundParameter = 7.5f;
-    ASSERT_TRUE(AcceptBackground(project, host, form));
-    EXPECT_EQ(r.BackgroundType, BackgroundKind::Linear);
-    EXPECT_EQ(r.BackgroundParameter, 7.5f);
+// Accepted settings are stored, and shown when the dialog opens again.
+TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
+    struct Case {
+        const char *type, *average, *slope, *b1;
+        BackgroundKind kind;
+        float parameter;
+        const char *slopeAfter, *b1After, *reopened;  ///< reopened: B1 | slope shown
+    };
+    const Case cases[] = {
+        {"Shirley", "None", "", "3000", BackgroundKind::Shirley, 0, "0", "3000", "3000|0"},
+        {"Shirley", "7", "0.5", "1", BackgroundKind::Shirley, 0.5f, "0.5", "1", "3000|0.5"},
+        {"Tougaard", "None", "", "0", BackgroundKind::Tougaard, 3000, "0", "3000", "3000|"},
+        {"Tougaard", "5", "2", "abc", BackgroundKind::Tougaard, 3000, "2", "3000", "3000|"},
+        {"Tougaard", "3", "2", "2500", BackgroundKind::Tougaard, 2500, "2", "2500", "2500|"},
+        {"Linear", "9", "4", "3000", BackgroundKind::Linear, 7.5f, "4", "3000", "3000|"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.type) + " " + c.slope + " " + c.b1);
+        project.Regions[2].BackgroundParameter = 7.5f;
+        form.backgroundType = c.type;
+        form.averagePoints = c.average;
+        form.shirleySlopeText = c.slope;
+        form.tougaardB1Text = c.b1;
+        ASSERT_TRUE(AcceptBackground(project, QuietHost(), form));
+        const Region& r = project.Regions[2];
+        EXPECT_TRUE(IsSet(r.HasBackground));
+        EXPECT_EQ(r.BackgroundType, c.kind);
+        EXPECT_EQ(r.BackgroundParameter, c.parameter);
+        EXPECT_EQ(form.shirleySlopeText, c.slopeAfter);
+        EXPECT_EQ(form.tougaardB1Text, c.b1After);
+        EXPECT_EQ(r.BackgroundLowBE, 280.0f);
+        EXPECT_EQ(r.BackgroundHighBE, 290.0f);
+        EXPECT_EQ(r.RangeCount, 11);
+        EXPECT_EQ(form.areaText, FormatGeneral(static_cast<float>(NetArea(r))));
+        BackgroundForm again;
+        ShowBackgroundDialog(project, again);
+        EXPECT_EQ(std::tuple(again.backgroundType, again.averagePoints,
+                             again.tougaardB1Text + "|" + again.shirleySlopeText),
+                  std::tuple(c.type, c.average, c.reopened));
+    }
 }
 
 TEST_F(BackgroundFormTest, PeaksKeepTheirAreasWhenTheBackgroundChanges) {

@@ -15,17 +15,22 @@
 namespace molvera {
 namespace {
 
-// Records the dialog's boxes at every yield, that is once per trial of either search.
+// Records the dialog's boxes at every yield, that is once per trial of either search,
+// and the busy state.
 struct TrialHost : test::RecordingHost {
     const BackgroundForm* form = nullptr;
     const Project* project = nullptr;
     std::vector<std::string> slopes, b1s;
     std::vector<float> parameters;
+    int busy = 0, busyYields = 0;
+    void BeginBusy() override { ++busy; }
+    void EndBusy() override { --busy; }
     void Yield() override {
         RecordingHost::Yield();
         slopes.push_back(form->shirleySlopeText);
         b1s.push_back(form->tougaardB1Text);
         parameters.push_back(project->Regions[0].BackgroundParameter);
+        busyYields += busy == 1 && !IsSet(project->Idle);
     }
 };
 
@@ -170,21 +175,28 @@ TEST_F(BackgroundOptimiseTest, SlopeSearchOnlyForShirleyAndOnlyOnTenPointsOrMore
     }
 }
 
-TEST_F(BackgroundOptimiseTest, TougaardSearchMakes57TrialsAndMovesAtMostByTheStageFactors) {
-    Region& reg = Accepted(RisingTailAndPeak(40), "Tougaard", "", "3000");
+TEST_F(BackgroundOptimiseTest, TougaardButtonMakes57BusyTrialsMovingAtMostByTheStageFactors) {
+    Region& reg = Accepted(RisingTailAndPeak(40), "Shirley", "0");
+    OptimiseTougaardBackground(project, host, form);  // only for "Tougaard": a beep
+    EXPECT_EQ(host.beeps, 1);
+    EXPECT_EQ(reg.BackgroundType, BackgroundKind::Shirley);
     ASSERT_GT(BestB1ByHand(reg), 3000 * 1.9 * 1.09 * 1.009 * 1.1);
-    OptimiseTougaardB1(project, host, form);
+    form.backgroundType = "Tougaard";
+    OptimiseTougaardBackground(project, host, form);
     EXPECT_EQ(host.yields, 57);
+    EXPECT_EQ(host.busyYields, 57);
     for (const std::string& b : host.b1s) {
         EXPECT_GE(LeadingNumber(b), 3000 * 0.1 * 0.999);
         EXPECT_LE(LeadingNumber(b), 3000 * 1.9 * 1.09 * 1.009 * 1.0001);
     }
     EXPECT_NEAR(reg.BackgroundParameter, 3000 * 1.9 * 1.09 * 1.009, 0.01);
     EXPECT_EQ(form.tougaardB1Text, FormatGeneral(reg.BackgroundParameter));
+    EXPECT_EQ(form.areaText, FormatGeneral(static_cast<float>(NetArea(reg))));
     Region check = reg;
     ComputeTougaard(check);
     EXPECT_EQ(check.BackgroundCurve, reg.BackgroundCurve);
-    EXPECT_GE(host.redraws, 1);
+    EXPECT_EQ(host.busy, 0);
+    EXPECT_TRUE(IsSet(project.Idle));
 }
 
 TEST_F(BackgroundOptimiseTest, TougaardSearchFindsTheBestB1OverTheFirstTenPoints) {

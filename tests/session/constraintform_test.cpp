@@ -4,32 +4,34 @@
 
 #include "base/messages.h"
 #include "model/project.h"
-#include "support/recording_host.h"
 
 namespace molvera {
 namespace {
 
+// Peaks 0..4 in use (4 in region 2); region 0 spans 280..300 eV; peak 1 is current.
 class ConstraintFormTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        test::RecordingHost host;
-        ClearProject(project, host);
+        ClearProject(project, QuietHost());
         for (int s : {0, 1, 2, 3, 4}) project.Peaks[s].InUse = kTrue;
         project.Peaks[4].Region = 2;
         project.Regions[0].MaxBE = 300;
         project.Regions[0].MinBE = 280;
         project.CurrentPeak = 1;
     }
-    /// Opens the dialog on `kind` for peak p and links it to `ref` by op/arg.
+    /// Opens the dialog on `kind` for peak p and links it to `ref` by op/arg, with limits
+    /// when `low` is given.
     Status Link(int p, PeakParameter kind, const std::string& ref, const std::string& op = "+",
-                const std::string& arg = "1") {
+                const std::string& arg = "1", const char* low = nullptr, const char* high = "") {
         project.CurrentPeak = static_cast<Int16>(p);
         OpenConstraint(project, form, kind);
         form.useRelation = true;
         form.referencePeakText = ref;
         form.operation = op;
         form.argumentText = arg;
-        form.useLimits = false;
+        form.useLimits = low != nullptr;
+        form.lowLimitText = low ? low : "";
+        form.highLimitText = high;
         return AcceptConstraint(project, form);
     }
     Project project;
@@ -60,15 +62,10 @@ TEST_F(ConstraintFormTest, CircularReferences) {
     ASSERT_TRUE(Link(2, PeakParameter::FWHM, "0").ok());  // 2 -> 0 -> 1
     EXPECT_EQ(Link(1, PeakParameter::FWHM, "2").message(), msg::kCircularReference);
     EXPECT_FALSE(IsSet(project.Constraints[1].FWHM.Linked));
-    // Another group is independent.
-    EXPECT_TRUE(Link(1, PeakParameter::GL, "0").ok());
-}
-
-TEST_F(ConstraintFormTest, LoopFromAFileNotThroughThePeakEnds) {
-    auto& c3 = project.Constraints[3].Position;
-    auto& c2 = project.Constraints[2].Position;
-    c3 = {kTrue, 2, kTrue, 2, 0, 0, kFalse, 0, 0};
-    c2 = {kTrue, 3, kTrue, 3, 0, 0, kFalse, 0, 0};
+    EXPECT_TRUE(Link(1, PeakParameter::GL, "0").ok());  // another group is independent
+    // A loop from a file that does not pass through the peak ends.
+    project.Constraints[3].Position = {kTrue, 2, kTrue, 2, 0, 0, kFalse, 0, 0};
+    project.Constraints[2].Position = {kTrue, 3, kTrue, 3, 0, 0, kFalse, 0, 0};
     EXPECT_FALSE(IsCircularPosition(project, 1, 3));
     EXPECT_TRUE(Link(1, PeakParameter::Position, "3").ok());
     project.Constraints[2].Area = {kTrue, 300, kFalse, 0, 0, 0, kFalse, 0, 0};
@@ -95,32 +92,21 @@ TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
 TEST_F(ConstraintFormTest, UncheckingRecountsTheReference) {
     ASSERT_TRUE(Link(1, PeakParameter::Position, "0").ok());
     ASSERT_TRUE(Link(3, PeakParameter::Position, "0").ok());
-    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 3);
-    project.CurrentPeak = 3;
-    OpenPositionConstraint(project, form);
-    form.useRelation = false;
-    ASSERT_TRUE(AcceptConstraint(project, form).ok());
-    EXPECT_TRUE(IsSet(project.Constraints[0].Position.IsReference));
-    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);
-    project.CurrentPeak = 1;
-    OpenPositionConstraint(project, form);
-    form.useRelation = false;
-    ASSERT_TRUE(AcceptConstraint(project, form).ok());
-    EXPECT_FALSE(IsSet(project.Constraints[0].Position.IsReference));
-    EXPECT_EQ(project.Constraints[0].Position.DependentPeak, 1);  // left as it was
+    const ParameterConstraint& ref = project.Constraints[0].Position;
+    EXPECT_EQ(ref.DependentPeak, 3);
+    for (int p : {3, 1}) {
+        project.CurrentPeak = static_cast<Int16>(p);
+        OpenPositionConstraint(project, form);
+        form.useRelation = false;
+        ASSERT_TRUE(AcceptConstraint(project, form).ok());
+        EXPECT_EQ(IsSet(ref.IsReference), p == 3);  // 1 still refers to 0, then nobody
+        EXPECT_EQ(ref.DependentPeak, 1);            // the last one left, then left as it was
+    }
 }
 
 TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
-    auto limits = [&](PeakParameter kind, const char* low, const char* high) {
-        OpenConstraint(project, form, kind);
-        form.useRelation = true;
-        form.referencePeakText = "0";
-        form.operation = "+";
-        form.argumentText = "1";
-        form.useLimits = true;
-        form.lowLimitText = low;
-        form.highLimitText = high;
-        return AcceptConstraint(project, form).message();
+    const auto limits = [&](PeakParameter kind, const char* low, const char* high) {
+        return Link(1, kind, "0", "+", "1", low, high).message();
     };
     EXPECT_EQ(limits(PeakParameter::Position, "301", "299"), msg::kRangeInvalid);
     EXPECT_EQ(limits(PeakParameter::Position, "285", "300.002"), msg::kHighBEOutOfRange);
@@ -137,11 +123,7 @@ TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
 
 TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
     auto& pos = project.Constraints[1].Position;
-    pos.HighLimit = 0;
-    pos.LowLimit = 290;
-    pos.Operation = 3;
-    pos.Argument = 2.5f;
-    pos.RefPeak = 4;
+    pos = {kFalse, 4, kFalse, 0, 3, 2.5f, kFalse, 290, 0};
     OpenPositionConstraint(project, form);
     EXPECT_EQ(pos.HighLimit, 300.0f);
     EXPECT_EQ(pos.LowLimit, 290.0f);
@@ -150,7 +132,6 @@ TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
     EXPECT_EQ(form.operation, "/");
     EXPECT_EQ(form.argumentText, "2.5");
     EXPECT_EQ(form.caption, "Constraints for Peak Position");
-
     auto& gl = project.Constraints[1].GL;
     gl.HighLimit = 120;
     gl.LowLimit = -3;

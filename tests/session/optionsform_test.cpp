@@ -1,5 +1,4 @@
-// Options dialog: filling, the OK checks in their order, the method buttons, and the
-// Load/Save Parameters commands.
+// Options dialog: filling, the OK checks in their order, and Load Parameters.
 
 #include "session/optionsform.h"
 
@@ -8,54 +7,47 @@
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
-#include "fileio/optionfile.h"
 #include "model/records.h"
 #include "support/files.h"
-#include "support/recording_host.h"
 
 namespace molvera {
 namespace {
 
-using test::RecordingHost;
-
 // A dialog that passes every check: trials 10 / 20, tolerance 0.5 %, levels 1 and 2
-// ticked for every row.
+// ticked for every row, their boxes 1 and 0.25.
 OptionsForm ValidForm() {
     OptionsForm f;
-    f.visible = true;
-    f.useSearch = true;
+    f.visible = f.useSearch = true;
     f.searchTrialsText = "10";
     f.newtonTrialsText = "20";
     f.toleranceText = "0.5";
-    for (int i = 0; i < 2; ++i) {
-        for (auto* check : {&f.usePositionSearch, &f.useAreaSearch, &f.useFWHMSearch,
-                            &f.usePositionNewton, &f.useAreaNewton, &f.useFWHMNewton})
-            (*check)[i] = true;
-        for (auto* box : {&f.positionRangeText, &f.positionStepText, &f.areaRangeText,
-                          &f.areaStepText, &f.fwhmRangeText, &f.fwhmStepText, &f.positionDeltaText,
-                          &f.areaDeltaText, &f.fwhmDeltaText})
-            (*box)[i] = i == 0 ? "1" : "0.25";
-    }
+    for (auto* check : {&f.usePositionSearch, &f.useAreaSearch, &f.useFWHMSearch,
+                        &f.usePositionNewton, &f.useAreaNewton, &f.useFWHMNewton})
+        (*check)[0] = (*check)[1] = true;
+    for (auto* box : {&f.positionRangeText, &f.positionStepText, &f.areaRangeText, &f.areaStepText,
+                      &f.fwhmRangeText, &f.fwhmStepText, &f.positionDeltaText, &f.areaDeltaText,
+                      &f.fwhmDeltaText})
+        (*box)[0] = "1", (*box)[1] = "0.25";
     return f;
 }
 
-TEST(OptionsDialogFill, ToleranceInPerCentAndAnyNonZeroMethodIsNewton) {
+TEST(OptionsDialog, FillShowsTolerancePerCentAndAnyNonZeroMethodAsNewton) {
     FitOptions o;
     o.Method = 2;
     o.Tolerance = 0.0001f;  // times 100 as a Single, then up to 14 decimals
     OptionsForm f;
     FillOptionsDialog(o, f);
-    EXPECT_TRUE(f.useNewton);
-    EXPECT_FALSE(f.useSearch);
+    EXPECT_TRUE(f.useNewton && !f.useSearch && f.visible);
     EXPECT_EQ(f.toleranceText, "0.00999999977648");
 }
 
-TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
+TEST(OptionsDialog, ValidFormIsStoredAndHidden) {
     OptionsForm f = ValidForm();
     f.areaDeltaText[3] = "-5";  // not ticked, so not read
     FitOptions o;
     o.AreaNewton[3] = {-1, 0.02f};
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
+    EXPECT_FALSE(f.visible);
     EXPECT_EQ(o.Method, 0.0f);
     EXPECT_EQ(o.AreaSearch[1].Step, 0.25f);
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
@@ -67,27 +59,23 @@ TEST(OptionsDialogApply, ValidFormIsStoredAndHidden) {
     EXPECT_EQ(o.Method, 1.0f);
 }
 
-TEST(OptionsDialogApply, ToleranceFrom0To100PerCent) {
-    struct Case {
-        const char* text;
-        bool ok;
-        float stored;
-    };
-    const Case cases[] = {
-        {"0.01", true, 0.0001f}, {"abc", true, 0},      {"100", true, 1},  // no number reads as 0
-        {"-0.5", false, 1},      {"100.001", false, 1}, {"1e5", false, 1}};
+TEST(OptionsDialog, ToleranceFrom0To100PerCent) {
+    const std::pair<const char*, float> cases[] = {
+        {"0.01", 0.0001f}, {"abc", 0},      {"100", 1},    // no number reads as 0
+        {"-0.5", -1},      {"100.001", -1}, {"1e5", -1}};  // -1: refused, 1 kept
     FitOptions o;
     OptionsForm f = ValidForm();
-    for (const Case& c : cases) {
-        f.toleranceText = c.text;
+    for (const auto& [text, stored] : cases) {
+        f.toleranceText = text;
         f.visible = true;
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.ok ? "" : msg::kToleranceRange) << c.text;
-        EXPECT_EQ(o.Tolerance, c.stored) << c.text;
-        EXPECT_EQ(f.visible, !c.ok) << c.text;
+        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored < 0 ? msg::kToleranceRange : "")
+            << text;
+        EXPECT_EQ(o.Tolerance, stored < 0 ? 1 : stored) << text;
+        EXPECT_EQ(f.visible, stored < 0) << text;
     }
 }
 
-TEST(OptionsDialogApply, TrialsFrom1To200RoundedHalfToEven) {
+TEST(OptionsDialog, TrialsFrom1To200RoundedHalfToEven) {
     FitOptions o;
     OptionsForm f = ValidForm();
     const std::pair<const char*, int> cases[] = {
@@ -109,29 +97,29 @@ TEST(OptionsDialogApply, TrialsFrom1To200RoundedHalfToEven) {
     }
 }
 
-TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
+TEST(OptionsDialog, MessagesFollowRowAndLevelOrder) {
     struct Case {
         std::array<std::string, kLevels> OptionsForm::*box;
         int level;
         const char* message;
     };
     const Case cases[] = {
-        {&OptionsForm::positionRangeText, 1, "Range value for Position of level 1 must be >0"},
-        {&OptionsForm::positionStepText, 1, "Step value for Position of level 1 must be >0"},
-        {&OptionsForm::areaRangeText, 2, "Range value for Area of level 2 must be >0"},
-        {&OptionsForm::areaStepText, 1, "Step value for Area of level 1 must be >0"},
-        {&OptionsForm::fwhmRangeText, 1, "Range value for FWHM of level 1 must be >0"},
-        {&OptionsForm::fwhmStepText, 2, "Step value for FWHM of level 2 must be >0"},
-        {&OptionsForm::positionDeltaText, 2, "Delta value for Position of level 2 must be >0"},
-        {&OptionsForm::areaDeltaText, 1, "Delta value for Area of level 1 must be >0"},
-        {&OptionsForm::fwhmDeltaText, 2, "Delta value for FWHM of level 2 must be >0"},
+        {&OptionsForm::positionRangeText, 1, "Range value for Position of level 1"},
+        {&OptionsForm::positionStepText, 1, "Step value for Position of level 1"},
+        {&OptionsForm::areaRangeText, 2, "Range value for Area of level 2"},
+        {&OptionsForm::areaStepText, 1, "Step value for Area of level 1"},
+        {&OptionsForm::fwhmRangeText, 1, "Range value for FWHM of level 1"},
+        {&OptionsForm::fwhmStepText, 2, "Step value for FWHM of level 2"},
+        {&OptionsForm::positionDeltaText, 2, "Delta value for Position of level 2"},
+        {&OptionsForm::areaDeltaText, 1, "Delta value for Area of level 1"},
+        {&OptionsForm::fwhmDeltaText, 2, "Delta value for FWHM of level 2"},
     };
     for (const Case& c : cases) {
         OptionsForm f = ValidForm();
         (f.*c.box)[c.level - 1] = "-1";
         (f.*c.box)[2] = "0";  // level 3 is not ticked: not read
         FitOptions o;
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), c.message);
+        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), std::string(c.message) + " must be >0");
         EXPECT_TRUE(f.visible);
     }
     // Level 1 is checked whole before level 2: a bad level-2 position range comes
@@ -145,29 +133,15 @@ TEST(OptionsDialogApply, MessagesFollowRowAndLevelOrder) {
     EXPECT_EQ(o.FWHMNewton[1].Use, kFalse);
 }
 
-TEST(OptionsDialogFiles, ProposedNameSaveAfterAFailedCheckAndLoad) {
+TEST(OptionsDialog, ProposedNameAndAFailedLoadLeavesTheDialogAlone) {
     EXPECT_EQ(ProposeOptionFileName("a.b.c"), "a.opa");
-    // Save Parameters stores what the checks got to, then writes.
-    const auto dir = test::ScratchDir();
-    OptionsForm f = ValidForm();
-    f.newtonTrialsText = "0";
-    f.searchTrialsText = "33";
-    FitOptions o;
-    o.GLSum = -1;
-    EXPECT_EQ(ApplyOptionsDialog(f, o).message(), msg::kNewtonTrialsRange);
-    ASSERT_TRUE(WriteOptionFile(o, (dir / "a.opa").string()).ok());
-    FitOptions back;
-    ASSERT_TRUE(ReadOptionFile(back, (dir / "a.opa").string()).ok());
-    EXPECT_EQ(back.SearchTrials, 33);  // stored before the failing step
-    EXPECT_EQ(back, o);
-
-    // A failed load leaves the dialog alone.
-    test::WriteBytes(dir / "short.opa", std::string(10, '\0'));
+    EXPECT_EQ(ProposeOptionFileName("abc"), "abc");
+    const auto path = test::ScratchDir() / "short.opa";
+    test::WriteBytes(path, std::string(10, '\0'));
     OptionsForm g;
-    EXPECT_EQ(LoadOptionsCommand((dir / "short.opa").string(), g, o).message(),
-              msg::kErrorReadingFile);
+    FitOptions o;
+    EXPECT_EQ(LoadOptionsCommand(path.string(), g, o).message(), msg::kErrorReadingFile);
     EXPECT_FALSE(g.visible);
-    EXPECT_EQ(g.searchTrialsText, "");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "session/peakform.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "model/project.h"
@@ -22,13 +24,11 @@ protected:
         test::GiveSampleBackground(project, 1);
         ASSERT_EQ(AddPeak(project, QuietHost()), 0);
         Peak& p = project.Peaks[0];
-        p.Position = 284.567f;
-        p.FWHM = 0.3f;
-        p.Area = 250;
-        p.PercentGL = 30;
+        std::tie(p.Position, p.FWHM, p.Area, p.PercentGL) = std::tuple(284.567f, 0.3f, 250.0f, 30);
         p.HeightPercent = AreaToHeightPercent(project, p);
         ComputeRegionEnvelope(project, QuietHost());
     }
+    Peak& peak() { return project.Peaks[0]; }
 
     Project project;
     PeakForm form;
@@ -38,10 +38,18 @@ protected:
 TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
     EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));  // a button without a peak
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    EXPECT_TRUE(form.visible);
+    EXPECT_EQ(form.caption, "Peak 0");
+    // Position in 0.01 eV steps from the background's low end: 284.567 shows as 284.57.
+    EXPECT_EQ(form.positionBar.max, 1000);
     EXPECT_EQ(form.positionBar.value, 457);
+    EXPECT_EQ(form.positionText, "284.57");
+    // A FWHM below the bar's 0.5 eV shows as 0.5.
     EXPECT_EQ(form.fwhmBar.value, 50);
+    EXPECT_EQ(form.fwhmText, "0.5");
     EXPECT_EQ(form.areaBar.value, 500);
     EXPECT_EQ(project.AreaScale, 0.5f);
+    EXPECT_TRUE(project.SavedPeaks[0] == peak());
     // Moves outside a bar's range are refused.
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 1));
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Area, 1000));
@@ -53,36 +61,78 @@ TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
 }
 
 TEST_F(PeakFormTest, ZeroAreaOpensWithAUnitBar) {
-    project.Peaks[0].Area = 0;
+    peak().Area = 0;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
     EXPECT_EQ(project.AreaScale, 1.0f);
     EXPECT_EQ(form.areaBar.value, 1);
     EXPECT_EQ(form.areaText, "1");
 }
 
+TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
+    struct Case {
+        std::string PeakForm::*box;
+        const char* typed;
+        float Peak::*field;
+        float stored;
+        const char* shown;  ///< the box afterwards
+    };
+    const Case cases[] = {
+        {&PeakForm::tailScaleText, "1.7", &Peak::TailScale, 1, "1"},
+        {&PeakForm::tailScaleText, "-2", &Peak::TailScale, 0, "0"},
+        {&PeakForm::tailLengthText, "0", &Peak::TailLength, 0.01f, "0.01"},
+        {&PeakForm::tailLengthText, "500", &Peak::TailLength, 200, "200"},
+        {&PeakForm::positionText, "285.123", &Peak::Position, 285.123f, "285.123"},  // no bar
+        {&PeakForm::fwhmText, "0.3", &Peak::FWHM, 0.3f, "0.3"},  // below the bar's range
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.typed);
+        ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+        form.*c.box = c.typed;
+        ApplyPeakEditor(project, form);
+        EXPECT_EQ(peak().*c.field, c.stored);
+        EXPECT_EQ(form.*c.box, c.shown);
+    }
+    // %GL is limited to 0..100 the same way; an unknown type text leaves the type alone.
+    form.glText = "150";
+    form.peakType = "p";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(peak().PercentGL, 100);
+    EXPECT_EQ(form.glText, "100");
+    EXPECT_EQ(peak().PeakType, Subshell::P);
+    form.peakType = "q";
+    ApplyPeakEditor(project, form);
+    EXPECT_EQ(peak().PeakType, Subshell::P);
+}
+
 TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     ASSERT_EQ(AddPeak(project, QuietHost()), 1);
-    ParameterConstraint& tie = project.Constraints[1].Position;
-    tie.Linked = kTrue;
-    tie.RefPeak = 0;
-    tie.Operation = 0;
-    tie.Argument = 2;
-    project.Constraints[0].Position.IsReference = kTrue;
-    project.Constraints[0].Position.DependentPeak = 1;
+    project.Constraints[1].Position = {kTrue, 0, kFalse, 0, 0, 2, kFalse, 0, 0};  // 0 + 2 eV
+    project.Constraints[0].Position = {kFalse, 0, kTrue, 1, 0, 0, kFalse, 0, 0};
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
     form.positionText = "284";
     form.areaText = "400";
     form.glText = "42.5";  // halves to even
     AcceptPeakEditor(project, host, form);
-    const Peak& p = project.Peaks[0];
+    EXPECT_FALSE(form.visible);
+    const Peak& p = peak();
     EXPECT_EQ(p.Area, 400.0f);
     EXPECT_EQ(p.PercentGL, 42);
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
-    form.glText = "150";
-    ApplyPeakEditor(project, form);
-    EXPECT_EQ(project.Peaks[0].PercentGL, 100);
-    EXPECT_EQ(form.glText, "100");
+}
+
+TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
+    const Peak opened = peak();
+    for (auto leave : {&CancelPeakEditor, &ClosePeakEditor}) {
+        ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+        form.areaText = "12345";
+        RedrawPeakEditor(project, host, form);
+        EXPECT_TRUE(form.visible);
+        EXPECT_EQ(peak().Area, 12345.0f);
+        leave(project, host, form);
+        EXPECT_FALSE(form.visible);
+        EXPECT_TRUE(peak() == opened);
+    }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -26,6 +27,14 @@ protected:
         std::vector<float> y;
         for (int i = 0; i < 10; ++i) y.push_back(100.0f + i);
         return MakeRegion(project, 0, FallingEnergies(10, 10, 1), y);
+    }
+    /// Sets the boundaries and the kind of `reg` (current) and recomputes it.
+    void Recompute(Region& reg, float low, float high,
+                   BackgroundKind kind = BackgroundKind::Linear) {
+        reg.BackgroundLowBE = low;
+        reg.BackgroundHighBE = high;
+        reg.BackgroundType = kind;
+        RecomputeRegion(project, host);
     }
     /// A region set up for the background computations alone.
     Region& DirectRange(const std::vector<float>& be, const std::vector<float>& y, int type,
@@ -63,10 +72,7 @@ TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
         Region& reg = TenPoints();  // point p at 11 - p eV, intensity 99 + p
-        reg.BackgroundLowBE = c.low;
-        reg.BackgroundHighBE = c.high;
-        reg.BackgroundType = BackgroundKind::Linear;
-        RecomputeRegion(project, host);
+        Recompute(reg, c.low, c.high);
         EXPECT_EQ(reg.RangeStart, c.start);
         EXPECT_EQ(reg.RangeEnd, c.end);
         EXPECT_EQ(reg.RangeCount, c.count);
@@ -83,10 +89,7 @@ TEST_F(BackgroundTest, RangeFromTheNearestPointsAndTheMeanStep) {
 
 TEST_F(BackgroundTest, UnevenSpacingReadsStayInsideTheSpectrum) {
     Region& reg = MakeRegion(project, 0, {10, 9.5f, 9, 7, 5, 3, 1}, {7, 6, 5, 4, 3, 2, 1});
-    reg.BackgroundLowBE = 1;
-    reg.BackgroundHighBE = 9.5f;
-    reg.BackgroundType = BackgroundKind::Linear;
-    RecomputeRegion(project, host);
+    Recompute(reg, 1, 9.5f);
     // Mean step 1.5 eV: 8.5 * 6 / 9 + 1 = 6.67 -> 7 points from point 2, past point 7.
     EXPECT_EQ(reg.RangeStart, 2);
     EXPECT_EQ(reg.RangeEnd, 7);
@@ -99,10 +102,8 @@ TEST_F(BackgroundTest, UnevenSpacingReadsStayInsideTheSpectrum) {
 
 TEST_F(BackgroundTest, EndAveragesClampAtTheSpectrumEnds) {
     Region& reg = MakeRegion(project, 0, FallingEnergies(6, 6, 1), {10, 20, 40, 80, 160, 320});
-    reg.RangeStart = 1;
-    reg.RangeEnd = 6;
-    reg.RangeCount = 6;
-    reg.EndPointAverage = 5;
+    std::tie(reg.RangeStart, reg.RangeEnd, reg.RangeCount, reg.EndPointAverage) =
+        std::tuple(1, 6, 6, 5);
     AverageEndPoints(reg);
     EXPECT_FLOAT_EQ(reg.StartAverage, (3 * 10 + 20 + 40) / 5.0f);
     EXPECT_FLOAT_EQ(reg.EndAverage, (80 + 160 + 3 * 320) / 5.0f);
@@ -110,19 +111,15 @@ TEST_F(BackgroundTest, EndAveragesClampAtTheSpectrumEnds) {
     EXPECT_EQ(reg.RangeIntensity[6], reg.EndAverage);
 
     // A stored 0 means no averaging, and is stored as 1.
-    reg.RangeStart = 2;
-    reg.RangeEnd = 5;
-    reg.RangeCount = 4;
-    reg.EndPointAverage = 0;
+    std::tie(reg.RangeStart, reg.RangeEnd, reg.RangeCount, reg.EndPointAverage) =
+        std::tuple(2, 5, 4, 0);
     AverageEndPoints(reg);
     EXPECT_EQ(reg.EndPointAverage, 1);
     EXPECT_EQ(reg.StartAverage, 20.0f);
     EXPECT_EQ(reg.EndAverage, 160.0f);
 
     // Indices outside 1..n on either side are clamped.
-    reg.RangeStart = 20;
-    reg.RangeEnd = -4;
-    reg.EndPointAverage = 9;
+    std::tie(reg.RangeStart, reg.RangeEnd, reg.EndPointAverage) = std::tuple(20, -4, 9);
     AverageEndPoints(reg);
     EXPECT_FLOAT_EQ(reg.StartAverage, 320.0f);
     EXPECT_FLOAT_EQ(reg.EndAverage, 10.0f);
@@ -131,11 +128,8 @@ TEST_F(BackgroundTest, EndAveragesClampAtTheSpectrumEnds) {
 TEST_F(BackgroundTest, LinearRunsBetweenTheEndAverages) {
     Region& reg = TenPoints();
     reg.RawIntensity[2] = 200;
-    reg.BackgroundLowBE = 2;
-    reg.BackgroundHighBE = 9;
-    reg.BackgroundType = BackgroundKind::Linear;
     reg.EndPointAverage = 3;
-    RecomputeRegion(project, host);
+    Recompute(reg, 2, 9);
     // Start average over points 1..3 (100, 200, 102), end average over 8..10.
     EXPECT_FLOAT_EQ(reg.StartAverage, 134);
     EXPECT_FLOAT_EQ(reg.EndAverage, 108);
@@ -205,18 +199,14 @@ TEST_F(BackgroundTest, TougaardWorkedByHand) {
 
 TEST_F(BackgroundTest, NetRangeNeverAboveOrBelowItsStartValues) {
     Region& reg = MakeRegion(project, 0, FallingEnergies(4, 4, 1), {10, 0, 0, 10});
-    reg.BackgroundLowBE = 1;
-    reg.BackgroundHighBE = 4;
-    reg.BackgroundType = BackgroundKind::Linear;
-    RecomputeRegion(project, host);
+    Recompute(reg, 1, 4);
     EXPECT_EQ(reg.NetMax, 0.0f);  // every point at or below the background
     EXPECT_EQ(reg.NetMin, -10.0f);
     EXPECT_FLOAT_EQ(reg.NetScale, 0.1f);
 
     // An unknown type keeps the old background.
-    reg.BackgroundType = static_cast<BackgroundKind>(7);
     for (int j = 1; j <= 4; ++j) reg.BackgroundCurve[j] = -1.0e8f;
-    RecomputeRegion(project, host);
+    Recompute(reg, 1, 4, static_cast<BackgroundKind>(7));
     EXPECT_EQ(reg.BackgroundCurve[2], -1.0e8f);
     EXPECT_EQ(reg.NetMin, 10000000.0f);
     EXPECT_FLOAT_EQ(reg.NetMax, 1.0e8f + 10);
@@ -225,15 +215,11 @@ TEST_F(BackgroundTest, NetRangeNeverAboveOrBelowItsStartValues) {
 TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
     const std::vector<float> be = FallingEnergies(41, 295, 0.25f);
     Region& reg = MakeRegion(project, 0, be, StepAndPeak(be));
-    reg.BackgroundLowBE = 285;
-    reg.BackgroundHighBE = 295;
-    reg.BackgroundType = BackgroundKind::Shirley;
     reg.HasBackground = kTrue;
     const int q = AddTestPeak(project, 0, 290, 1, 1.6f, 30);
     project.Peaks[q].HeightPercent = 60;
-
     project.KeepAreas = kFalse;
-    RecomputeRegion(project, host);
+    Recompute(reg, 285, 295, BackgroundKind::Shirley);
     Peak& peak = project.Peaks[q];
     EXPECT_EQ(peak.HeightPercent, 60.0f);
     EXPECT_NEAR(PeakValue(false, peak, 290, 0), 60 * reg.NetScale, 1e-4 * 60 * reg.NetScale);
@@ -241,9 +227,8 @@ TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
 
     // A new background with KeepAreas: the area stays, the height follows.
     project.KeepAreas = kTrue;
-    reg.BackgroundType = BackgroundKind::Linear;
     const float area = peak.Area;
-    RecomputeRegion(project, host);
+    Recompute(reg, 285, 295);
     EXPECT_EQ(peak.Area, area);
     EXPECT_NEAR(PeakValue(false, peak, 290, 0), peak.HeightPercent * reg.NetScale, 1e-3);
     EXPECT_NE(peak.HeightPercent, 60.0f);
@@ -251,25 +236,19 @@ TEST_F(BackgroundTest, KeepAreasDecidesWhetherAreaOrHeightFollows) {
 
 TEST_F(BackgroundTest, DegenerateRangesDoNotWriteOutOfBounds) {
     Region& reg = TenPoints();
-    const int q = AddTestPeak(project, 0, 5, 10, 1, 30);
-    project.Peaks[q].Curve.clear();
-    reg.BackgroundType = BackgroundKind::Shirley;
+    project.Peaks[AddTestPeak(project, 0, 5, 10, 1, 30)].Curve.clear();
 
     // No point within 100 eV: the old (invalid) indices stay; m is bounded by the arrays.
     reg.RangeStart = 0;
     reg.RangeEnd = 0;
-    reg.BackgroundLowBE = 500;
-    reg.BackgroundHighBE = 600;
-    RecomputeRegion(project, host);
+    Recompute(reg, 500, 600, BackgroundKind::Shirley);
     EXPECT_EQ(reg.RangeStart, 0);
     EXPECT_EQ(reg.RangeCount, 10);
     EXPECT_EQ(reg.RangeBE[1], 10.0f);
 
     // Both ends at the same point: one range point, a flat background.
     for (int type : {0, 1, 2}) {
-        reg.BackgroundType = static_cast<BackgroundKind>(type);
-        reg.BackgroundLowBE = reg.BackgroundHighBE = 5;
-        RecomputeRegion(project, host);
+        Recompute(reg, 5, 5, static_cast<BackgroundKind>(type));
         EXPECT_EQ(reg.RangeCount, 1);
         EXPECT_EQ(reg.LinearStep, 0.0f);
         EXPECT_EQ(reg.BackgroundCurve[1], reg.StartAverage);

@@ -1,5 +1,6 @@
 #pragma once
-// A running program with a recording message sink and a scripted file chooser.
+// A running program with a recording message sink and a scripted file chooser, and
+// helpers that find a window's controls by their object names.
 
 #include <cstdint>
 #include <deque>
@@ -10,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -32,6 +33,24 @@ inline int DefaultNewtonTrials() {
     unsigned char b[8] = {};
     in.read(reinterpret_cast<char*>(b), 8);
     return static_cast<std::int16_t>(b[6] | (b[7] << 8));
+}
+
+/// The child of `parent` with this object name (a failure when there is none).
+template <class W = QWidget>
+W* Child(QObject& parent, const char* name) {
+    W* found = parent.findChild<W*>(QString::fromLatin1(name));
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+}
+inline void Type(QObject& window, const char* box, const QString& text) {
+    if (auto* edit = Child<QLineEdit>(window, box)) edit->setText(text);
+}
+inline std::string Text(QObject& window, const char* box) {
+    auto* edit = Child<QLineEdit>(window, box);
+    return edit ? edit->text().toStdString() : "";
+}
+inline void Click(QObject& window, const char* button) {
+    if (auto* b = Child<QAbstractButton>(window, button)) b->click();
 }
 
 /// Records messages and beeps; answers questions from a script (No when empty).
@@ -57,20 +76,20 @@ class ScriptedChooser : public ui::FileChooser {
 public:
     struct Request {
         bool save;
-        std::string title, filter, name;
+        std::string title, name;  ///< the proposed name
     };
     std::deque<std::string> paths;
     std::vector<Request> requests;
-    QString OpenFile(const QString& t, const QString& f, const QString& n) override {
-        return Next(false, t, f, n);
+    QString OpenFile(const QString& t, const QString&, const QString& n) override {
+        return Next(false, t, n);
     }
-    QString SaveFile(const QString& t, const QString& f, const QString& n) override {
-        return Next(true, t, f, n);
+    QString SaveFile(const QString& t, const QString&, const QString& n) override {
+        return Next(true, t, n);
     }
 
 private:
-    QString Next(bool save, const QString& t, const QString& f, const QString& n) {
-        requests.push_back({save, t.toStdString(), f.toStdString(), n.toStdString()});
+    QString Next(bool save, const QString& t, const QString& n) {
+        requests.push_back({save, t.toStdString(), n.toStdString()});
         if (paths.empty()) return {};
         const std::string p = paths.front();
         paths.pop_front();
@@ -109,6 +128,13 @@ protected:
         BackgroundForm form;
         ShowBackgroundDialog(project(), form);
         ASSERT_TRUE(AcceptBackground(project(), gui->host(), form));
+    }
+
+    /// The sample with a background and `peaks` peaks added through the menu.
+    void SampleWithPeaks(int peaks) {
+        ImportSample();
+        GiveBackground();
+        for (int k = 0; k < peaks; ++k) Menu("addPeakAction");
     }
 
     RecordingSink sink;

@@ -2,9 +2,6 @@
 // folder named by MOLVERA_SCREENSHOT_DIR. Disabled in the normal test run.
 #include <QCoreApplication>
 #include <QDir>
-#include <QImage>
-#include <QLineEdit>
-#include <QPixmap>
 #include <QPushButton>
 
 #include "spectral/envelope.h"
@@ -23,16 +20,7 @@ void Save(QWidget& w, const QString& dir, const char* name) {
     w.show();
     QCoreApplication::processEvents();
     const QString path = dir + QLatin1Char('/') + QLatin1String(name);
-    const QPixmap picture = w.grab();
-    ASSERT_TRUE(picture.save(path, "PNG")) << path.toStdString();
-    const QImage back(path);
-    EXPECT_EQ(back.size(), picture.size());
-    // Not a blank picture: more than one colour in it.
-    const QRgb first = back.pixel(0, 0);
-    bool varied = false;
-    for (int y = 0; y < back.height() && !varied; y += 3)
-        for (int x = 0; x < back.width() && !varied; x += 3) varied = back.pixel(x, y) != first;
-    EXPECT_TRUE(varied) << name;
+    EXPECT_TRUE(w.grab().save(path, "PNG")) << path.toStdString();
 }
 
 TEST_F(GuiTest, DISABLED_Screenshots) {
@@ -41,13 +29,10 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     ASSERT_TRUE(QDir().mkpath(dir));
 
     main().RegionButton(1)->click();
-    ImportSample();
-    GiveBackground();
-    const float positions[] = {284.8f, 286.3f, 288.6f};
-    for (float p : positions) {
-        Menu("addPeakAction");
-        Peak& peak = project().Peaks[static_cast<std::size_t>(project().CurrentPeak)];
-        peak.Position = p;
+    SampleWithPeaks(3);
+    for (auto [slot, position] : {std::pair{0, 284.8f}, {1, 286.3f}, {2, 288.6f}}) {
+        Peak& peak = project().Peaks[slot];
+        peak.Position = position;
         peak.HeightPercent = 30;
         peak.Area = HeightPercentToArea(project(), peak);
     }

@@ -1,0 +1,229 @@
+// The plot widget, QtCanvas, the region picture and printing to PDF, on real Qt surfaces.
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QPainter>
+#include <QPrinter>
+#include <QTest>
+
+#include "spectral/envelope.h"
+#include "spectral/regionedit.h"
+#include "support/paths.h"
+#include "support/sample_region.h"
+#include "ui/plotwidget.h"
+#include "ui/printing.h"
+#include "ui/qtcanvas.h"
+
+namespace molvera::ui {
+namespace {
+
+// Region 1 with data, a Shirley background and one peak; returns the peak's slot.
+int FitSample(Project& p) {
+    test::FillSampleRegion(p, 0, 41, 290.0f, 0.25f);
+    test::GiveSampleBackground(p, 0);
+    const int slot = AddPeak(p, QuietHost());
+    ComputeRegionEnvelope(p, QuietHost());
+    return slot;
+}
+
+// Pixels close to a pure colour (antialiased edges excluded), and the leftmost and
+// rightmost columns holding them.
+struct Pixels {
+    int count = 0, left = 1 << 20, right = -1;
+};
+Pixels Find(const QImage& image, QColor colour) {
+    Pixels p;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            if (std::abs(c.red() - colour.red()) < 40 &&
+                std::abs(c.green() - colour.green()) < 40 &&
+                std::abs(c.blue() - colour.blue()) < 40)
+                ++p.count, p.left = std::min(p.left, x), p.right = std::max(p.right, x);
+        }
+    return p;
+}
+
+TEST(PlotWidget, DrawsSpectrumHighlightsTheSelectedPeakAndScalesWithTheWindow) {
+    Project p;
+    PlotWidget w(p);
+    w.resize(300, 200);
+    const QImage blank = w.grab().toImage();  // a hidden widget paints only when grabbed
+    EXPECT_EQ(Find(blank, Qt::white).count, blank.width() * blank.height());
+
+    const int slot = FitSample(p);
+    w.resize(600, 400);
+    w.RedrawNow();
+    const QImage plain = w.grab().toImage();
+    const Pixels blue = Find(plain, Qt::blue);
+    EXPECT_GT(blue.count, 200);
+    EXPECT_EQ(Find(plain, Qt::red).count, 0);
+    EXPECT_GT(Find(plain, Qt::black).count, 200);  // axis, labels, fitted curves
+    w.SetSelectedPeak(slot);
+    w.RedrawNow();
+    EXPECT_GT(Find(w.grab().toImage(), Qt::red).count, 100);
+    w.SetSelectedPeak(-1);
+    w.RedrawNow();
+    EXPECT_EQ(Find(w.grab().toImage(), Qt::red).count, 0);
+
+    // Twice the window, a little more than twice the spectrum: the text margins keep their size.
+    w.resize(1200, 800);
+    const Pixels wide = Find(w.grab().toImage(), Qt::blue);
+    const double ratio = static_cast<double>(wide.right - wide.left) / (blue.right - blue.left);
+    EXPECT_GE(ratio, 2.0);
+    EXPECT_LE(ratio, 2.4);
+
+    // The pointer's read-out: energy falls to the right, intensity upwards.
+    const QPointF topLeft = w.ToPlotUnits(QPointF(0, 0));
+    const QPointF bottomRight = w.ToPlotUnits(QPointF(1200, 800));
+    EXPECT_GT(topLeft.x(), 290.0);
+    EXPECT_LT(bottomRight.x(), 280.0);
+    EXPECT_GT(topLeft.y(), bottomRight.y());
+    EXPECT_NEAR(w.ToPlotUnits(QPointF(600, 400)).x(), (topLeft.x() + bottomRight.x()) / 2, 1e-9);
+}
+
+TEST(PlotWidget, ManyRedrawRequestsShareOnePaintPerRefresh) {
+    Project p;
+    FitSample(p);
+    PlotWidget w(p);
+    w.resize(600, 400);
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    QApplication::processEvents();
+    const int before = w.PaintCount();
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 2000; ++i) {
+        w.RequestRedraw();
+        QApplication::processEvents();
+    }
+    const qint64 elapsed = clock.elapsed();
+    QTest::qWait(60);  // the last request is still painted
+    const int paints = w.PaintCount() - before;
+    EXPECT_GE(paints, 1);
+    EXPECT_LE(paints, elapsed / 10 + 3) << elapsed << " ms";
+    EXPECT_LT(paints, 2000 / 4);
+    // The pointer's read-out repaints the plot.
+    const int beforeMove = w.PaintCount();
+    QTest::mouseMove(&w, QPoint(200, 150));
+    QTest::qWait(30);
+    EXPECT_GT(w.PaintCount(), beforeMove);
+}
+
+TEST(RegionPicture, SizePeakTableAndPdfPrintout) {
+    Project p;
+    FitSample(p);
+    const QImage plain = RegionPicture(p, false, QSize(800, 600));
+    EXPECT_EQ(plain.size(), QSize(800, 600));
+    EXPECT_GT(Find(plain, Qt::blue).count, 200);
+    // The table adds black text to the picture.
+    EXPECT_GT(Find(RegionPicture(p, true, QSize(800, 600)), Qt::black).count,
+              Find(plain, Qt::black).count + 50);
+    EXPECT_EQ(RegionPicture(Project{}, true, QSize(0, 0)).size(), QSize(1, 1));
+
+    const std::string path = (test::ScratchDir() / "region.pdf").string();
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(QString::fromStdString(path));
+    EXPECT_TRUE(PrinterAvailable(printer));
+    ASSERT_TRUE(PrintRegion(p, printer, true));
+    std::ifstream in(path, std::ios::binary);
+    std::string head(5, '\0');
+    in.read(head.data(), 5);
+    EXPECT_EQ(head, "%PDF-");
+    for (QWidget* top : QApplication::topLevelWidgets())  // no print notice stays behind
+        EXPECT_FALSE(top->isVisible() && top->windowTitle() == "Printing");
+}
+
+bool IsRed(const QImage& image, int x, int y) {
+    const QColor c = image.pixelColor(x, y);
+    return c.red() > 200 && c.green() < 80 && c.blue() < 80;
+}
+
+TEST(QtCanvas, UserRectangleMapsOntoTheTargetWithEnergyFallingToTheRight) {
+    QImage image(200, 100, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QtCanvas canvas(painter, QRectF(0, 0, 200, 100));
+    canvas.Clear();
+    canvas.SetScale(300, 10, 280, 0);  // 300 eV at the left, intensity 10 at the top
+    EXPECT_EQ(canvas.ToLogical(300, 10), QPointF(0, 0));
+    EXPECT_EQ(canvas.ToLogical(280, 0), QPointF(200, 100));
+    EXPECT_EQ(canvas.ToLogical(290, 5), QPointF(100, 50));
+    EXPECT_EQ(canvas.ToUser(QPointF(50, 25)), QPointF(295, 7.5));
+
+    canvas.SetLineWidth(3);
+    canvas.Line(299, 9, 281, 1, kRed);  // top left to bottom right
+    // A non-finite point draws nothing; far-away points are clamped, not lost.
+    canvas.Line(std::numeric_limits<double>::quiet_NaN(), 5, 290, 5, kRed);
+    canvas.Line(1e300, 5, -1e300, 5, kBlue);
+    canvas.SetScale(1, 1, 1, 0);  // degenerate: ignored
+    EXPECT_EQ(canvas.ToLogical(280, 0), QPointF(200, 100));
+    canvas.Flush();  // joined segments are drawn when the curve ends
+    painter.end();
+    // (299, 9) is pixel (10, 10) and (281, 1) is (190, 90).
+    EXPECT_TRUE(IsRed(image, 11, 11));
+    EXPECT_TRUE(IsRed(image, 55, 30));
+    const QColor far = image.pixelColor(150, 50);  // the far-away line still crosses, clamped
+    EXPECT_TRUE(far.blue() > 200 && far.red() < 80);
+    EXPECT_TRUE(IsRed(image, 189, 89));
+    EXPECT_FALSE(IsRed(image, 190, 10));
+}
+
+TEST(QtCanvas, ColumnExtremesKeepWhatAPixelColumnShows) {
+    // Ten points per pixel column: a spike in the first column, a dip in the second.
+    QPolygonF line;
+    for (int i = 0; i < 30; ++i) line << QPointF(i * 0.1, i == 4 ? 9.0 : i == 13 ? -7.0 : 0.5 * i);
+    const QPolygonF kept = ColumnExtremes(line, 1.0);
+    const QPolygonF expected{{0, 0},    {0.4, 9},   {0.9, 4.5}, {1.0, 5.0},
+                             {1.3, -7}, {1.9, 9.5}, {2.0, 10},  {2.9, 14.5}};
+    ASSERT_EQ(kept.size(), expected.size());
+    for (qsizetype i = 0; i < kept.size(); ++i) {
+        EXPECT_NEAR(kept[i].x(), expected[i].x(), 1e-12) << i;
+        EXPECT_EQ(kept[i].y(), expected[i].y()) << i;
+    }
+    // At ten times the resolution every point has a column of its own.
+    EXPECT_EQ(ColumnExtremes(line, 10.0).size(), line.size());
+}
+
+TEST(QtCanvas, TextExtentsFollowTheScaleAndOpaqueTextErases) {
+    QImage image(400, 200, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter painter(&image);
+    QFont font = painter.font();
+    font.setPixelSize(16);
+    painter.setFont(font);
+    QtCanvas canvas(painter, QRectF(0, 0, 400, 200));
+    canvas.SetScale(0, 20, 40, 0);
+    const double w1 = canvas.TextWidth("0000");
+    const double h1 = canvas.TextHeight("Sample");
+    EXPECT_GT(w1, 0);
+    EXPECT_GT(h1, 0);
+    canvas.SetScale(80, 40, 0, 0);  // twice the units in both directions, x reversed
+    EXPECT_NEAR(canvas.TextWidth("0000"), 2 * w1, 1e-9);
+    EXPECT_NEAR(canvas.TextHeight("Sample"), 2 * h1, 1e-9);
+    canvas.SetBold(true);
+    EXPECT_GE(canvas.TextWidth("0000"), 2 * w1);
+    canvas.SetBold(false);
+
+    // Print moves the current point one line down; opaque blanks paint white.
+    canvas.SetScale(0, 20, 40, 0);
+    canvas.MoveTo(2, 18);
+    canvas.SetOpaqueText(true);
+    canvas.Print(std::string(25, ' '));
+    EXPECT_DOUBLE_EQ(canvas.CurrentX(), 2);
+    EXPECT_NEAR(canvas.CurrentY(), 18 - h1, 1e-9);
+    painter.end();
+    const QPointF corner = QPointF(2 * 10, 2 * 10);  // (2, 18) in pixels
+    EXPECT_EQ(image.pixelColor(corner.toPoint() + QPoint(5, 5)), QColor(Qt::white));
+    EXPECT_EQ(image.pixelColor(5, 5), QColor(Qt::black));  // outside the text box
+}
+
+}  // namespace
+}  // namespace molvera::ui
