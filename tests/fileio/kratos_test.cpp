@@ -126,25 +126,6 @@ TEST_F(Kratos, FitWithLinearBackgroundAndThreeShapes) {
     EXPECT_NEAR(project.Peaks[0].Area, 35.875 * 1.5 * 1.0644670, 1e-4 * 57.3);
 }
 
-// The import works its linear background in Single where RecomputeRegion works in Double;
-// on this range the two differ at one point, and the import keeps the Single values.
-TEST_F(Kratos, LinearBackgroundIsWorkedInSingle) {
-    FitBlock fit{{"Gaussian"}};
-    fit.high = "288";
-    ASSERT_TRUE(Import(KratosFile(&fit)).status.ok());
-    const Region& r = project.Regions[0];
-    ASSERT_EQ(r.RangeCount, 8);  // points 3..10: 60 down to 42
-    const float step = (42.0f - 60.0f) / 7.0f;
-    EXPECT_EQ(r.LinearStep, step);
-    int otherInDouble = 0;
-    for (std::size_t k = 1; k <= 8; ++k) {
-        EXPECT_EQ(r.BackgroundWork[k], 60.0f + static_cast<float>(k - 1) * step) << k;
-        otherInDouble +=
-            r.BackgroundWork[k] != static_cast<float>(60.0 + static_cast<double>(k - 1) * step);
-    }
-    EXPECT_EQ(otherInDouble, 1);
-}
-
 TEST_F(Kratos, RefusedFilesLeaveTheProjectAsItWas) {
     FitBlock good{{"Gau", "Lo"}, "SHIRLEY"};
     ASSERT_TRUE(Import(KratosFile(&good)).status.ok());

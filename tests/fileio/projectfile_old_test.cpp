@@ -155,16 +155,5 @@ TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
     EXPECT_EQ(q.Description, "sf");
 }
 
-TEST(ProjectFileOldLayout, TruncatedFilesFail) {
-    const std::string b = OldLayoutFile();
-    // Every length up to the end of the first region, then a coarser walk.
-    for (std::size_t len = 0; len < b.size() - 6; len += (len < 200 ? 1 : 397)) {
-        Project q;
-        RecordingHost host;
-        EXPECT_EQ(LoadProjectBytes(q, host, b.substr(0, len)).message(), msg::kErrorReadingFile)
-            << len;
-    }
-}
-
 }  // namespace
 }  // namespace molvera

@@ -47,7 +47,7 @@ std::string MakeVamas(const std::vector<SynthBlock>& blocks, const std::string& 
     return t + "end of experiment\n";
 }
 
-TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
+TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlockAesFirstIsRefused) {
     const std::string t = MakeVamas({{2, 10, -1},
                                      {2, 20, -1, "Binding Energy", "UPS"},
                                      {2, 100, 1, "Kinetic Energy", "AES dir"},
@@ -56,6 +56,10 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlock) {
     EXPECT_EQ(project.Regions[0].BindingEnergy[1], 10);
     EXPECT_EQ(project.Regions[1].BindingEnergy[1], 30);
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));
+    // A first block of AES refuses the file, yet empties the current region.
+    const std::string aes = MakeVamas({{2, 100, 1, "Kinetic Energy", "AES dir"}});
+    EXPECT_EQ(test::ImportText(project, host, "vamas", aes).status.message(), msg::kNotXps);
+    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
 // Refusals with the detail that says where; a file ending inside block 2 keeps block 1.
@@ -233,28 +237,6 @@ TEST(VamasReal, EveryBlockAgainstTheFilesOwnValues) {
             CheckRealVamas(f);
     }
     if (!missing.empty()) GTEST_SKIP() << "not available:" << missing;
-}
-
-TEST(VamasReal, FieldsAndMessages) {
-    const std::string multipak = test::RealFile("lg4x/Mutlipak_vms.npl");
-    const std::string eis = test::RealFile("matkrin-vamas/xps_eis.vms");
-    const std::string scienta = test::RealFile("minespex/vamas.vms");
-    const std::string aes = test::RealFile("matkrin-vamas/aes_staib.vms");
-    if (multipak.empty() || eis.empty() || scienta.empty() || aes.empty())
-        GTEST_SKIP() << "real VAMAS files not available";
-    Project project;
-    RecordingHost host;
-    ASSERT_TRUE(test::ImportPath(project, host, "vamas", multipak).status.ok());
-    EXPECT_EQ(project.Description, "Sample ID : 1");
-    EXPECT_EQ(project.Regions[0].Caption.Str(), "1s                  ");
-    ASSERT_TRUE(test::ImportPath(project, host, "vamas", scienta).Messages().empty());
-    EXPECT_EQ(project.Description, "EMS04-035-11A");
-    const ImportResult big = test::ImportPath(project, host, "vamas", eis);
-    ASSERT_TRUE(big.status.ok());
-    EXPECT_EQ(test::MessageTexts(big.Messages()),
-              std::vector<std::string>{"Too many points.  Only 5000 points have been read."});
-    EXPECT_EQ(test::ImportPath(project, host, "vamas", aes).status.message(), msg::kNotXps);
-    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
 }  // namespace
