@@ -15,76 +15,59 @@
 #include "spectral/envelope.h"
 #include "spectral/regionedit.h"
 #include "support/recording_host.h"
+#include "support/sample_region.h"
 
 namespace molvera {
 namespace {
 
-struct Random {
-    std::mt19937 rng{20261123};
-    int Int(int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); }
-    float Real(double lo, double hi) {
+// Random fitted projects: regions of random size and energy, most with a background of
+// a random kind over a random part of the data and up to ten peaks (one sometimes deleted),
+// random relations between the peaks, Latin-1 texts with accented characters.
+Project RandomProject(std::mt19937& rng) {
+    auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+    auto real = [&](double lo, double hi) {
         return static_cast<float>(std::uniform_real_distribution<double>(lo, hi)(rng));
-    }
-    bool Coin(double p = 0.5) { return std::bernoulli_distribution(p)(rng); }
-    // Latin-1 text of printable characters, accented ones included (127..159 skipped).
-    std::string Text(int maxLength) {
-        std::string s(static_cast<std::size_t>(Int(0, maxLength)), ' ');
-        for (char& c : s) c = static_cast<char>(Int(32, 222) < 127 ? Int(32, 126) : Int(160, 255));
+    };
+    auto flag = [&](int percent) { return pick(1, 100) <= percent ? kTrue : kFalse; };
+    auto text = [&](int maxLength) {
+        std::string s(static_cast<std::size_t>(pick(0, maxLength)), ' ');
+        for (char& c : s) c = static_cast<char>(flag(75) ? pick(32, 126) : pick(160, 255));
         return s;
-    }
-};
-
-// Falling spectra in some regions; in most of them a background over a random part of the
-// data and up to ten peaks, sometimes one deleted; random relations between the peaks.
-Project RandomProject(Random& rnd) {
+    };
     Project p;
     ClearProject(p, QuietHost());
     std::vector<int> used;
     for (int r = 0; r < kRegionCount; ++r) {
-        if (!rnd.Coin(0.6)) continue;
+        if (!flag(60)) continue;
+        test::FillSampleRegion(p, r, pick(2, 300), real(50, 1400), real(0.02, 1.0));
         Region& region = p.Regions[r];
-        const int n = rnd.Int(2, 300);
-        const float high = rnd.Real(50, 1400), step = rnd.Real(0.02, 1.0);
-        ResizeRegionArrays(region, n);
-        region.PointCount = static_cast<Int16>(n);
-        for (int i = 1; i <= n; ++i) {
-            region.BindingEnergy[i] = high - step * static_cast<float>(i - 1);
-            region.RawIntensity[i] = rnd.Real(0, 1e5);
-        }
-        region.HasData = kTrue;
+        for (float& y : region.RawIntensity) y = real(0, 1e5);  // no flat data: no NaN
         UpdateDataExtents(region);
-        region.ImportRegionNumber = static_cast<Int16>(rnd.Int(0, 20));
-        region.Caption = Text20::From(rnd.Text(24));
-        region.EndPointAverage = static_cast<Int16>(rnd.Int(1, 5));
-        region.Shift = rnd.Coin() ? 0.0f : rnd.Real(-2, 2);
+        region.ImportRegionNumber = static_cast<Int16>(pick(0, 20));
+        region.Caption = Text20::From(text(24));
+        region.EndPointAverage = static_cast<Int16>(pick(1, 5));
+        region.Shift = flag(50) ? 0.0f : real(-2, 2);
         p.CurrentRegion = static_cast<Int16>(r);
-        if (rnd.Coin(0.2)) continue;
-        region.BackgroundType = static_cast<BackgroundKind>(rnd.Int(0, 2));
-        region.BackgroundParameter = rnd.Real(0, 3000);
-        const float a = rnd.Real(region.MinBE, region.MaxBE),
-                    b = rnd.Real(region.MinBE, region.MaxBE);
+        if (!flag(80)) continue;
+        region.BackgroundType = static_cast<BackgroundKind>(pick(0, 2));
+        region.BackgroundParameter = real(0, 3000);
+        const float a = real(region.MinBE, region.MaxBE), b = real(region.MinBE, region.MaxBE);
         region.BackgroundLowBE = std::min(a, b);
         region.BackgroundHighBE = std::max(a, b);
         region.HasBackground = kTrue;
         RecomputeRegion(p, QuietHost());
-        for (int k = rnd.Int(0, kMaxPeaksPerRegion), s = 0;
+        for (int k = pick(0, kMaxPeaksPerRegion), s = 0;
              k > 0 && (s = AddPeak(p, QuietHost())) >= 0; --k) {
-            Peak& peak = p.Peaks[s];
-            peak.Label = Text20::From(rnd.Text(20));
-            peak.PeakType = static_cast<Subshell>(rnd.Int(0, 3));
-            peak.Splitting = rnd.Real(0, 10);
-            peak.Position = rnd.Real(region.BackgroundLowBE, region.BackgroundHighBE);
-            peak.HeightPercent = rnd.Real(1, 100);
-            peak.FWHM = rnd.Real(0.3, 4);
-            peak.PercentGL = static_cast<Int16>(rnd.Int(0, 100));
-            for (Int16* fix : {&peak.FixPosition, &peak.FixFWHM, &peak.FixArea, &peak.FixGL})
-                *fix = rnd.Coin() ? kTrue : kFalse;
-            peak.TailScale = rnd.Coin() ? 0.0f : rnd.Real(0, 1);
-            peak.TailLength = rnd.Real(1, 5);
+            // clang-format off
+            p.Peaks[s] = {kTrue, Text20::From(text(20)), static_cast<Subshell>(pick(0, 3)), real(0, 10),
+                          real(region.BackgroundLowBE, region.BackgroundHighBE), 0, real(1, 100), real(0.3, 4),
+                          static_cast<Int16>(pick(0, 100)), flag(50), flag(50), flag(50), flag(50),
+                          static_cast<Int16>(r), p.Peaks[s].Curve, flag(50) ? 0.0f : real(0, 1), real(1, 5)};
+            // clang-format on
             used.push_back(s);
         }
-        if (region.PeakCount > 1 && rnd.Coin(0.3)) {
-            p.CurrentPeak = region.PeakIndex[rnd.Int(0, region.PeakCount - 1)];
+        if (region.PeakCount > 1 && flag(30)) {
+            p.CurrentPeak = region.PeakIndex[pick(0, region.PeakCount - 1)];
             std::erase(used, p.CurrentPeak);
             DeletePeak(p, QuietHost());
         }
@@ -92,25 +75,21 @@ Project RandomProject(Random& rnd) {
     }
     for (int s : used) {
         for (PeakParameter g : kPeakParameters) {
-            if (!rnd.Coin(0.3)) continue;
-            const float low = rnd.Real(-100, 100);
-            p.Constraints[s][g] = {
-                kTrue,
-                static_cast<Int16>(used[rnd.Int(0, static_cast<int>(used.size()) - 1)]),
-                rnd.Coin(0.2) ? kTrue : kFalse,
-                static_cast<Int16>(rnd.Int(0, kPeakSlots - 1)),
-                static_cast<Int16>(rnd.Int(0, 3)),
-                rnd.Real(0.1, 5),
-                kTrue,
-                low,
-                low + rnd.Real(0, 100)};
+            const float low = real(-100, 100);
+            const auto ref =
+                used[static_cast<std::size_t>(pick(0, static_cast<int>(used.size()) - 1))];
+            // clang-format off
+            if (flag(30))
+                p.Constraints[s][g] = {kTrue, static_cast<Int16>(ref), flag(20), static_cast<Int16>(pick(0, kPeakSlots - 1)),
+                                       static_cast<Int16>(pick(0, 3)), real(0.1, 5), flag(50), low, low + real(0, 100)};
+            // clang-format on
         }
     }
-    p.CurrentPeak = static_cast<Int16>(rnd.Int(0, kPeakSlots - 1));
+    p.CurrentPeak = static_cast<Int16>(pick(0, kPeakSlots - 1));
     if (IsSet(p.Peaks[p.CurrentPeak].InUse)) p.EditPeak = p.Peaks[p.CurrentPeak];
-    p.TotalPeakCount = static_cast<Int16>(rnd.Int(0, kPeakSlots));
-    p.AreaScale = rnd.Real(0, 10);
-    p.Description = rnd.Text(kDescriptionLength);
+    p.TotalPeakCount = static_cast<Int16>(pick(0, kPeakSlots));
+    p.AreaScale = real(0, 10);
+    p.Description = text(kDescriptionLength);
     RecomputeAllRegions(p, QuietHost());  // as a load will
     return p;
 }
@@ -118,13 +97,13 @@ Project RandomProject(Random& rnd) {
 // Each load goes over the project of the one before, whose work must not survive. Slots
 // without data or peak are stored as a tag only: what stood there before is not compared.
 TEST(RoundTripProperty, ProjectFileGivesBackTheProjectAndTheSameBytes) {
-    Random rnd;
+    std::mt19937 rng(20261123);
     int peaksSeen = 0;
     Project q;
     test::RecordingHost host;
     for (int it = 0; it < 150 && !HasFailure(); ++it) {
         SCOPED_TRACE(it);
-        Project p = RandomProject(rnd);
+        Project p = RandomProject(rng);
         const std::string first = ProjectFileBytes(p);
         ASSERT_TRUE(LoadProjectBytes(q, host, first).ok());
         for (int r = 0; r < kRegionCount; ++r) {
