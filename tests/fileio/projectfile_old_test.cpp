@@ -77,19 +77,13 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
     ASSERT_TRUE(st.ok()) << st.message();
     const Region& r = q.Regions[1];
     EXPECT_EQ(r.Caption.Str(), "Region two          ");
-    EXPECT_EQ(r.Residual, (SingleArray{0, 601, 602, 603}));
-    EXPECT_EQ(r.Shift, 0.125f);
+    EXPECT_TRUE(r.Residual == SingleArray({0, 601, 602, 603}) && r.Shift == 0.125f);
+    // Symmetric peaks: no tail, whatever the slot held.
     const Peak& k = q.Peaks[4];
-    EXPECT_EQ(k.Position, 289.0f);
-    EXPECT_EQ(k.Curve, (SingleArray{0, 1, 2, 3}));
-    EXPECT_EQ(k.TailScale, 0.0f);
-    EXPECT_EQ(k.TailLength, 1.0f);
-    EXPECT_EQ(q.Constraints[4].GL.Operation, 3);
-    EXPECT_EQ(q.Constraints[4].GL.HighLimit, 3.0f);
-    EXPECT_EQ(q.EditPeak.Position, 288.5f);
-    EXPECT_EQ(q.EditPeak.TailScale, 0.0f);
-    EXPECT_EQ(q.CurrentRegion, 1);
-    EXPECT_EQ(q.Description, "old");
+    EXPECT_TRUE(k.Position == 289.0f && k.Curve == SingleArray({0, 1, 2, 3}));
+    EXPECT_TRUE(k.TailScale == 0.0f && k.TailLength == 1.0f && q.EditPeak.TailScale == 0.0f);
+    EXPECT_TRUE(q.Constraints[4].GL.Operation == 3 && q.Constraints[4].GL.HighLimit == 3.0f);
+    EXPECT_TRUE(q.EditPeak.Position == 288.5f && q.CurrentRegion == 1 && q.Description == "old");
 }
 
 std::string OldLayoutFile() {
@@ -132,26 +126,21 @@ TEST(ProjectFileOldLayout, LoadsFixedBlocksAndShortConstraints) {
     RecordingHost host;
     const Status st = LoadProjectBytes(q, host, OldLayoutFile());
     ASSERT_TRUE(st.ok()) << st.message();
+    // Blocks cut to 0..PointCount (the curves stored, not recomputed); EndPointAverage 0 read as 1.
     const Region& r = q.Regions[0];
-    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 290, 289, 288}));
-    EXPECT_EQ(r.RangeBE, (SingleArray{0, 101, 102, 103}));          // sized 0..PointCount
-    EXPECT_EQ(r.BackgroundCurve, (SingleArray{0, 401, 402, 403}));  // stored, not recomputed
-    EXPECT_EQ(r.EndPointAverage, 1);
+    EXPECT_TRUE(r.BindingEnergy == SingleArray({0, 290, 289, 288}) &&
+                r.RangeBE == SingleArray({0, 101, 102, 103}));
+    EXPECT_TRUE(r.BackgroundCurve == SingleArray({0, 401, 402, 403}) && r.EndPointAverage == 1);
+    // Peak curves cut to 0..RangeCount of their region; no tail.
     const Peak& k = q.Peaks[20];
-    EXPECT_EQ(k.Position, 289.5f);
-    EXPECT_EQ(k.Curve.size(), 3u);  // 0..RangeCount of its region
-    EXPECT_EQ(k.TailScale, 0.0f);
-    EXPECT_EQ(k.TailLength, 1.0f);
+    EXPECT_TRUE(k.Position == 289.5f && k.Curve.size() == 3u && k.TailScale == 0.0f &&
+                k.TailLength == 1.0f);
+    EXPECT_TRUE(q.EditPeak.Position == 289.25f && q.EditPeak.Curve == SingleArray({0, 8, 9}));
+    // Short constraint groups: any non-zero Linked is true; limits are not stored, so kept.
     const PeakConstraint& c = q.Constraints[20];
-    EXPECT_EQ(c.Area.Linked, kTrue);
-    EXPECT_EQ(c.Area.RefPeak, 1);
-    EXPECT_EQ(c.FWHM.IsReference, kTrue);
-    EXPECT_EQ(c.GL.Operation, 2);
-    EXPECT_EQ(c.GL.Argument, 2.5f);
-    EXPECT_EQ(c.Area.UseLimits, kFalse);
-    EXPECT_EQ(c.Area.LowLimit, -4.0f);  // not stored: kept
-    EXPECT_EQ(q.EditPeak.Position, 289.25f);
-    EXPECT_EQ(q.EditPeak.Curve, (SingleArray{0, 8, 9}));
+    EXPECT_TRUE(c.Area.Linked == kTrue && c.Area.RefPeak == 1 && c.FWHM.IsReference == kTrue);
+    EXPECT_TRUE(c.GL.Operation == 2 && c.GL.Argument == 2.5f);
+    EXPECT_TRUE(c.Area.UseLimits == kFalse && c.Area.LowLimit == -4.0f);
     EXPECT_EQ(q.Description, "sf");
 }
 
