@@ -7,7 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "model/project.h"
+#include "spectral/background.h"
+#include "spectral/envelope.h"
+#include "spectral/regionedit.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"
 #include "support/recording_host.h"
@@ -179,6 +183,76 @@ TEST(ProjectFileLoad, KnownProjectReplacesTheOpenOneFieldForField) {
     EXPECT_EQ(host.PeakButton(0).caption, "5");
     EXPECT_EQ(host.PeakButton(1).caption, "2");
     EXPECT_FALSE(host.PeakButton(0).enabled);
+}
+
+// Fitted regions with each background kind, tails, a deleted peak and a relation, loaded
+// over other work: the load recomputes them to what was saved (the chi-square boxes too),
+// and saving again gives the same bytes.
+TEST(ProjectFileLoad, FittedProjectComesBackAsSavedAndSavesTheSameBytes) {
+    Project p;
+    for (int r : {1, 4, 8}) {
+        test::FillSampleRegion(p, r, 40 + 7 * r, 295.0f - static_cast<float>(r), 0.25f);
+        test::GiveSampleBackground(p, r);
+        Region& region = p.Regions[r];
+        region.Caption = Text20::From("C 1s \xE9t\xE9");
+        region.BackgroundType = static_cast<BackgroundKind>(r % 3);
+        region.BackgroundParameter = 900;
+        region.EndPointAverage = 3;
+        region.BackgroundLowBE = region.MinBE + 1.5f;
+        region.Shift = 0.25f;
+        RecomputeRegion(p, QuietHost());
+        for (int k = 0; k < 4; ++k) {
+            Peak& peak = p.Peaks[AddPeak(p, QuietHost())];
+            peak.Position = 284.0f + 0.9f * static_cast<float>(k);
+            peak.TailScale = 0.1f * static_cast<float>(k);
+            peak.PercentGL = static_cast<Int16>(25 * k);
+        }
+        p.CurrentPeak = region.PeakIndex[1];
+        DeletePeak(p, QuietHost());
+        p.Constraints[region.PeakIndex[2]].Area = {kTrue, region.PeakIndex[0], kFalse, 0, 2, 0.5f};
+        RecomputeRegion(p, QuietHost());
+    }
+    p.AreaScale = 3;
+    p.Description = "caf\xE9";
+    RecomputeAllRegions(p, QuietHost());  // as a load will
+    const std::string b = ProjectFileBytes(p);
+    Project q = MakeKnownProject();
+    RecordingHost host;
+    ASSERT_TRUE(LoadProjectBytes(q, host, b).ok());
+    for (int r = 0; r < kRegionCount; ++r) {
+        ASSERT_EQ(IsSet(q.Regions[r].HasData), IsSet(p.Regions[r].HasData)) << r;
+        if (!IsSet(p.Regions[r].HasData)) continue;
+        EXPECT_EQ(q.Regions[r], p.Regions[r]) << r;
+        EXPECT_EQ(host.ChiText(r), FormatGeneral(p.Regions[r].ChiSquare)) << r;
+    }
+    for (int s = 0; s < kPeakSlots; ++s) {
+        ASSERT_EQ(IsSet(q.Peaks[s].InUse), IsSet(p.Peaks[s].InUse)) << s;
+        EXPECT_TRUE(!IsSet(p.Peaks[s].InUse) ||
+                    (q.Peaks[s] == p.Peaks[s] && q.Constraints[s] == p.Constraints[s]))
+            << s;
+    }
+    // clang-format off
+    EXPECT_EQ(std::tie(q.CurrentRegion, q.CurrentPeak, q.TotalPeakCount, q.TotalChiSquare, q.AreaScale, q.Description),
+              std::tie(p.CurrentRegion, p.CurrentPeak, p.TotalPeakCount, p.TotalChiSquare, p.AreaScale, p.Description));
+    // clang-format on
+    EXPECT_EQ(q.EditPeak, p.EditPeak);
+    EXPECT_EQ(ProjectFileBytes(q), b);
+}
+
+TEST(ProjectFileLoad, WrongMagicClearsTheProjectMissingFileIsAReadError) {
+    std::string b = KnownBytes();
+    Project q;
+    RecordingHost host;
+    ASSERT_TRUE(LoadProjectBytes(q, host, b).ok());
+    b[8] = '5';  // "MOLVERA 5.0"
+    EXPECT_EQ(LoadProjectBytes(q, host, b).message(), msg::kWrongFileFormat);
+    for (const Region& r : q.Regions) EXPECT_FALSE(IsSet(r.HasData));
+    for (const Peak& k : q.Peaks) EXPECT_FALSE(IsSet(k.InUse));
+    const auto dir = test::ScratchDir();
+    const Status missing = LoadProject(q, host, (dir / "none.xps").string());
+    EXPECT_TRUE(missing.message() == msg::kErrorReadingFile &&
+                missing.detail() == "none.xps: no such file");
+    EXPECT_EQ(LoadProject(q, host, dir.string()).message(), msg::kErrorReadingFile);
 }
 
 TEST(ProjectFileLoad, EveryTruncationBeforeTheDescriptionFailsAMissingDescriptionIsIgnored) {
