@@ -35,9 +35,8 @@ protected:
         test::FillSampleRegion(project, 0);
         test::GiveSampleBackground(project, 0);
         Region& r = project.Regions[0];
-        r.BackgroundLowBE = 281;
-        r.BackgroundHighBE = 289;
-        r.BackgroundType = BackgroundKind::Linear;
+        std::tie(r.BackgroundLowBE, r.BackgroundHighBE, r.BackgroundType) =
+            std::tuple(281.0f, 289.0f, BackgroundKind::Linear);
         RecomputeRegion(project, QuietHost());
         for (int slot : {3, 4}) {
             ASSERT_EQ(AddPeak(project, QuietHost()), slot);
@@ -50,12 +49,9 @@ protected:
         }
         std::swap(r.PeakIndex[0], r.PeakIndex[1]);
         // Peak 4's position is tied to peak 3, which has FWHM limits.
-        project.Constraints[4].Position.Linked = kTrue;
-        project.Constraints[4].Position.RefPeak = 3;
+        project.Constraints[4].Position = {.Linked = kTrue, .RefPeak = 3};
         project.Constraints[3].Position.IsReference = kTrue;
-        project.Constraints[3].FWHM.UseLimits = kTrue;
-        project.Constraints[3].FWHM.LowLimit = 0.7f;
-        project.Constraints[3].FWHM.HighLimit = 2.5f;
+        project.Constraints[3].FWHM = {.UseLimits = kTrue, .LowLimit = 0.7f, .HighLimit = 2.5f};
         ComputeRegionEnvelope(project, QuietHost());
         bytes = RegionParameterBytes(project);
     }
@@ -65,11 +61,9 @@ protected:
         project.CurrentRegion = 3;
         const Project before = project;
         const Status s = ApplyRegionParameterBytes(project, host, file);
-        if (!s.ok() && s.message() != msg::kTooManyPeaks) {
-            EXPECT_EQ(project.Regions[3], before.Regions[3]);
-            EXPECT_EQ(project.Peaks, before.Peaks);
-            EXPECT_EQ(host.beeps, 0);
-        }
+        EXPECT_TRUE(s.ok() || s.message() == msg::kTooManyPeaks ||
+                    (project.Regions[3] == before.Regions[3] && project.Peaks == before.Peaks &&
+                     host.beeps == 0));
         return s;
     }
 
