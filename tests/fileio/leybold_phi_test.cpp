@@ -1,6 +1,7 @@
 // Leybold and Phi text files: regions from the current slot on, wrapping, refusals.
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -67,26 +68,6 @@ TEST_F(Leybold, StartingAtSlot7DeletesWhatStoodThereAndTenRegionsWarn) {
     EXPECT_EQ(project.Regions[8].Caption.Str().substr(0, 8), "Region 1");
 }
 
-TEST_F(Leybold, DamagedFiles) {
-    const std::string good = LeyboldFile(2);
-    const std::pair<std::string, bool> cases[] = {
-        {"", false},
-        {"desc\nRegions = many\n", false},
-        {"desc\nRegions = 1\n1\nC\nPoints = 1000000000\n1, 2\n", false},
-        {"desc\nRegions = 1\n1\nC\nPoints = 3\n1, 2\n2, x\n3, 4\n", false},
-        {good.substr(0, good.size() - 8), true},  // ends inside the second region: keeps the first
-    };
-    for (const auto& [text, keepsFirst] : cases) {
-        SCOPED_TRACE(text);
-        Project project;
-        const Status s = test::ImportText(project, host, "leybold", text).status;
-        EXPECT_TRUE(s.message() == msg::kErrorReadingFileImport && !s.detail().empty());
-        EXPECT_EQ(IsSet(project.Regions[0].HasData), keepsFirst);
-        EXPECT_EQ(project.Description.empty(), !keepsFirst);
-        EXPECT_FALSE(IsSet(project.Regions[1].HasData));
-    }
-}
-
 // One Phi region: description items, caption, unused, start, step, count, values, unused.
 std::string PhiRegion(const std::string& caption, int n, double start, double step) {
     std::string t = "Phi 5600, \"Sample 7\"\n" + caption + "\n1 " + std::to_string(start) + " " +
@@ -122,18 +103,31 @@ TEST_F(Phi, OverflowAndTooManyRegions) {
     EXPECT_EQ(project.CurrentRegion, 3);
 }
 
-TEST_F(Phi, DamagedFilesAndTheMultiPakTextExport) {
-    const std::string full = PhiRegion("C", 8, 1, 1);
-    for (const std::string& text : {std::string(), full.substr(0, full.size() - 12)}) {
-        const Status s = test::ImportText(project, host, "phi", text).status;
+// Damaged files of either format: refused with a detail; a Leybold file ending inside its
+// second region keeps the first (and the description). The MultiPak text export is no Phi file.
+TEST(LeyboldPhi, DamagedFilesAreRefused) {
+    const std::string leybold = LeyboldFile(2), phi = PhiRegion("C", 8, 1, 1);
+    const std::tuple<const char*, std::string, bool> cases[] = {
+        {"leybold", "", false},
+        {"leybold", "desc\nRegions = many\n", false},
+        {"leybold", "desc\nRegions = 1\n1\nC\nPoints = 1000000000\n1, 2\n", false},
+        {"leybold", "desc\nRegions = 1\n1\nC\nPoints = 3\n1, 2\n2, x\n3, 4\n", false},
+        {"leybold", leybold.substr(0, leybold.size() - 8), true},
+        {"phi", "", false},
+        {"phi", phi.substr(0, phi.size() - 12), false},
+        {"phi", test::ReadBytes(test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt")),
+         false},
+    };
+    for (const auto& [format, text, keepsFirst] : cases) {
+        SCOPED_TRACE(text.substr(0, 80));
+        Project project;
+        test::RecordingHost host;
+        const Status s = test::ImportText(project, host, format, text).status;
         EXPECT_TRUE(s.message() == msg::kErrorReadingFileImport && !s.detail().empty());
-        EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+        EXPECT_EQ(IsSet(project.Regions[0].HasData), keepsFirst);
+        EXPECT_EQ(project.Description.empty(), !keepsFirst);
+        EXPECT_FALSE(IsSet(project.Regions[1].HasData));
     }
-    const std::string multipak = test::RealFile("nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt");
-    if (multipak.empty()) GTEST_SKIP() << "the MultiPak text export is not available";
-    const Status s = test::ImportPath(project, host, "phi", multipak).status;
-    EXPECT_EQ(s.message(), msg::kErrorReadingFileImport);
-    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
 }
 
 }  // namespace
