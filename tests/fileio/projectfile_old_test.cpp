@@ -50,18 +50,13 @@ TEST(ProjectFileVersion30, LoadsWithSymmetricPeaks) {
     for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f})
         b.Array({0, base + 1, base + 2, base + 3});
     b.F32(30).F32(10).I16(1).F32(0).F32(0.125f);
-    for (int r = 2; r < 10; ++r) b.Raw("DA");
-    for (int s = 0; s < 51; ++s) {
-        if (s != 4) {
-            b.Raw("DA");
-            continue;
-        }
-        b.Raw("DP").I16(3);
-        PeakHead(b, 289.0f, 1);
-        b.Array({0, 1, 2, 3});
-        for (int g = 0; g < 4; ++g)
-            b.I16(0).I16(0).I16(0).I16(0).I16(g).F32(1.5f).I16(-1).F32(-1).F32(g);
-    }
+    for (int k = 2; k < 10 + 4; ++k) b.Raw("DA");  // regions 2..9, peak slots 0..3
+    b.Raw("DP").I16(3);
+    PeakHead(b, 289.0f, 1);
+    b.Array({0, 1, 2, 3});
+    for (int g = 0; g < 4; ++g)
+        b.I16(0).I16(0).I16(0).I16(0).I16(g).F32(1.5f).I16(-1).F32(-1).F32(g);
+    for (int k = 5; k < 51; ++k) b.Raw("DA");
     b.I16(4);
     PeakHead(b, 288.5f, 1);
     b.Array({0, 7, 8, 9});
@@ -96,21 +91,15 @@ std::string OldLayoutFile() {
     RegionMiddle(b, -1, 1, 20, 2);
     for (float base : {100.f, 200.f, 300.f, 400.f, 500.f, 600.f})
         Block(b, {0, base + 1, base + 2, base + 3});
-    b.F32(30).F32(10).I16(0).F32(0).F32(0.25f);  // EndPointAverage 0
-    for (int r = 1; r < 10; ++r) b.Raw("DA");
-    for (int s = 0; s < 21; ++s) {
-        if (s != 20) {
-            b.Raw("DA");
-            continue;
-        }
-        b.Raw("DP");
-        PeakHead(b, 289.5f, 0);
-        Block(b, {0, 5, 6});
-        // Short groups: Linked 1 (any non-zero), RefPeak, IsReference, DependentPeak,
-        // Operation, Argument.
-        for (int g = 0; g < 4; ++g)
-            b.I16(g == 1 ? 1 : 0).I16(g).I16(g == 2 ? 7 : 0).I16(0).I16(2).F32(2.5f);
-    }
+    b.F32(30).F32(10).I16(0).F32(0).F32(0.25f);     // EndPointAverage 0
+    for (int k = 1; k < 10 + 20; ++k) b.Raw("DA");  // regions 1..9, peak slots 0..19
+    b.Raw("DP");
+    PeakHead(b, 289.5f, 0);
+    Block(b, {0, 5, 6});
+    // Short groups: Linked 1 (any non-zero), RefPeak, IsReference, DependentPeak,
+    // Operation, Argument.
+    for (int g = 0; g < 4; ++g)
+        b.I16(g == 1 ? 1 : 0).I16(g).I16(g == 2 ? 7 : 0).I16(0).I16(2).F32(2.5f);
     b.I16(20);
     PeakHead(b, 289.25f, 0);
     Block(b, {0, 8, 9});
