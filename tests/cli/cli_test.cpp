@@ -135,13 +135,10 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
     ASSERT_EQ(Cmd("save-params p.xps --region 1 -o model.rpa").code, 0);
     ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code,
               0);
-    CliRun r = Cmd("apply-params v.xps --region 1 model.rpa -o w.xps");
-    ASSERT_EQ(r.code, 0) << r.err;
+    ASSERT_EQ(Cmd("apply-params v.xps --region 1 model.rpa -o w.xps").code, 0);
     const auto p = Dump("p.xps")["Peaks"], w = Dump("w.xps")["Peaks"];
-    for (int k = 0; k < 3; ++k) {
-        EXPECT_EQ(p[k]["Position"], w[k]["Position"]) << k;
-        EXPECT_NE(p[k]["Area"], w[k]["Area"]) << k;
-    }
+    for (int k = 0; k < 3; ++k)
+        EXPECT_TRUE(p[k]["Position"] == w[k]["Position"] && p[k]["Area"] != w[k]["Area"]) << k;
 }
 
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
@@ -176,11 +173,10 @@ TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
     EXPECT_EQ(plain.substr(16, 8), std::string("\0\0\x04\xb0\0\0\x03\x20", 8));  // 1200 x 800
     EXPECT_NE(plain, ReadBytes(dir / "table.PNG"));  // the peak table is drawn only on request
     EXPECT_EQ(ReadBytes(dir / "page.pdf").substr(0, 5), "%PDF-");
-    CliRun r = Cmd("render p.xps --region 2 -o empty.png");
-    EXPECT_EQ(r.code, 1);
-    EXPECT_NE(r.err.find("region 2 holds no data"), std::string::npos) << r.err;
-    r = Cmd("render p.xps --region 1 -o missing/r.png");
-    EXPECT_NE(r.err.find("Error in saving file"), std::string::npos) << r.err;
+    const CliRun r = Cmd("render p.xps --region 2 -o empty.png");
+    EXPECT_TRUE(r.code == 1 && r.err.find("region 2 holds no data") != std::string::npos) << r.err;
+    EXPECT_NE(Cmd("render p.xps --region 1 -o missing/r.png").err.find("Error in saving file"),
+              std::string::npos);
     EXPECT_NE(Cmd("render p.xps --region 1 -o picture.bmp").code, 0);
     EXPECT_FALSE(fs::exists(dir / "empty.png") || fs::exists(dir / "picture.bmp"));
 }
