@@ -120,21 +120,15 @@ TEST_F(RegionParamsTest, LoadTakesLowestFreeSlotsDropsTiesKeepsLimits) {
 }
 
 TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
-    struct Case {
-        int points;
-        float high;
-        float step;
-        const char* message;
-    };
-    const Case cases[] = {
+    const std::tuple<int, float, float, const char*> cases[] = {
         {8, 300.0f, 1.0f, msg::kIncompatibleRegion},         // 8 points, range of 9
         {40, 288.0f, 0.25f, msg::kBindingEnergyOutOfRange},  // data end below 289 eV
         {12, 289.0f, 0.5f, msg::kBindingEnergyOutOfRange},   // 289..283.5 eV: 281 missing
         {9, 289.0f, 1.0f, ""},                               // exactly 289..281: accepted
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.points);
-        test::FillSampleRegion(project, 3, c.points, c.high, c.step);
+    for (const auto& [points, high, step, message] : cases) {
+        SCOPED_TRACE(points);
+        test::FillSampleRegion(project, 3, points, high, step);
         Region& r = project.Regions[3];
         r.HasBackground = kTrue;
         r.BackgroundType = BackgroundKind::Linear;
@@ -142,7 +136,7 @@ TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
         r.Caption = Text20::From("kept");
         r.Shift = 0.5f;
         test::RecordingHost host;
-        EXPECT_EQ(LoadIntoRegion3(bytes, host).message(), c.message);
+        EXPECT_EQ(LoadIntoRegion3(bytes, host).message(), message);
     }
     EXPECT_EQ(project.Regions[3].RangeCount, 9);
 }
