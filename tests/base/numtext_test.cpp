@@ -20,14 +20,12 @@ TEST(LeadingNumber, TakesTheLongestNumericPrefix) {
         {"abc", 0}, {".", 0}, {"1e-999", 0}, {"1e999", std::numeric_limits<double>::infinity()}};
     // clang-format on
     for (const auto& [text, value] : cases) EXPECT_DOUBLE_EQ(LeadingNumber(text), value) << text;
-    EXPECT_EQ(LeadingNumberLength("  12.5abc"), 6u);
-    EXPECT_EQ(LeadingNumberLength("x1"), 0u);
+    EXPECT_TRUE(LeadingNumberLength("  12.5abc") == 6u && LeadingNumberLength("x1") == 0u);
 }
 
 TEST(RoundHalfEven, RoundsHalvesToEven) {
-    EXPECT_EQ(RoundHalfEven(2.5), 2.0);
-    EXPECT_EQ(RoundHalfEven(3.5), 4.0);
-    EXPECT_EQ(RoundHalfEven(2.4999), 2.0);
+    EXPECT_TRUE(RoundHalfEven(2.5) == 2.0 && RoundHalfEven(3.5) == 4.0 &&
+                RoundHalfEven(2.4999) == 2.0);
     EXPECT_EQ(ToInt16(32767.4).value(), 32767);
     EXPECT_FALSE(ToInt16(32767.6) || ToInt16(std::numeric_limits<double>::infinity()) ||
                  ToInt16(std::nan("")));
@@ -53,8 +51,7 @@ TEST(FormatFixed, RoundsTheExactBinaryValueHalvesAwayFromZero) {
         {-0.0001, 3, "-0.000"}, {12345678.5, 0, "12345679"}, {79.5, 0, "80"}};
     // clang-format on
     for (const auto& [value, digits, text] : cases) EXPECT_EQ(FormatFixed(value, digits), text);
-    EXPECT_EQ(FormatTrimmed(1.0), "1");
-    EXPECT_EQ(FormatTrimmed(static_cast<double>(0.01f)), "0.00999999977648");
+    EXPECT_TRUE(FormatTrimmed(1.0) == "1" && FormatTrimmed(0.01f) == "0.00999999977648");
 }
 
 // Items at columns (a line break when past the column) and in 14-character zones (at a

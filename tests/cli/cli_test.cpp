@@ -137,10 +137,10 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
 
 // The option flags reach their fields (the checks and conversions are the dialog's, tested there).
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
-    ASSERT_EQ(Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
-                  "--pos-newton 2:0.05 --gl-sum -o o.opa")
-                  .code,
-              0);
+    const CliRun r =
+        Cmd("options --method newton --search-trials 2.5 --newton-trials 7 "
+            "--tolerance 0.01 --pos-newton 2:0.05 --gl-sum -o o.opa");
+    ASSERT_EQ(r.code, 0) << r.err;
     const auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);
     EXPECT_TRUE(j["Method"] == 1.0 && j["SearchTrials"] == 2 && j["GLSum"] == -1);  // 2.5 to even
     EXPECT_EQ(j["PositionNewton"][1]["Delta"].get<float>(), 0.05f);

@@ -75,10 +75,9 @@ TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
 
 // The two numbers at the start of a data line, or none.
 std::optional<std::pair<float, float>> Pair(const std::string& line) {
-    const std::size_t n = LeadingNumberLength(line);
-    if (n == 0) return std::nullopt;
-    const std::size_t rest = line.find_first_not_of(" ,;\t", n);
-    if (rest == std::string::npos || rest == n || LeadingNumberLength(line.substr(rest)) == 0)
+    const std::size_t n = LeadingNumberLength(line), rest = line.find_first_not_of(" ,;\t", n);
+    if (n == 0 || rest == std::string::npos || rest == n ||
+        LeadingNumberLength(line.substr(rest)) == 0)
         return std::nullopt;
     return std::pair{static_cast<float>(LeadingNumber(line)),
                      static_cast<float>(LeadingNumber(line.substr(rest)))};

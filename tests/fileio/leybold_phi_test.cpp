@@ -53,8 +53,7 @@ TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
 TEST_F(Leybold, StartingAtSlot7DeletesWhatStoodThereAndTenRegionsWarn) {
     test::FillSampleRegion(project, 8);  // a fitted spectrum with two peaks in slot 8
     test::GiveSampleBackground(project, 8);
-    ASSERT_EQ(AddPeak(project, QuietHost()), 0);
-    ASSERT_EQ(AddPeak(project, QuietHost()), 1);
+    ASSERT_TRUE(AddPeak(project, QuietHost()) == 0 && AddPeak(project, QuietHost()) == 1);
     project.CurrentRegion = 7;
     const ImportResult result = test::ImportText(project, host, "leybold", LeyboldFile(10));
     EXPECT_EQ(MessageTexts(result.Messages()), std::vector<std::string>{msg::kTooManyRegions});
@@ -63,8 +62,8 @@ TEST_F(Leybold, StartingAtSlot7DeletesWhatStoodThereAndTenRegionsWarn) {
         EXPECT_EQ(r.BindingEnergy[1], 100 + i);
         EXPECT_FALSE(IsSet(r.HasBackground) || r.PeakCount != 0);
     }
-    EXPECT_FALSE(IsSet(project.Peaks[0].InUse) || IsSet(project.Peaks[1].InUse));
-    EXPECT_EQ(project.CurrentRegion, 7);
+    EXPECT_TRUE(!IsSet(project.Peaks[0].InUse) && !IsSet(project.Peaks[1].InUse) &&
+                project.CurrentRegion == 7);
     EXPECT_EQ(project.Regions[8].Caption.Str().substr(0, 8), "Region 1");
 }
 

@@ -121,16 +121,15 @@ void CheckRealVamas(const RealVamas& f) {
     const bool big = std::ranges::any_of(f.blocks, [](auto& b) { return std::get<2>(b) > 5000; });
     EXPECT_EQ(test::MessageTexts(result.Messages()).size(), big ? 1u : 0u);
     const std::vector<std::string> lines = test::FileLines(path);
-    auto trimmed = [](std::string l) {
-        l.erase(0, l.find_first_not_of(' '));
-        return l.erase(l.find_last_not_of(' ') + 1);
-    };
     std::size_t i = 0;
     for (std::size_t k = 0; k < f.blocks.size(); ++k) {
         SCOPED_TRACE(k);
         const auto [start, step, points] = f.blocks[k];
         // The values follow the line that states their count, and a pair of lines per variable.
-        while (i < lines.size() && trimmed(lines[i]) != std::to_string(points * f.variables)) ++i;
+        while (i < lines.size() &&
+               (LeadingNumberLength(lines[i]) != lines[i].find_last_not_of(' ') + 1 ||
+                LeadingNumber(lines[i]) != points * f.variables))
+            ++i;
         const std::size_t first = i + 1 + 2 * static_cast<std::size_t>(f.variables);
         i = first + static_cast<std::size_t>(points * f.variables);
         const Region& r = project.Regions[k];
