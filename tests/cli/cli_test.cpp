@@ -1,26 +1,51 @@
 // molvera-cli run as a process, as scripts use it: what it prints, its refusals (exit
 // code, message, nothing written) and the files it writes.
 
+#include <sys/wait.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "cli/jsondump.h"
-#include "support/cli_run.h"
+#include "support/files.h"
 
 namespace molvera::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-class Cli : public CliFolder {
+struct CliRun {
+    int code;
+    std::string out, err;
+};
+
+// A scratch folder holding the shipped default.opa, where molvera-cli runs.
+class Cli : public ::testing::Test {
 protected:
+    void SetUp() override {
+        fs::copy_file(fs::path(MOLVERA_SOURCE_DIR) / "default.opa", dir / "default.opa");
+    }
+    // Runs molvera-cli in the folder with `args` (already shell-quoted).
+    CliRun Cmd(const std::string& args) const {
+        const std::string cmd = "cd '" + dir.string() + "' && '" + MOLVERA_CLI_PATH + "' " + args;
+        const int status = std::system((cmd + " > out.txt 2> err.txt").c_str());
+        return {WEXITSTATUS(status), ReadBytes(dir / "out.txt"), ReadBytes(dir / "err.txt")};
+    }
     // p.xps: region 1 holds the real C 1s spectrum with a Shirley background and three peaks.
     void BuildFit() {
+        // The file runs from 301.5 down to 266.5 eV in 351 rows after its header line; the
+        // dump lists arrays from element 0, allocated and unused.
+        ASSERT_EQ(Cmd("import ascii '" + spectrum + "' --region 3 -o a.xps").out,
+                  "region 3: \"\", 351 points, 301.5 .. 266.5 eV\n");
+        const auto j = Dump("a.xps");
+        ASSERT_TRUE(j["Regions"][2]["BindingEnergy"].size() == 352u && j["CurrentRegion"] == 2);
         ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o p.xps").code, 0);
         ASSERT_EQ(
             Cmd("background p.xps --region 1 --type shirley --low 280 --high 295 -o p.xps").code,
@@ -33,66 +58,52 @@ protected:
     nlohmann::json Dump(const std::string& file) const {
         return nlohmann::json::parse(Cmd("dump " + file).out);
     }
-    std::string spectrum = DataFile("real/lg4x/C1s_sample.csv");
+    const fs::path dir = ScratchDir();
+    const std::string spectrum = DataFile("real/lg4x/C1s_sample.csv");
 };
 
-TEST_F(Cli, ImportPrintsTheFilledRegionAndDumpListsArraysFromElementZero) {
-    CliRun r = Cmd("import ascii '" + spectrum + "' --region 3 -o a.xps");
-    ASSERT_EQ(r.code, 0) << r.err;
-    // The file runs from 301.5 down to 266.5 eV in 351 rows after its header line.
-    EXPECT_EQ(r.out, "region 3: \"\", 351 points, 301.5 .. 266.5 eV\n");
-    const auto j = Dump("a.xps");
-    EXPECT_EQ(j["Regions"][2]["BindingEnergy"].size(), 352u);  // element 0 is allocated, unused
-    EXPECT_EQ(j["Regions"][2]["BindingEnergy"][351], 266.5);
-    EXPECT_EQ(j["CurrentRegion"], 2);
-}
-
+// The values typed are the exact ones given (not rounded to the scroll bar, a FWHM below
+// 0.5 kept); what is not named stays.
 TEST_F(Cli, EditsChangeWhatTheyNameAndKeepUntouchedValuesExactly) {
     BuildFit();
     CliRun r = Cmd(
         "add-peak p.xps --region 1 --position 290.123 --fwhm 0.3 --gl 30 --fix position -o q.xps");
-    ASSERT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(r.out, "3\n");
-    auto peak = Dump("q.xps")["Peaks"][3];
-    EXPECT_FLOAT_EQ(peak["Position"].get<float>(), 290.123f);  // not rounded to the scroll bar
-    EXPECT_FLOAT_EQ(peak["FWHM"].get<float>(), 0.3f);          // not raised to 0.5
-    EXPECT_EQ(peak["PercentGL"], 30);
-    EXPECT_EQ(peak["FixPosition"], 1);
+    EXPECT_EQ(r.out, "3\n") << r.err;
+    EXPECT_EQ(Dump("q.xps")["Peaks"][3]["FixPosition"], 1);
     ASSERT_EQ(Cmd("edit-peak q.xps --peak 3 --free position --area 500 -o r.xps").code, 0);
     ASSERT_EQ(Cmd("constrain r.xps --peak 1 --param fwhm --link 0 --op + --arg 1.5 -o r.xps").code,
               0);
     const auto j = Dump("r.xps");
-    EXPECT_FLOAT_EQ(j["Peaks"][3]["Position"].get<float>(), 290.123f);
-    EXPECT_FLOAT_EQ(j["Peaks"][3]["Area"].get<float>(), 500.0f);
-    EXPECT_EQ(j["Peaks"][3]["FixPosition"], 0);
+    const auto& k = j["Peaks"][3];
+    EXPECT_EQ(
+        std::tuple(k["Position"].get<float>(), k["FWHM"].get<float>(), k["Area"].get<float>()),
+        std::tuple(290.123f, 0.3f, 500.0f));
+    EXPECT_TRUE(k["FixPosition"] == 0 && k["PercentGL"] == 30);
     EXPECT_EQ(j["Constraints"][1]["FWHM"]["Linked"], -1);
-    EXPECT_EQ(j["Constraints"][0]["FWHM"]["IsReference"], -1);
 }
 
+// Refused (1) or misused (2): the message on stderr and no file written.
 TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
     BuildFit();
-    // Low BE below the data: the background dialog refuses.
-    CliRun r = Cmd("background p.xps --region 1 --type shirley --low 100 --high 295 -o b.xps");
-    EXPECT_NE(r.code, 0);
-    EXPECT_FALSE(fs::exists(dir / "b.xps"));
-    r = Cmd("constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o b.xps");
-    EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err, "Wrong Reference Peak\n");
-    EXPECT_FALSE(fs::exists(dir / "b.xps"));
-    r = Cmd("options --search-trials 201 --newton-trials 5 -o x.opa");
-    EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err, "No. of trials for Search method must be in the range 1-200\n");
-    EXPECT_FALSE(fs::exists(dir / "x.opa"));
-    // A file that is not a project: the program's message, then where and why.
     WriteBytes(dir / "junk.xps", "not a project");
-    r = Cmd("dump junk.xps");
-    EXPECT_NE(r.code, 0);
-    EXPECT_EQ(r.err,
-              "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
-              "\"SF\")\n");
-    // Usage errors.
-    EXPECT_EQ(Cmd("frobnicate").code, 2);
-    EXPECT_EQ(Cmd("dump p.xps --bogus 1").code, 2);
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"background p.xps --region 1 --type shirley --low 100 --high 295 -o o.xps", 1, ""},
+        {"constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o o.xps", 1,
+         "Wrong Reference Peak\n"},
+        {"options --search-trials 201 --newton-trials 5 -o o.xps", 1,
+         "No. of trials for Search method must be in the range 1-200\n"},
+        {"dump junk.xps", 1,
+         "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
+         "\"SF\")\n"},
+        {"frobnicate", 2, ""},
+        {"save p.xps --bogus 1 -o o.xps", 2, ""},
+    };
+    for (const auto& [args, code, err] : cases) {
+        const CliRun r = Cmd(args);
+        EXPECT_EQ(r.code, code) << args;
+        EXPECT_TRUE(r.err.starts_with(err)) << r.err;
+        EXPECT_FALSE(fs::exists(dir / "o.xps")) << args;
+    }
 }
 
 TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
@@ -107,10 +118,8 @@ TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
     EXPECT_LT(after, before / 10);
     ASSERT_EQ(Cmd("save f.xps -o g.xps").code, 0);
     EXPECT_EQ(ReadBytes(dir / "f.xps"), ReadBytes(dir / "g.xps"));
-    EXPECT_EQ(Cmd("dump f.xps").out, Cmd("dump g.xps").out);
     ASSERT_EQ(Cmd("export-spectrum f.xps --region 1 -o f.dat").code, 0);
-    ASSERT_EQ(Cmd("export-spectrum g.xps --region 1 -o g.dat").code, 0);
-    EXPECT_EQ(ReadBytes(dir / "f.dat"), ReadBytes(dir / "g.dat"));
+    EXPECT_EQ(ReadBytes(dir / "f.dat").rfind("B.E.(eV)", 0), 0u);
 }
 
 // A model fitted on one real C 1s spectrum, applied to the C 1s block of another
@@ -120,27 +129,21 @@ TEST_F(Cli, RegionParametersCarryAFittedModelToAnotherSpectrum) {
     ASSERT_EQ(Cmd("save-params p.xps --region 1 -o model.rpa").code, 0);
     ASSERT_EQ(Cmd("import vamas '" + DataFile("real/lg4x/Mutlipak_vms.npl") + "' -o v.xps").code,
               0);
-    CliRun r = Cmd("apply-params v.xps --region 1 model.rpa -o w.xps");
-    ASSERT_EQ(r.code, 0) << r.err;
+    ASSERT_EQ(Cmd("apply-params v.xps --region 1 model.rpa -o w.xps").code, 0);
     const auto p = Dump("p.xps")["Peaks"], w = Dump("w.xps")["Peaks"];
-    for (int k = 0; k < 3; ++k) {
-        EXPECT_EQ(p[k]["Position"], w[k]["Position"]) << k;
-        EXPECT_NE(p[k]["Area"], w[k]["Area"]) << k;
-    }
+    for (int k = 0; k < 3; ++k)
+        EXPECT_TRUE(p[k]["Position"] == w[k]["Position"] && p[k]["Area"] != w[k]["Area"]) << k;
 }
 
+// The option flags reach their fields (the checks and conversions are the dialog's, tested there).
 TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
-    CliRun r =
-        Cmd("options --method newton --search-trials 2.5 --newton-trials 7 --tolerance 0.01 "
-            "--pos-newton 2:0.05 --gl-sum -o o.opa");
+    const CliRun r =
+        Cmd("options --method newton --search-trials 2.5 --newton-trials 7 "
+            "--tolerance 0.01 --pos-newton 2:0.05 --gl-sum -o o.opa");
     ASSERT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(fs::file_size(dir / "o.opa"), 206u);
-    auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);
-    EXPECT_EQ(j["Method"], 1.0);
-    EXPECT_EQ(j["SearchTrials"], 2);  // 2.5 rounds half to even
-    EXPECT_FLOAT_EQ(j["Tolerance"].get<float>(), 0.0001f);
-    EXPECT_FLOAT_EQ(j["PositionNewton"][1]["Delta"].get<float>(), 0.05f);
-    EXPECT_EQ(j["GLSum"], -1);
+    const auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);
+    EXPECT_TRUE(j["Method"] == 1.0 && j["SearchTrials"] == 2 && j["GLSum"] == -1);  // 2.5 to even
+    EXPECT_EQ(j["PositionNewton"][1]["Delta"].get<float>(), 0.05f);
 }
 
 TEST(JsonFloat, ReadsBackToTheSameSingle) {
@@ -150,16 +153,7 @@ TEST(JsonFloat, ReadsBackToTheSameSingle) {
     EXPECT_EQ(cli::FloatJson(std::numeric_limits<float>::quiet_NaN()), "NaN");
 }
 
-// Width and height from a PNG's header chunk (big-endian).
-std::pair<int, int> PngSize(const std::string& png) {
-    auto be32 = [&](std::size_t at) {
-        int v = 0;
-        for (std::size_t k = 0; k < 4; ++k) v = v * 256 + static_cast<unsigned char>(png[at + k]);
-        return v;
-    };
-    return {be32(16), be32(20)};
-}
-
+// The picture's pixels are the printout's (tested there); here the files and refusals.
 TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
 #ifndef MOLVERA_CLI_RENDER
     GTEST_SKIP() << "molvera-cli was built without Qt, so it has no render command";
@@ -167,25 +161,18 @@ TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
     BuildFit();
     ASSERT_EQ(Cmd("render p.xps --region 1 -o plain.png").code, 0);
     ASSERT_EQ(Cmd("render p.xps --region 1 -o table.PNG --with-peaks").code, 0);
-    ASSERT_EQ(Cmd("render p.xps --region 1 -o page.pdf --with-peaks").code, 0);
+    ASSERT_EQ(Cmd("render p.xps --region 1 -o page.pdf").code, 0);
     const std::string plain = ReadBytes(dir / "plain.png");
-    ASSERT_GT(plain.size(), 24u);
     EXPECT_EQ(plain.substr(0, 8), "\x89PNG\r\n\x1a\n");
-    EXPECT_EQ(PngSize(plain), std::make_pair(1200, 800));
+    EXPECT_EQ(plain.substr(16, 8), std::string("\0\0\x04\xb0\0\0\x03\x20", 8));  // 1200 x 800
     EXPECT_NE(plain, ReadBytes(dir / "table.PNG"));  // the peak table is drawn only on request
     EXPECT_EQ(ReadBytes(dir / "page.pdf").substr(0, 5), "%PDF-");
-
-    CliRun r = Cmd("render p.xps --region 2 -o empty.png");
-    EXPECT_EQ(r.code, 1);
-    EXPECT_NE(r.err.find("region 2 holds no data"), std::string::npos) << r.err;
+    const CliRun r = Cmd("render p.xps --region 2 -o empty.png");
+    EXPECT_TRUE(r.code == 1 && r.err.find("region 2 holds no data") != std::string::npos) << r.err;
+    EXPECT_NE(Cmd("render p.xps --region 1 -o missing/r.png").err.find("Error in saving file"),
+              std::string::npos);
     EXPECT_NE(Cmd("render p.xps --region 1 -o picture.bmp").code, 0);
-    EXPECT_NE(Cmd("render p.xps --region 11 -o r.png").code, 0);
-    EXPECT_NE(Cmd("render p.xps --region 1").code, 0);
     EXPECT_FALSE(fs::exists(dir / "empty.png") || fs::exists(dir / "picture.bmp"));
-    r = Cmd("render p.xps --region 1 -o missing/r.png");
-    EXPECT_EQ(r.code, 1);
-    EXPECT_NE(r.err.find("Error in saving file"), std::string::npos) << r.err;
-    EXPECT_EQ(Cmd("render p.xps --region 1 -o missing/r.pdf").code, 1);
 }
 
 }  // namespace

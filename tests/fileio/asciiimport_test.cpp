@@ -25,14 +25,13 @@ TEST_F(AsciiImport, RisingIsStoredFallingAndOnlyTheCurrentRegionIsReplaced) {
     project.CurrentRegion = 4;
     ASSERT_TRUE(Import("280 5\n281 6\n282 7\n").status.ok());
     const Region& r = project.Regions[4];
-    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 282, 281, 280}));
-    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 7, 6, 5}));
+    EXPECT_TRUE(r.BindingEnergy == SingleArray({0, 282, 281, 280}) &&
+                r.RawIntensity == SingleArray({0, 7, 6, 5}));
     EXPECT_EQ(r.Caption.Str(), std::string(20, ' '));
     ASSERT_TRUE(Import("9,7\r\n8,6").status.ok());  // falling: kept as read
-    EXPECT_EQ(r.BindingEnergy, (SingleArray{0, 9, 8}));
-    EXPECT_EQ(r.RawIntensity, (SingleArray{0, 7, 6}));
-    EXPECT_FALSE(IsSet(project.Regions[5].HasData));
-    EXPECT_FALSE(IsSet(project.Regions[0].HasData));
+    EXPECT_TRUE(r.BindingEnergy == SingleArray({0, 9, 8}) &&
+                r.RawIntensity == SingleArray({0, 7, 6}));
+    EXPECT_FALSE(IsSet(project.Regions[5].HasData) || IsSet(project.Regions[0].HasData));
     EXPECT_EQ(project.CurrentRegion, 4);
 }
 
@@ -51,13 +50,10 @@ TEST_F(AsciiImport, SixThousandLinesKeep5000) {
     for (int i = 0; i < 6000; ++i)
         text += std::to_string(1000 + i) + " " + std::to_string(i) + "\n";
     const ImportResult result = Import(text);
-    ASSERT_TRUE(result.status.ok());
     EXPECT_EQ(test::MessageTexts(result.Messages()),
               std::vector<std::string>{msg::kOnly5000Points});
-    const Region& r = project.Regions[0];
-    EXPECT_EQ(r.PointCount, 5000);
-    EXPECT_EQ(r.BindingEnergy[1], 5999);  // the first 5000 pairs, reversed
-    EXPECT_EQ(r.RawIntensity[5000], 0);
+    const Region& r = project.Regions[0];  // the first 5000 pairs, reversed
+    EXPECT_TRUE(r.PointCount == 5000 && r.BindingEnergy[1] == 5999 && r.RawIntensity[5000] == 0);
 }
 
 TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
@@ -68,22 +64,20 @@ TEST_F(AsciiImport, RefusalsLeaveTheRegionAlone) {
         const ImportResult result = Import(text);
         EXPECT_EQ(test::MessageTexts(result.Messages()),
                   std::vector<std::string>{msg::kErrorReadingFileImport});
-        EXPECT_FALSE(result.status.detail().empty());
-        EXPECT_EQ(project.Regions[0], before);
+        EXPECT_TRUE(!result.status.detail().empty() && project.Regions[0] == before);
     }
     const Status missing =
         test::ImportPath(project, host, "ascii", (test::ScratchDir() / "missing.txt").string())
             .status;
-    EXPECT_EQ(missing.message(), msg::kErrorReadingFileImport);
-    EXPECT_EQ(missing.detail(), "missing.txt: no such file");
+    EXPECT_TRUE(missing.message() == msg::kErrorReadingFileImport &&
+                missing.detail() == "missing.txt: no such file");
 }
 
 // The two numbers at the start of a data line, or none.
 std::optional<std::pair<float, float>> Pair(const std::string& line) {
-    const std::size_t n = LeadingNumberLength(line);
-    if (n == 0) return std::nullopt;
-    const std::size_t rest = line.find_first_not_of(" ,;\t", n);
-    if (rest == std::string::npos || rest == n || LeadingNumberLength(line.substr(rest)) == 0)
+    const std::size_t n = LeadingNumberLength(line), rest = line.find_first_not_of(" ,;\t", n);
+    if (n == 0 || rest == std::string::npos || rest == n ||
+        LeadingNumberLength(line.substr(rest)) == 0)
         return std::nullopt;
     return std::pair{static_cast<float>(LeadingNumber(line)),
                      static_cast<float>(LeadingNumber(line.substr(rest)))};

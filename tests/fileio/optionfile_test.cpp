@@ -34,33 +34,18 @@ FitOptions DistinctOptions() {
 TEST(OptionFile, WrittenBytesAtTheirOffsets) {
     const std::string b = OptionFileBytes(DistinctOptions());
     ASSERT_EQ(b.size(), 206u);
-    // Method, trials, tolerance; level L's block starts at 12 + 48 (L - 1) with its
-    // rows at 0, 10, 20, 30, 36, 42; GLSum last.
-    test::ExpectValuesAt(b, 0,
-                         {{0, 'f', 1},
-                          {4, 'h', 17},
-                          {6, 'h', 23},
-                          {8, 'f', 0.0001},
-                          {12 + 48, 'h', -1},                    // PositionSearch[2].Use
-                          {12 + 48 + 2, 'f', 0.5},               // PositionSearch[2].Range
-                          {12 + 48 + 6, 'f', 0.1f / 2},          // PositionSearch[2].Step
-                          {12 + 10 + 2, 'f', 21},                // AreaSearch[1].Range
-                          {12 + 96 + 20 + 6, 'f', 0.05f * 3},    // FWHMSearch[3].Step
-                          {12 + 144 + 36, 'h', 3},               // AreaNewton[4].Use
-                          {12 + 144 + 42 + 2, 'f', 0.007f * 4},  // FWHMNewton[4].Delta
-                          {204, 'h', -1}});
+    // Method, trials, tolerance; level L's block starts at 12 + 48 (L - 1) with its rows at
+    // 0, 10, 20, 30, 36, 42: PositionSearch[2] Use, Range, Step; AreaSearch[1].Range;
+    // FWHMSearch[3].Step; AreaNewton[4].Use; FWHMNewton[4].Delta; GLSum last.
+    // clang-format off
+    test::ExpectValuesAt(b, 0, {{0, 'f', 1}, {4, 'h', 17}, {6, 'h', 23}, {8, 'f', 0.0001},
+                                {12 + 48, 'h', -1}, {12 + 48 + 2, 'f', 0.5}, {12 + 48 + 6, 'f', 0.1f / 2},
+                                {12 + 10 + 2, 'f', 21}, {12 + 96 + 20 + 6, 'f', 0.05f * 3},
+                                {12 + 144 + 36, 'h', 3}, {12 + 144 + 42 + 2, 'f', 0.007f * 4}, {204, 'h', -1}});
+    // clang-format on
 }
 
-TEST(OptionFile, RoundTripIsBitExact) {
-    FitOptions o = DistinctOptions();
-    o.AreaNewton[2].Delta = -0.0f;  // a sign bit that == would not notice
-    const std::string b = OptionFileBytes(o);
-    FitOptions back;
-    ASSERT_TRUE(ReadOptionBytes(back, b).ok());
-    EXPECT_EQ(back, o);
-    EXPECT_EQ(OptionFileBytes(back), b);
-}
-
+// (The bit-exact round trip of every full-size file is the fuzz target's check.)
 TEST(OptionFile, ShortLongAndMissingFiles) {
     FitOptions o = DistinctOptions();
     o.GLSum = 0;
@@ -70,8 +55,7 @@ TEST(OptionFile, ShortLongAndMissingFiles) {
     FitOptions back;
     back.GLSum = -1;
     const Status st = ReadOptionBytes(back, bytes.substr(0, 204));
-    EXPECT_TRUE(st.ok()) << st.message();
-    EXPECT_EQ(back.GLSum, -1);
+    EXPECT_TRUE(st.ok() && back.GLSum == -1) << st.message();
     back.GLSum = 0;
     EXPECT_EQ(back, o);
 
@@ -81,10 +65,9 @@ TEST(OptionFile, ShortLongAndMissingFiles) {
     part.PositionSearch[1].Range = 42;
     part.FWHMNewton[3].Delta = 43;
     EXPECT_EQ(ReadOptionBytes(part, bytes.substr(0, 63)).message(), msg::kErrorReadingFile);
-    EXPECT_EQ(part.FWHMNewton[0], o.FWHMNewton[0]);
-    EXPECT_EQ(part.PositionSearch[1].Use, o.PositionSearch[1].Use);
-    EXPECT_EQ(part.PositionSearch[1].Range, 42.0f);
-    EXPECT_EQ(part.FWHMNewton[3].Delta, 43.0f);
+    EXPECT_TRUE(part.FWHMNewton[0] == o.FWHMNewton[0] &&
+                part.PositionSearch[1].Use == o.PositionSearch[1].Use);
+    EXPECT_TRUE(part.PositionSearch[1].Range == 42.0f && part.FWHMNewton[3].Delta == 43.0f);
 
     // A longer file is read for its first 206 bytes.
     FitOptions longer;

@@ -31,8 +31,7 @@ protected:
     void SetUp() override {
         test::FillSampleRegion(project, 0, 60, 295.0f, 0.25f);
         test::GiveSampleBackground(project, 0);
-        AddPeak(project, QuietHost());
-        AddPeak(project, QuietHost());
+        for (int k = 0; k < 2; ++k) AddPeak(project, QuietHost());
     }
     Project project;
     const std::pair<const char*, std::function<Status(const std::string&)>> writers[5] = {
@@ -66,24 +65,22 @@ TEST_F(SaveFailure, WriteCutShortByTheFileSizeLimitKeepsThePreviousFile) {
         // A successful save replaces a longer previous file whole.
         ASSERT_TRUE(write(target.string()).ok());
         const std::string fresh = ReadBytes(target);
-        ASSERT_GT(fresh.size(), 100u);
         test::WriteBytes(target, std::string(100000, 'x'));
-        ASSERT_TRUE(write(target.string()).ok());
+        ASSERT_TRUE(write(target.string()).ok() && fresh.size() > 100u);
         EXPECT_EQ(ReadBytes(target), fresh);
 
         // A file size limit makes the write itself fail (even for a privileged user).
         test::WriteBytes(target, "previous contents");
         rlimit old{};
         ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-        rlimit small = old;
-        small.rlim_cur = 100;
+        const rlimit small{100, old.rlim_max};
         auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
         const Status st = write(target.string());
         setrlimit(RLIMIT_FSIZE, &old);
         std::signal(SIGXFSZ, previousHandler);
-        EXPECT_EQ(st.message(), msg::kErrorWritingFile);
-        EXPECT_EQ(ReadBytes(target), "previous contents");
+        EXPECT_TRUE(st.message() == msg::kErrorWritingFile &&
+                    ReadBytes(target) == "previous contents");
         EXPECT_EQ(std::distance(fs::directory_iterator(dir), {}), 1) << "temporary file left";
     }
 }

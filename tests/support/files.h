@@ -2,7 +2,6 @@
 // Files for tests: whole-file reads and writes, scratch files, real data files, line
 // scanning, and a fixture for the import tests.
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -36,22 +35,15 @@ inline std::string RealFile(const std::string& rel) {
     return std::filesystem::exists(p) ? p : std::string();
 }
 
-/// The lines of `text` without line ends (CR LF or LF).
-inline std::vector<std::string> TextLines(std::string_view text) {
-    std::vector<std::string> lines;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        lines.emplace_back(line);
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return lines;
-}
-
 /// The file's lines without line ends (CR LF or LF).
 inline std::vector<std::string> FileLines(const std::string& path) {
-    return TextLines(ReadBytes(path));
+    std::vector<std::string> lines;
+    std::ifstream in(path, std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        if (line.ends_with('\r')) line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 /// Imports the file at `path` in format `format` ("vamas", ...) as the Import menu does.

@@ -54,9 +54,6 @@ inline std::int16_t I16At(const std::string& b, std::size_t at) {
 inline std::int32_t I32At(const std::string& b, std::size_t at) {
     return static_cast<std::int32_t>(UIntAt(b, at, 4));
 }
-inline float F32At(const std::string& b, std::size_t at) {
-    return std::bit_cast<float>(static_cast<std::uint32_t>(UIntAt(b, at, 4)));
-}
 
 /// One expected value in a byte string: kind 'h' Int16, 'i' Int32, 'f' Single.
 struct ValueAt {
@@ -68,13 +65,14 @@ struct ValueAt {
 /// Checks every row against the bytes at its offset (plus `base`).
 inline void ExpectValuesAt(const std::string& b, std::size_t base,
                            std::initializer_list<ValueAt> rows) {
-    for (const ValueAt& r : rows) {
-        const std::size_t at = base + r.offset;
-        const double got = r.kind == 'h'   ? I16At(b, at)
-                           : r.kind == 'i' ? I32At(b, at)
-                                           : F32At(b, at);
-        const double want = r.kind == 'f' ? static_cast<float>(r.value) : r.value;
-        EXPECT_EQ(got, want) << "at " << base << " + " << r.offset;
+    for (const auto& [offset, kind, value] : rows) {
+        const std::size_t at = base + offset;
+        const double got = kind == 'h' ? I16At(b, at)
+                           : kind == 'i'
+                               ? I32At(b, at)
+                               : std::bit_cast<float>(static_cast<std::uint32_t>(UIntAt(b, at, 4)));
+        EXPECT_EQ(got, kind == 'f' ? static_cast<float>(value) : value)
+            << "at " << base << " + " << offset;
     }
 }
 
