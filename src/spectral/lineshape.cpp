@@ -97,13 +97,19 @@ const LineShapeTables& GLTables() {
     return tables;
 }
 
-float GLSumAreaFactor(int g, double TS, double TL) {
+double GLSumAreaFactorAt(double g, double TS, double TL) {
     double K = kGLSumAreaPerGL * g + kGaussAreaFactor;
     if (TS != 0) {
         const double a = 27.6 / TL;
         K += TS * (kSqrtPi / std::sqrt(a) - kSqrtPi / std::sqrt(a + kFourLn2));
     }
-    return static_cast<float>(K);
+    return K;
+}
+
+double GLSumAreaFactorSlope() { return kGLSumAreaPerGL; }
+
+float GLSumAreaFactor(int g, double TS, double TL) {
+    return static_cast<float>(GLSumAreaFactorAt(g, TS, TL));
 }
 
 PeakShape::Component PeakShape::MakeComponent(bool glSum, double p, double A, double w, int g,

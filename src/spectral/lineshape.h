@@ -23,6 +23,10 @@ const LineShapeTables& GLTables();
 
 /// Area factor K of a GL sum line of unit height and unit FWHM.
 float GLSumAreaFactor(int g, double TS, double TL);
+/// The same for any %GL g, in Double: it grows by a fixed amount per %GL.
+double GLSumAreaFactorAt(double g, double TS, double TL);
+/// d GLSumAreaFactorAt / d g.
+double GLSumAreaFactorSlope();
 
 /// One line of area A at p.
 float ComponentValue(bool glSum, double x, double p, double A, double w, int g, double TS,
