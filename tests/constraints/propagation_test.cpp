@@ -1,5 +1,7 @@
 #include "constraints/propagation.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "model/project.h"
@@ -27,54 +29,44 @@ protected:
     Project project;
 };
 
-TEST_F(PropagationTest, EachOperationAndUnknownOperation) {
-    Link(PeakParameter::Position, 5, 1, 0, 2.5f);  // + 2.5
-    project.Peaks[1].Position = 284.0f;
-    PropagatePosition(project, 1);
-    EXPECT_EQ(project.Peaks[5].Position, 286.5f);
-    EXPECT_EQ(project.Peaks[2].Position, 282.0f);  // unrelated peak untouched
-    project.Peaks[0].Area = 1000.0f;
-    Link(PeakParameter::Area, 1, 0, 1, 250.0f);  // - 250
-    Link(PeakParameter::Area, 2, 0, 2, 0.5f);    // * 0.5
-    Link(PeakParameter::Area, 3, 0, 3, 8.0f);    // / 8
-    Link(PeakParameter::Area, 4, 0, 7, 8.0f);    // no such operation
-    project.Peaks[4].Area = 42.0f;
-    PropagateArea(project, 0);
-    EXPECT_EQ(project.Peaks[1].Area, 750.0f);
-    EXPECT_EQ(project.Peaks[2].Area, 500.0f);
-    EXPECT_EQ(project.Peaks[3].Area, 125.0f);
-    EXPECT_EQ(project.Peaks[4].Area, 42.0f);
-}
-
-TEST_F(PropagationTest, GLRoundsHalvesToEvenWithoutClampingButNotBeyondInt16) {
-    Link(PeakParameter::GL, 1, 0, 2, 1.5f);
-    // 37.5, 52.5, and 135: not limited to 100.
-    for (const auto& [gl, expected] : {std::pair<Int16, Int16>{25, 38}, {35, 52}, {90, 135}}) {
-        project.Peaks[0].PercentGL = gl;
-        PropagateGL(project, 0);
-        EXPECT_EQ(project.Peaks[1].PercentGL, expected) << gl;
+// Each operation, and what is not stored: an unknown operation, a division by zero (from
+// a file) and a %GL beyond Int16. %GL rounds halves to even and is not limited to 100.
+TEST_F(PropagationTest, EachOperationAndWhatIsNotStored) {
+    using enum PeakParameter;
+    struct Case {
+        PeakParameter g;
+        int op;
+        float arg, reference, expected;  ///< the dependent's value, 7 before
+    };
+    const Case cases[] = {
+        {Position, 0, 2.5f, 284, 286.5f},
+        {Area, 1, 250, 1000, 750},
+        {Area, 2, 0.5f, 1000, 500},
+        {Area, 3, 8, 1000, 125},
+        {Area, 7, 8, 1000, 7},
+        {GL, 2, 1.5f, 25, 38},
+        {GL, 2, 1.5f, 35, 52},
+        {GL, 2, 1.5f, 90, 135},
+        {GL, 2, 1000, 100, 7},
+        {FWHM, 3, 0, 1.2f, 7},
+        {GL, 3, 0, 30, 7},
+        {FWHM, 3, 0, 0, 7},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::Message() << static_cast<int>(c.g) << " op " << c.op << " " << c.arg
+                                          << " on " << c.reference);
+        SetUp();
+        Link(c.g, 1, 0, c.op, c.arg);
+        Peak& r = project.Peaks[0];
+        Peak& d = project.Peaks[1];
+        std::tie(r.Position, r.Area, r.FWHM, r.PercentGL) =
+            std::tuple(c.reference, c.reference, c.reference, static_cast<Int16>(c.reference));
+        std::tie(d.Position, d.Area, d.FWHM, d.PercentGL) = std::tuple(7.0f, 7.0f, 7.0f, Int16{7});
+        Propagate(project, c.g, 0);
+        const float values[] = {d.Position, d.Area, d.FWHM, static_cast<float>(d.PercentGL)};
+        EXPECT_EQ(values[static_cast<int>(c.g)], c.expected);
+        EXPECT_EQ(project.Peaks[2].Position, 282.0f);  // an unrelated peak is left alone
     }
-    Link(PeakParameter::GL, 1, 0, 2, 1000.0f);
-    project.Peaks[0].PercentGL = 100;
-    project.Peaks[1].PercentGL = 7;
-    PropagateGL(project, 0);
-    EXPECT_EQ(project.Peaks[1].PercentGL, 7);
-}
-
-TEST_F(PropagationTest, DivisionByZeroFromFileStoresNothing) {
-    Link(PeakParameter::FWHM, 1, 0, 3, 0.0f);
-    Link(PeakParameter::GL, 1, 0, 3, 0.0f);
-    project.Peaks[0].FWHM = 1.2f;
-    project.Peaks[1].FWHM = 1.7f;
-    project.Peaks[1].PercentGL = 30;
-    PropagateFWHM(project, 0);
-    PropagateGL(project, 0);
-    ApplyAllRelations(project);
-    EXPECT_EQ(project.Peaks[1].FWHM, 1.7f);
-    EXPECT_EQ(project.Peaks[1].PercentGL, 30);
-    project.Peaks[0].FWHM = 0.0f;  // 0/0
-    PropagateFWHM(project, 0);
-    EXPECT_EQ(project.Peaks[1].FWHM, 1.7f);
 }
 
 TEST_F(PropagationTest, ChainsFollowTheirReferencesOnly) {

@@ -44,12 +44,40 @@ TEST_F(NewtonTest, SamplesInOrderThenMovesTowardTheMinimum) {
     EXPECT_EQ(project.Peaks[1].Position, project.Peaks[0].Position + 5.0f);
 }
 
-TEST_F(NewtonTest, HighLimitCapsTheStepExactly) {
-    project.Constraints[0][PeakParameter::Position] = Limits(284.0f, 285.1f);
-    bool improved = false;
-    NewtonPosition(project, host, 0, 0.01f, improved);
-    EXPECT_TRUE(improved);
-    EXPECT_EQ(project.Peaks[0].Position, 285.1f);
+// One step from 285 eV, area 1000 (the data's peak lies at 285.3 eV): a limit caps the
+// step exactly, a step that scores the same counts as improved, and a worse step (or
+// none, when the peak has no influence) leaves the peak and the region as they were.
+TEST_F(NewtonTest, LimitedEqualWorseAndNoSteps) {
+    struct Case {
+        const char* why;
+        PeakParameter g;
+        float low, high, delta, area;
+        bool improved;
+        float value;
+    };
+    const Case cases[] = {
+        {"capped", PeakParameter::Position, 284, 285.1f, 0.01f, 1000, true, 285.1f},
+        {"equal", PeakParameter::Area, 1000, 1000, 10, 1000, true, 1000},
+        {"worse", PeakParameter::Position, 280, 283, 0.01f, 1000, false, 285},
+        {"no influence", PeakParameter::Position, 0, 1000, 0.01f, 0, false, 285},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.why);
+        SetUp();
+        project.Peaks[0].Area = c.area;
+        project.Constraints[0][c.g] = Limits(c.low, c.high);
+        test::Settle(project);
+        const Region before = project.Regions[0];
+        bool improved = !c.improved;
+        const bool area = c.g == PeakParameter::Area;
+        (area ? NewtonArea : NewtonPosition)(project, host, 0, c.delta, improved);
+        EXPECT_EQ(std::pair(improved, area ? project.Peaks[0].Area : project.Peaks[0].Position),
+                  std::pair(c.improved, c.value));
+        if (!c.improved) {
+            EXPECT_EQ(project.Regions[0].PeakSumCurve, before.PeakSumCurve);
+            EXPECT_EQ(project.Regions[0].ChiSquare, before.ChiSquare);
+        }
+    }
 }
 
 TEST_F(NewtonTest, AreaNeverDropsBelowOneTenth) {
@@ -62,50 +90,6 @@ TEST_F(NewtonTest, AreaNeverDropsBelowOneTenth) {
     NewtonArea(project, host, 0, 0.01f, improved);
     EXPECT_TRUE(improved);
     EXPECT_EQ(project.Peaks[0].Area, 0.1f);
-}
-
-TEST_F(NewtonTest, NoInfluenceMeansNoStep) {
-    project.Peaks[0].Area = 0;
-    test::Settle(project);
-    const float chi = project.Regions[0].ChiSquare;
-    bool improved = true;
-    NewtonPosition(project, host, 0, 0.01f, improved);
-    EXPECT_FALSE(improved);
-    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
-    EXPECT_EQ(project.Regions[0].ChiSquare, chi);
-}
-
-TEST_F(NewtonTest, EqualScoreCountsAsImproved) {
-    // Limits pinning the area to its value: the step lands on x0 and scores the same.
-    project.Constraints[0][PeakParameter::Area] = Limits(1000, 1000);
-    bool improved = false;
-    NewtonArea(project, host, 0, 10.0f, improved);
-    EXPECT_TRUE(improved);
-    EXPECT_EQ(project.Peaks[0].Area, 1000.0f);
-}
-
-TEST_F(NewtonTest, WorseStepIsUndoneAndProjectConsistent) {
-    // A high limit far on the wrong side forces a step that scores worse.
-    project.Constraints[0][PeakParameter::Position] = Limits(280, 283);
-    const Region before = project.Regions[0];
-    bool improved = true;
-    NewtonPosition(project, host, 0, 0.01f, improved);
-    EXPECT_FALSE(improved);
-    EXPECT_EQ(project.Peaks[0].Position, 285.0f);
-    EXPECT_TRUE(project.Regions[0].PeakSumCurve == before.PeakSumCurve);
-    EXPECT_EQ(project.Regions[0].ChiSquare, before.ChiSquare);
-}
-
-TEST_F(NewtonTest, FWHMSamplesAtOrBelowZeroAreTolerated) {
-    project.Peaks[0].FWHM = 0.05f;
-    test::Settle(project);
-    bool improved = true;
-    NewtonFWHM(project, host, 0, 0.5f, improved);  // samples down to 0.05 - 3 eV
-    EXPECT_TRUE(std::isfinite(project.Peaks[0].FWHM));
-    EXPECT_TRUE(std::isfinite(project.Regions[0].ChiSquare));
-    if (!improved) {
-        EXPECT_EQ(project.Peaks[0].FWHM, 0.05f);
-    }
 }
 
 TEST_F(NewtonTest, PeakOperationsConvergeOnTheData) {

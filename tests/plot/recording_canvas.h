@@ -17,25 +17,20 @@ struct CanvasOp {
     double x1 = 0, y1 = 0, x2 = 0, y2 = 0;  ///< Scale: left, top, right, bottom
     Rgb colour;
     int width = 0;
+    bool bold = false, opaque = false;
     std::string text;
-    bool bold = false;
-    bool opaque = false;
 };
 
 class RecordingCanvas : public Canvas {
 public:
-    static constexpr double kWidthPx = 800, kHeightPx = 600, kCharPx = 8, kLinePx = 16;
-
     std::vector<CanvasOp> ops;
     double left = 0, top = 1, right = 1, bottom = 0;
 
-    void Clear() override { ops.push_back(Op(CanvasOp::Clear, 0, 0, 0, 0, kBlack)); }
+    void Clear() override { Add(CanvasOp::Clear, 0, 0, 0, 0, kBlack); }
     void SetScale(double l, double t, double r, double b) override {
-        if (!(std::isfinite(l) && std::isfinite(t) && std::isfinite(r) && std::isfinite(b)) ||
-            l == r || t == b)
-            return;
+        if (!std::isfinite(l + t + r + b) || l == r || t == b) return;
         left = l, top = t, right = r, bottom = b;
-        ops.push_back(Op(CanvasOp::Scale, l, t, r, b, kBlack));
+        Add(CanvasOp::Scale, l, t, r, b, kBlack);
     }
     void SetLineWidth(int w) override { width_ = w; }
     void SetLineStyle(LineStyle) override {}
@@ -43,28 +38,26 @@ public:
     void MoveTo(double x, double y) override { cx_ = x, cy_ = y; }
     void LineTo(double x, double y, Rgb c) override { Line(cx_, cy_, x, y, c); }
     void Line(double x1, double y1, double x2, double y2, Rgb c) override {
-        ops.push_back(Op(CanvasOp::Line, x1, y1, x2, y2, c));
+        Add(CanvasOp::Line, x1, y1, x2, y2, c);
         cx_ = x2, cy_ = y2;
     }
     void Point(double x, double y, Rgb c) override {
-        ops.push_back(Op(CanvasOp::Point, x, y, x, y, c));
+        Add(CanvasOp::Point, x, y, x, y, c);
         cx_ = x, cy_ = y;
     }
     double CurrentX() const override { return cx_; }
     double CurrentY() const override { return cy_; }
     void Print(const std::string& text) override {
-        CanvasOp op = Op(CanvasOp::Text, cx_, cy_, cx_, cy_, kBlack);
-        op.text = text;
-        ops.push_back(op);
+        Add(CanvasOp::Text, cx_, cy_, cx_, cy_, kBlack).text = text;
         cy_ -= TextHeight(text);
     }
     void SetOpaqueText(bool o) override { opaque_ = o; }
     void SetBold(bool b) override { bold_ = b; }
     double TextWidth(const std::string& t) const override {
-        return kCharPx * static_cast<double>(t.size()) * std::abs(right - left) / kWidthPx;
+        return 8.0 * static_cast<double>(t.size()) * std::abs(right - left) / 800;
     }
     double TextHeight(const std::string&) const override {
-        return kLinePx * std::abs(top - bottom) / kHeightPx;
+        return 16 * std::abs(top - bottom) / 600;
     }
 
     /// The recorded operations of one kind.
@@ -76,15 +69,8 @@ public:
     }
 
 private:
-    CanvasOp Op(CanvasOp::Kind kind, double x1, double y1, double x2, double y2, Rgb c) const {
-        CanvasOp op;
-        op.kind = kind;
-        op.x1 = x1, op.y1 = y1, op.x2 = x2, op.y2 = y2;
-        op.colour = c;
-        op.width = width_;
-        op.bold = bold_;
-        op.opaque = opaque_;
-        return op;
+    CanvasOp& Add(CanvasOp::Kind kind, double x1, double y1, double x2, double y2, Rgb c) {
+        return ops.emplace_back(CanvasOp{kind, x1, y1, x2, y2, c, width_, bold_, opaque_, ""});
     }
     double cx_ = 0, cy_ = 0;
     int width_ = 1;

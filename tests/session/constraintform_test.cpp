@@ -1,5 +1,7 @@
 #include "session/constraintform.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
@@ -82,8 +84,9 @@ TEST_F(ConstraintFormTest, ZeroArgumentOnlyRefusedForTimesAndDivideWhenUsed) {
     form.operation = "/";
     form.argumentText = "0";
     ASSERT_TRUE(AcceptConstraint(project, form).ok());
-    EXPECT_EQ(project.Constraints[1].Area.Operation, 3);
-    EXPECT_EQ(project.Constraints[1].Area.Argument, 0.0f);
+    EXPECT_EQ(
+        std::pair(project.Constraints[1].Area.Operation, project.Constraints[1].Area.Argument),
+        std::pair(Int16{3}, 0.0f));
     form.operation = "x";  // unknown text: "+"
     ASSERT_TRUE(AcceptConstraint(project, form).ok());
     EXPECT_EQ(project.Constraints[1].Area.Operation, 0);
@@ -115,30 +118,26 @@ TEST_F(ConstraintFormTest, LimitMessagesInOrderAndRelationAlreadyStored) {
     EXPECT_EQ(limits(PeakParameter::Area, "-1", "5"), msg::kNegativeRange);
     EXPECT_EQ(limits(PeakParameter::FWHM, "2", "2"), "");  // Low = High accepted
     EXPECT_EQ(limits(PeakParameter::GL, "10", "101"), msg::kOutOfRange);
-    EXPECT_TRUE(IsSet(project.Constraints[1].GL.Linked));      // stored before the refusal
-    EXPECT_FALSE(IsSet(project.Constraints[1].GL.UseLimits));  // limits keep old values
-    EXPECT_EQ(project.Constraints[1].FWHM.LowLimit, 2.0f);
-    EXPECT_EQ(project.Constraints[1].FWHM.HighLimit, 2.0f);
+    // The relation is stored before the refusal; the limits keep their old values.
+    const auto& c = project.Constraints[1];
+    EXPECT_EQ(std::tuple(c.GL.Linked, c.GL.UseLimits, c.FWHM.LowLimit, c.FWHM.HighLimit),
+              std::tuple(kTrue, kFalse, 2.0f, 2.0f));
 }
 
 TEST_F(ConstraintFormTest, OpeningCorrectsLimitsAndFillsTheForm) {
     auto& pos = project.Constraints[1].Position;
     pos = {kFalse, 4, kFalse, 0, 3, 2.5f, kFalse, 290, 0};
     OpenPositionConstraint(project, form);
-    EXPECT_EQ(pos.HighLimit, 300.0f);
-    EXPECT_EQ(pos.LowLimit, 290.0f);
-    EXPECT_EQ(form.highLimitText, " 300");
-    EXPECT_EQ(form.lowLimitText, " 290");
-    EXPECT_EQ(form.operation, "/");
-    EXPECT_EQ(form.argumentText, "2.5");
-    EXPECT_EQ(form.caption, "Constraints for Peak Position");
+    EXPECT_EQ(
+        std::tuple(pos.LowLimit, pos.HighLimit, form.lowLimitText, form.highLimitText,
+                   form.operation, form.argumentText, form.caption),
+        std::tuple(290.0f, 300.0f, " 290", " 300", "/", "2.5", "Constraints for Peak Position"));
     auto& gl = project.Constraints[1].GL;
     gl.HighLimit = 120;
     gl.LowLimit = -3;
     OpenGLConstraint(project, form);
-    EXPECT_EQ(gl.HighLimit, 100.0f);
-    EXPECT_EQ(gl.LowLimit, 0.0f);
-    EXPECT_EQ(form.caption, "Constraint for Peak %GL");
+    EXPECT_EQ(std::tuple(gl.LowLimit, gl.HighLimit, form.caption),
+              std::tuple(0.0f, 100.0f, "Constraint for Peak %GL"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "session/optionsform.h"
 
 #include <filesystem>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -53,53 +54,58 @@ TEST(OptionsDialog, ValidFormIsStoredAndHidden) {
     FitOptions o;
     o.AreaNewton[3] = {-1, 0.02f};
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
-    EXPECT_FALSE(f.visible);
-    EXPECT_EQ(o.Method, 0.0f);
-    EXPECT_EQ(o.AreaSearch[1].Step, 0.25f);
-    EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
-    EXPECT_EQ(o.AreaNewton[3].Use, kFalse);  // unticked: off, its value kept
-    EXPECT_EQ(o.AreaNewton[3].Delta, 0.02f);
+    // An unticked level is switched off and keeps its value.
+    EXPECT_EQ(std::tuple(f.visible, o.Method, o.AreaSearch[1].Step, o.FWHMNewton[0].Delta,
+                         o.AreaNewton[3].Use, o.AreaNewton[3].Delta),
+              std::tuple(false, 0.0f, 0.25f, 1.0f, kFalse, 0.02f));
     f.useSearch = false;
     f.useNewton = true;
     ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
     EXPECT_EQ(o.Method, 1.0f);
 }
 
-TEST(OptionsDialog, ToleranceFrom0To100PerCent) {
-    const std::pair<const char*, float> cases[] = {
-        {"0.01", 0.0001f}, {"abc", 0},      {"100", 1},    // no number reads as 0
-        {"-0.5", -1},      {"100.001", -1}, {"1e5", -1}};  // -1: refused, 1 kept
-    FitOptions o;
-    OptionsForm f = ValidForm();
-    for (const auto& [text, stored] : cases) {
-        f.toleranceText = text;
-        f.visible = true;
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored < 0 ? msg::kToleranceRange : "")
-            << text;
-        EXPECT_EQ(o.Tolerance, stored < 0 ? 1 : stored) << text;
-        EXPECT_EQ(f.visible, stored < 0) << text;
-    }
-}
-
-TEST(OptionsDialog, TrialsFrom1To200RoundedHalfToEven) {
-    FitOptions o;
-    OptionsForm f = ValidForm();
-    const std::pair<const char*, int> cases[] = {
-        {"200", 200}, {"1", 1},  {"2.5", 2}, {"3.5", 4},   {"7 trials", 7}, {"201", 0},
-        {"0.5", 0},   {"-3", 0}, {"", 0},    {"40000", 0}, {"1e300", 0}};  // 0: refused
-    for (const auto& [text, stored] : cases) {
-        SCOPED_TRACE(text);
+// Checked in this order, each stored when it passes: search and Newton trials (1..200,
+// halves to even), tolerance (0..100 %, no number reads as 0). A refusal keeps the old
+// value, runs no later check and leaves the dialog open.
+TEST(OptionsDialog, TrialsAndToleranceInOrder) {
+    using Box = std::string OptionsForm::*;
+    const Box search = &OptionsForm::searchTrialsText, newton = &OptionsForm::newtonTrialsText,
+              tolerance = &OptionsForm::toleranceText;
+    struct Case {
+        Box box;
+        const char* text;
+        float stored;  ///< -1: refused
+    };
+    const Case cases[] = {
+        {search, "200", 200},       {search, "1", 1},           {search, "2.5", 2},
+        {search, "3.5", 4},         {search, "7 trials", 7},    {search, "201", -1},
+        {search, "0.5", -1},        {search, "-3", -1},         {search, "", -1},
+        {search, "40000", -1},      {search, "1e300", -1},      {newton, "200", 200},
+        {newton, "2.5", 2},         {newton, "201", -1},        {newton, "0.5", -1},
+        {tolerance, "0.01", 1e-4f}, {tolerance, "abc", 0},      {tolerance, "100", 1},
+        {tolerance, "-0.5", -1},    {tolerance, "100.001", -1}, {tolerance, "1e5", -1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        OptionsForm f = ValidForm();
+        f.*c.box = c.text;
+        FitOptions o;
         o.SearchTrials = o.NewtonTrials = 99;
-        f.searchTrialsText = text;
-        f.newtonTrialsText = "20";
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored ? "" : msg::kSearchTrialsRange);
-        EXPECT_EQ(o.SearchTrials, stored ? stored : 99);
-        EXPECT_EQ(o.NewtonTrials, stored ? 20 : 99);  // later steps not run after a refusal
-        f.searchTrialsText = "20";
-        f.newtonTrialsText = text;
-        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), stored ? "" : msg::kNewtonTrialsRange);
-        EXPECT_EQ(o.SearchTrials, 20);  // stored by the step before
-        EXPECT_EQ(o.NewtonTrials, stored ? stored : 99);
+        o.Tolerance = 7;
+        const bool refused = c.stored < 0;
+        const char* refusal = c.box == search   ? msg::kSearchTrialsRange
+                              : c.box == newton ? msg::kNewtonTrialsRange
+                                                : msg::kToleranceRange;
+        EXPECT_EQ(ApplyOptionsDialog(f, o).message(), refused ? refusal : "");
+        EXPECT_EQ(f.visible, refused);
+        const auto expected = [&](Box box, float old, float valid, bool reached) {
+            return c.box == box ? (refused ? old : c.stored) : reached ? valid : old;
+        };
+        EXPECT_EQ(std::tuple(static_cast<float>(o.SearchTrials), static_cast<float>(o.NewtonTrials),
+                             o.Tolerance),
+                  std::tuple(expected(search, 99, 10, true),
+                             expected(newton, 99, 20, !(refused && c.box == search)),
+                             expected(tolerance, 7, 0.005f, !refused)));
     }
 }
 

@@ -38,17 +38,12 @@ protected:
 TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
     EXPECT_FALSE(OpenPeakEditor(project, host, form, 11));  // a button without a peak
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    EXPECT_TRUE(form.visible);
-    EXPECT_EQ(form.caption, "Peak 0");
-    // Position in 0.01 eV steps from the background's low end: 284.567 shows as 284.57.
-    EXPECT_EQ(form.positionBar.max, 1000);
-    EXPECT_EQ(form.positionBar.value, 457);
-    EXPECT_EQ(form.positionText, "284.57");
-    // A FWHM below the bar's 0.5 eV shows as 0.5.
-    EXPECT_EQ(form.fwhmBar.value, 50);
-    EXPECT_EQ(form.fwhmText, "0.5");
-    EXPECT_EQ(form.areaBar.value, 500);
-    EXPECT_EQ(project.AreaScale, 0.5f);
+    // Position in 0.01 eV steps from the background's low end: 284.567 shows as 284.57;
+    // a FWHM below the bar's 0.5 eV shows as 0.5.
+    EXPECT_EQ(std::tuple(form.visible, form.caption, form.positionBar.max, form.positionBar.value,
+                         form.positionText, form.fwhmBar.value, form.fwhmText, form.areaBar.value,
+                         project.AreaScale),
+              std::tuple(true, "Peak 0", 1000, 457, "284.57", 50, "0.5", 500, 0.5f));
     EXPECT_TRUE(project.SavedPeaks[0] == peak());
     // Moves outside a bar's range are refused.
     EXPECT_TRUE(MoveScrollBar(form, PeakParameter::Position, 1));
@@ -56,16 +51,14 @@ TEST_F(PeakFormTest, OpeningShowsValuesThroughTheScrollBars) {
     EXPECT_EQ(form.areaText, "500");  // twice the area at the right end
     EXPECT_FALSE(MoveScrollBar(form, PeakParameter::FWHM, 29));
     EXPECT_FALSE(MoveScrollBar(form, PeakParameter::Position, 1001));
-    EXPECT_EQ(form.fwhmText, "0.5");
-    EXPECT_EQ(form.positionBar.value, 1);
+    EXPECT_EQ(std::pair(form.fwhmText, form.positionBar.value), std::pair(std::string("0.5"), 1));
 }
 
 TEST_F(PeakFormTest, ZeroAreaOpensWithAUnitBar) {
     peak().Area = 0;
     ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
-    EXPECT_EQ(project.AreaScale, 1.0f);
-    EXPECT_EQ(form.areaBar.value, 1);
-    EXPECT_EQ(form.areaText, "1");
+    EXPECT_EQ(std::tuple(project.AreaScale, form.areaBar.value, form.areaText),
+              std::tuple(1.0f, 1, "1"));
 }
 
 TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
@@ -96,9 +89,8 @@ TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
     form.glText = "150";
     form.peakType = "p";
     ApplyPeakEditor(project, form);
-    EXPECT_EQ(peak().PercentGL, 100);
-    EXPECT_EQ(form.glText, "100");
-    EXPECT_EQ(peak().PeakType, Subshell::P);
+    EXPECT_EQ(std::tuple(peak().PercentGL, form.glText, peak().PeakType),
+              std::tuple(Int16{100}, "100", Subshell::P));
     form.peakType = "q";
     ApplyPeakEditor(project, form);
     EXPECT_EQ(peak().PeakType, Subshell::P);
@@ -113,10 +105,8 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     form.areaText = "400";
     form.glText = "42.5";  // halves to even
     AcceptPeakEditor(project, host, form);
-    EXPECT_FALSE(form.visible);
     const Peak& p = peak();
-    EXPECT_EQ(p.Area, 400.0f);
-    EXPECT_EQ(p.PercentGL, 42);
+    EXPECT_EQ(std::tuple(form.visible, p.Area, p.PercentGL), std::tuple(false, 400.0f, Int16{42}));
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
 }

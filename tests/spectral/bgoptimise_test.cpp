@@ -39,17 +39,5 @@ TEST(BackgroundCrossingTest, ComparesWithTheNinePointMeanOverPoints5ToMMinus5) {
     EXPECT_FALSE(BackgroundCrosses(reg));
 }
 
-TEST(BackgroundCrossingTest, RangesBelowTenPointsNeverCross) {
-    Project project;
-    for (int m : {2, 5, 9}) {
-        Region& reg = DirectRange(project, std::vector<float>(m, 10.0f));
-        for (int j = 1; j <= m; ++j) reg.BackgroundCurve[j] = 1e6f;
-        EXPECT_FALSE(BackgroundCrosses(reg)) << m;
-    }
-    Region& reg = DirectRange(project, std::vector<float>(10, 10.0f));
-    reg.BackgroundCurve[5] = 11;  // m = 10 tests point 5 alone
-    EXPECT_TRUE(BackgroundCrosses(reg));
-}
-
 }  // namespace
 }  // namespace molvera

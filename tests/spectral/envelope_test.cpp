@@ -143,37 +143,14 @@ TEST_F(EnvelopeTest, ArithmeticFailuresAreSkipped) {
     project.Peaks[q].Curve.assign(4, 7.0f);
     ComputeRegionEnvelope(project, host);
     // Every curve value is undefined with a width of 0: the old values stay.
-    for (int j = 1; j <= 3; ++j) EXPECT_EQ(project.Peaks[q].Curve[j], 7.0f);
-    EXPECT_TRUE(std::isfinite(reg.ChiSquare));
-    EXPECT_TRUE(std::isfinite(project.TotalChiSquare));
+    EXPECT_EQ(project.Peaks[q].Curve, SingleArray(4, 7.0f));
+    EXPECT_TRUE(std::isfinite(reg.ChiSquare) && std::isfinite(project.TotalChiSquare));
 
     // m = 0 gives a chi-square of 0.
     reg.RangeCount = 0;
     reg.ChiSquare = 3;
     ComputeRegionEnvelope(project, host);
-    EXPECT_EQ(reg.ChiSquare, 0.0f);
-    EXPECT_EQ(host.ChiText(0), "0");
-}
-
-TEST_F(EnvelopeTest, InconsistentStoredFieldsStayInBounds) {
-    Region& reg = WholeRange(project, 0, {2, 1, 0}, {5, 9, 4}, {4, 4, 4});
-    const int q = AddTestPeak(project, 0, 1, 5, 1, 50);
-    project.Peaks[q].Curve.clear();  // damaged: no curve at all
-    reg.RangeCount = 500;            // more than the arrays hold
-    reg.PeakCount = 3;
-    reg.PeakIndex[1] = 77;  // no such slot
-    reg.PeakIndex[2] = -1;
-    ComputeRegionEnvelope(project, host);
-    EXPECT_EQ(reg.PeakSumCurve.size(), 4u);
-    EXPECT_GE(project.Peaks[q].Curve.size(), 4u);
-    EXPECT_EQ(UsableRangeCount(reg), 3);
-    ResidualWithoutPeak(project, q);
-    project.Peaks[q].Curve.resize(2);
-    EXPECT_TRUE(std::isfinite(TrialChiSquare(project, q)));
-    EXPECT_EQ(project.Peaks[q].Curve.size(), 2u);
-    project.CurrentRegion = 12;
-    ComputeRegionEnvelope(project, host);
-    EXPECT_EQ(TrialChiSquare(project, q), 0.0f);
+    EXPECT_EQ(std::pair(reg.ChiSquare, host.ChiText(0)), std::pair(0.0f, std::string("0")));
 }
 
 }  // namespace

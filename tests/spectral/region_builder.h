@@ -1,6 +1,7 @@
 #pragma once
 // Small hand-made regions for the spectral tests.
 
+#include <tuple>
 #include <vector>
 
 #include "model/project.h"
@@ -60,14 +61,9 @@ inline std::vector<float> FallingEnergies(int n, float first, float step) {
 inline int AddTestPeak(Project& project, int r, float position, float area, float fwhm, int gl) {
     int slot = FirstFreePeakSlot(project);
     Peak& p = project.Peaks[slot];
-    p.InUse = kTrue;
-    p.PeakType = Subshell::S;
-    p.Position = position;
-    p.Area = area;
-    p.FWHM = fwhm;
+    std::tie(p.InUse, p.PeakType, p.Position, p.Area, p.FWHM, p.TailScale, p.TailLength) =
+        std::tuple(kTrue, Subshell::S, position, area, fwhm, 0.0f, 1.0f);
     p.PercentGL = static_cast<Int16>(gl);
-    p.TailScale = 0;
-    p.TailLength = 1;
     p.Region = static_cast<Int16>(r);
     Region& reg = project.Regions[r];
     reg.PeakIndex[reg.PeakCount++] = static_cast<Int16>(slot);

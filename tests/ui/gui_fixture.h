@@ -2,9 +2,7 @@
 // A running program with a recording message sink and a scripted file chooser, and
 // helpers that find a window's controls by their object names.
 
-#include <cstdint>
 #include <deque>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,15 +23,6 @@
 #include "ui/usersink.h"
 
 namespace molvera::test {
-
-/// NewtonTrials as stored in the repository's default.opa (Int16 at byte 6), read
-/// straight from the bytes.
-inline int DefaultNewtonTrials() {
-    std::ifstream in(std::string(MOLVERA_SOURCE_DIR) + "/default.opa", std::ios::binary);
-    unsigned char b[8] = {};
-    in.read(reinterpret_cast<char*>(b), 8);
-    return static_cast<std::int16_t>(b[6] | (b[7] << 8));
-}
 
 /// The child of `parent` with this object name (a failure when there is none).
 template <class W = QWidget>
@@ -63,9 +52,8 @@ public:
     void Message(const QString& text) override { messages.push_back(text.toStdString()); }
     bool AskYesNo(const QString& title, const QString& text) override {
         questions.push_back(title.toStdString() + "|" + text.toStdString());
-        if (answers.empty()) return false;
-        const bool a = answers.front();
-        answers.pop_front();
+        const bool a = !answers.empty() && answers.front();
+        if (!answers.empty()) answers.pop_front();
         return a;
     }
     void Beep() override { ++beeps; }
@@ -90,10 +78,9 @@ public:
 private:
     QString Next(bool save, const QString& t, const QString& n) {
         requests.push_back({save, t.toStdString(), n.toStdString()});
-        if (paths.empty()) return {};
-        const std::string p = paths.front();
-        paths.pop_front();
-        return QString::fromStdString(p);
+        const QString p = paths.empty() ? QString() : QString::fromStdString(paths.front());
+        if (!paths.empty()) paths.pop_front();
+        return p;
     }
 };
 
