@@ -34,8 +34,8 @@ void AddNoise(Region& region, unsigned seed) {
 enum Op : Int16 { kPlus = 0, kTimes = 2, kDivide = 3 };
 
 void Link(Project& project, int follower, PeakParameter g, int reference, Op op, float argument) {
-    project.Constraints[follower][g] = {kTrue, static_cast<Int16>(reference), kFalse, 0, op,
-                                        argument, kFalse, 0, 0};
+    project.Constraints[follower][g] = {
+        kTrue, static_cast<Int16>(reference), kFalse, 0, op, argument, kFalse, 0, 0};
     project.Constraints[reference][g].IsReference = kTrue;
 }
 
