@@ -11,7 +11,6 @@
 #include "cli/command_list.h"
 #include "cli/common.h"
 #include "cli/jsondump.h"
-#include "fitting/trialscore.h"
 #include "session/constraintform.h"
 #include "session/fitcommands.h"
 
@@ -68,14 +67,15 @@ Json FitJson(const Project& project, const FitSummary& summary, const Uncertaint
     if (!summary.note.empty()) out["note"] = summary.note;
     Json peaks = Json::array();
     for (int slot : u.peakSlots) {
-        Peak peak = project.Peaks[static_cast<std::size_t>(slot)];
+        const Peak& peak = project.Peaks[static_cast<std::size_t>(slot)];
         const PeakSigmas& s = u.peaks[static_cast<std::size_t>(slot)];
         Json p;
         p["slot"] = slot;
         p["region"] = peak.Region + 1;
         for (const auto& [which, name] : kJsonNames)
-            p[name] = SigmaJson(which == PeakParameter::GL ? Json(peak.PercentGL)
-                                                           : FloatJson(ParameterField(peak, which)),
+            p[name] = SigmaJson(which == PeakParameter::GL
+                                    ? Json(peak.PercentGL)
+                                    : FloatJson(static_cast<float>(ParameterValue(peak, which))),
                                 s.parameters[static_cast<std::size_t>(which)]);
         p["area_percent"] = SigmaJson(
             std::isfinite(s.areaPercent) ? Json(s.areaPercent) : Json(nullptr), s.areaPercentSigma);

@@ -31,20 +31,6 @@ std::pair<double, double> RangeEnergies(const Region& region) {
     return {low, high};
 }
 
-double ValueOf(const Peak& peak, PeakParameter which) {
-    switch (which) {
-        case PeakParameter::Position:
-            return peak.Position;
-        case PeakParameter::Area:
-            return peak.Area;
-        case PeakParameter::FWHM:
-            return peak.FWHM;
-        case PeakParameter::GL:
-            break;
-    }
-    return peak.PercentGL;
-}
-
 bool IsFixed(const Peak& peak, PeakParameter which) {
     switch (which) {
         case PeakParameter::Position:
@@ -253,7 +239,7 @@ FitModel::FitModel(const Project& project, const std::vector<int>& fitted,
                 const bool follows = IsSet(c.Linked) && IsSlot(c.RefPeak) && c.RefPeak != s &&
                                      IsSet(project.Peaks[c.RefPeak].InUse) && step < kPeakSlots;
                 if (!follows) {
-                    link.offset = ValueOf(project.Peaks[s], which);
+                    link.offset = ParameterValue(project.Peaks[s], which);
                     break;
                 }
                 relations.emplace_back(c.Operation, c.Argument);
@@ -264,7 +250,7 @@ FitModel::FitModel(const Project& project, const std::vector<int>& fitted,
             bool known = true;
             for (auto it = relations.rbegin(); it != relations.rend() && known; ++it)
                 known = Follow(link, it->first, it->second);
-            if (!known) link = ParameterLink{-1, 1, ValueOf(project.Peaks[slot], which)};
+            if (!known) link = ParameterLink{-1, 1, ParameterValue(project.Peaks[slot], which)};
             links_[static_cast<std::size_t>(slot)][static_cast<std::size_t>(which)] = link;
         }
     }
@@ -296,7 +282,8 @@ FitModel::FitModel(const Project& project, const std::vector<int>& fitted,
 std::vector<double> FitModel::Start() const {
     std::vector<double> theta;
     for (const FreeParameter& f : free_)
-        theta.push_back(std::clamp(ValueOf(project_.Peaks[f.slot], f.which), f.lower, f.upper));
+        theta.push_back(
+            std::clamp(ParameterValue(project_.Peaks[f.slot], f.which), f.lower, f.upper));
     return theta;
 }
 
