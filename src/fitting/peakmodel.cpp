@@ -89,62 +89,100 @@ struct LineValue {
     double f = 0, dp = 0, dA = 0, dw = 0, dg = 0;
 };
 
-/// A GL sum line of area `area` at p: h ((1 - m) G + m / (1 + u) [+ tail]), u = (2 (x - p) / w)^2,
-/// h = area / (w K(g)).
-LineValue GLSumLine(double x, double p, double area, double w, double g, double TS, double TL) {
-    const double K = GLSumAreaFactorAt(g, TS, TL);
-    const double h = area / (w * K);
-    const double m = g / 100;
-    const double d = 2 * (x - p) / w;
-    const double u = d * d;
-    const double G = std::exp(-kLn2 * u);
-    double S = (1 - m) * G + m / (1 + u);
-    double dSdu = -(1 - m) * kLn2 * G - m / ((1 + u) * (1 + u));
-    const double dSdm = -G + 1 / (1 + u);
-    if (TS > 0 && x > p) {
-        const double E = std::exp(-6.9 * u / TL);
-        S += TS * (1 - G) * E;
-        dSdu += TS * E * (kLn2 * G - (1 - G) * 6.9 / TL);
-    }
-    LineValue v;
-    v.f = h * S;
-    v.dA = S / (w * K);
-    v.dp = h * dSdu * (-8 * (x - p) / (w * w));
-    v.dw = -v.f / w + h * dSdu * (-2 * u / w);
-    v.dg = h * dSdm / 100 - v.f * GLSumAreaFactorSlope() / K;
-    return v;
-}
+/// exp(-t) for t >= 0, 0 where it is below any count (the far wings of a line).
+double Decay(double t) { return t > 700 ? 0.0 : std::exp(-t); }
 
-/// A GL product line: h exp(-(1 - m) ln2 s) / (1 + m s), s = ((x - p) / c)^2, with the
-/// half-width parameter c and the area factor of the tables, between whole %GL values
-/// interpolated linearly (so that a whole %GL gives the tables' values).
-LineValue GLProductLine(double x, double p, double area, double w, double g) {
-    const LineShapeTables& t = GLTables();
-    const int i = std::clamp(static_cast<int>(std::floor(g)), 0, 99);
-    const double frac = g - i;
-    const double dWf = t.GLProductWidthFactor[i + 1] - t.GLProductWidthFactor[i];
-    const double dAf = static_cast<double>(t.GLProductAreaFactor[i + 1]) - t.GLProductAreaFactor[i];
-    const double Wf = t.GLProductWidthFactor[i] + frac * dWf;
-    const double Af = t.GLProductAreaFactor[i] + frac * dAf;
-    const double c = (w / 2) / Wf;
-    const double h = area / (c * Af);
-    const double m = g / 100;
-    const double d = (x - p) / c;
-    const double s = d * d;
-    const double Q = std::exp(-(1 - m) * kLn2 * s) / (1 + m * s);
-    const double dQds = Q * (-(1 - m) * kLn2 - m / (1 + m * s));
-    const double dQdm = Q * (kLn2 * s - s / (1 + m * s));
-    LineValue v;
-    v.f = h * Q;
-    v.dA = Q / (c * Af);
-    v.dp = h * dQds * (-2 * (x - p) / (c * c));
-    v.dw = (-v.f - 2 * h * s * dQds) / w;
-    // c falls and h rises with the width factor; s follows c.
-    const double dh = h * (dWf / Wf - dAf / Af);
-    const double ds = 2 * s * dWf / Wf;
-    v.dg = dh * Q + h * (dQdm / 100 + dQds * ds);
-    return v;
-}
+/// A line of area `area` at p, width w, %GL g, with what does not depend on the energy
+/// worked out once per evaluation.
+/// GL sum: h ((1 - m) G + m / (1 + u) [+ TS (1 - G) E on the high side]),
+///   u = (2 (x - p) / w)^2, G = exp(-ln2 u), E = exp(-6.9 u / TL), h = area / (w K(g)).
+/// GL product: h exp(-(1 - m) ln2 s) / (1 + m s), s = ((x - p) / c)^2, with the half-width
+///   parameter c and the area factor of the tables, between whole %GL values interpolated
+///   linearly (so that a whole %GL gives the tables' values).
+class Line {
+public:
+    Line(bool glSum, double p, double area, double w, double g, double TS, double TL)
+        : glSum_(glSum), p_(p), w_(w), m_(g / 100) {
+        if (glSum) {
+            const double K = GLSumAreaFactorAt(g, TS, TL);
+            perArea_ = 1 / (w * K);
+            h_ = area * perArea_;
+            slopeOverK_ = GLSumAreaFactorSlope() / K;
+            TS_ = TS;
+            tailRate_ = TS > 0 ? 6.9 / TL : 0;
+            return;
+        }
+        const LineShapeTables& t = GLTables();
+        const int i = std::clamp(static_cast<int>(std::floor(g)), 0, 99);
+        const double frac = g - i;
+        const double dWf = t.GLProductWidthFactor[i + 1] - t.GLProductWidthFactor[i];
+        const double dAf =
+            static_cast<double>(t.GLProductAreaFactor[i + 1]) - t.GLProductAreaFactor[i];
+        const double Wf = t.GLProductWidthFactor[i] + frac * dWf;
+        const double Af = t.GLProductAreaFactor[i] + frac * dAf;
+        const double c = (w / 2) / Wf;
+        invC2_ = 1 / (c * c);
+        perArea_ = 1 / (c * Af);
+        h_ = area * perArea_;
+        // c falls and h rises with the width factor; s follows c.
+        dhdg_ = h_ * (dWf / Wf - dAf / Af);
+        dsdgPerS_ = 2 * dWf / Wf;
+    }
+
+    double Value(double x) const {
+        const double dx = x - p_;
+        if (glSum_) {
+            const double u = 4 * dx * dx / (w_ * w_);
+            const double G = Decay(kLn2 * u);
+            double S = (1 - m_) * G + m_ / (1 + u);
+            if (TS_ > 0 && dx > 0) S += TS_ * (1 - G) * Decay(tailRate_ * u);
+            return h_ * S;
+        }
+        const double s = dx * dx * invC2_;
+        return h_ * Decay((1 - m_) * kLn2 * s) / (1 + m_ * s);
+    }
+
+    LineValue Full(double x) const {
+        const double dx = x - p_;
+        LineValue v;
+        if (glSum_) {
+            const double u = 4 * dx * dx / (w_ * w_);
+            const double G = Decay(kLn2 * u);
+            const double L = 1 / (1 + u);
+            double S = (1 - m_) * G + m_ * L;
+            double dSdu = -(1 - m_) * kLn2 * G - m_ * L * L;
+            const double dSdm = L - G;
+            if (TS_ > 0 && dx > 0) {
+                const double E = Decay(tailRate_ * u);
+                S += TS_ * (1 - G) * E;
+                dSdu += TS_ * E * (kLn2 * G - (1 - G) * tailRate_);
+            }
+            v.f = h_ * S;
+            v.dA = S * perArea_;
+            v.dp = h_ * dSdu * (-8 * dx / (w_ * w_));
+            v.dw = -v.f / w_ + h_ * dSdu * (-2 * u / w_);
+            v.dg = h_ * dSdm / 100 - v.f * slopeOverK_;
+            return v;
+        }
+        const double s = dx * dx * invC2_;
+        const double Q = Decay((1 - m_) * kLn2 * s) / (1 + m_ * s);
+        const double dQds = Q * (-(1 - m_) * kLn2 - m_ / (1 + m_ * s));
+        const double dQdm = Q * (kLn2 * s - s / (1 + m_ * s));
+        v.f = h_ * Q;
+        v.dA = Q * perArea_;
+        v.dp = h_ * dQds * (-2 * dx * invC2_);
+        v.dw = (-v.f - 2 * h_ * s * dQds) / w_;
+        v.dg = dhdg_ * Q + h_ * (dQdm / 100 + dQds * dsdgPerS_ * s);
+        return v;
+    }
+
+private:
+    bool glSum_;
+    double p_, w_, m_;
+    double h_ = 0, perArea_ = 0;
+    double slopeOverK_ = 0, TS_ = 0, tailRate_ = 0;  // GL sum
+    double invC2_ = 0, dhdg_ = 0, dsdgPerS_ = 0;     // GL product
+};
 
 }  // namespace
 
@@ -296,46 +334,54 @@ bool FitModel::Evaluate(const double* theta, double* residuals, double* jacobian
         const ParameterLink& l = Link(slot, which);
         return l.root < 0 ? l.offset : l.scale * theta[l.root] + l.offset;
     };
+    // A line of every peak (and doublet partner), with where its derivatives go: the free
+    // parameter each of position, area, FWHM and %GL follows, and by what factor.
+    struct Component {
+        Line line;
+        double share;
+        std::array<int, 4> root;
+        std::array<double, 4> scale;
+    };
+    std::vector<Component> components;
     std::size_t row = 0;
     for (std::size_t k = 0; k < scored_.size(); ++k) {
-        struct Shape {
-            int slot;
-            double p, A, w, g, S, TS, TL;
-            std::array<double, 2> share;
-        };
-        std::vector<Shape> shapes;
+        components.clear();
         for (int slot : regionPeaks_[k]) {
             const Peak& peak = project_.Peaks[slot];
-            shapes.push_back({slot, value(slot, PeakParameter::Position) + shifts_[k],
-                              value(slot, PeakParameter::Area), value(slot, PeakParameter::FWHM),
-                              value(slot, PeakParameter::GL), peak.Splitting, peak.TailScale,
-                              peak.TailLength, Shares(peak.PeakType)});
+            const std::array<double, 2> share = Shares(peak.PeakType);
+            const double p = value(slot, PeakParameter::Position) + shifts_[k];
+            const double A = value(slot, PeakParameter::Area);
+            const double w = value(slot, PeakParameter::FWHM);
+            const double g = value(slot, PeakParameter::GL);
+            std::array<int, 4> root{};
+            std::array<double, 4> scale{};
+            for (PeakParameter which : kPeakParameters) {
+                const auto i = static_cast<std::size_t>(which);
+                root[i] = Link(slot, which).root;
+                scale[i] = Link(slot, which).scale;
+            }
+            for (int c = 0; c < 2; ++c) {
+                if (share[c] == 0) continue;
+                const double at = c == 0 ? p : p + peak.Splitting;
+                components.push_back(
+                    {Line(glSum, at, share[c] * A, w, g, peak.TailScale, peak.TailLength), share[c],
+                     root, scale});
+            }
         }
         for (; row < rows_.size() && rows_[row].region == static_cast<int>(k); ++row) {
             const Row& r = rows_[row];
             double model = r.background;
-            double* jrow = jacobian ? jacobian + row * n : nullptr;
-            for (const Shape& s : shapes) {
-                LineValue sum;
-                for (int c = 0; c < 2; ++c) {
-                    if (s.share[c] == 0) continue;
-                    const double p = c == 0 ? s.p : s.p + s.S;
-                    const LineValue v =
-                        glSum ? GLSumLine(r.x, p, s.share[c] * s.A, s.w, s.g, s.TS, s.TL)
-                              : GLProductLine(r.x, p, s.share[c] * s.A, s.w, s.g);
-                    sum.f += v.f;
-                    sum.dp += v.dp;
-                    sum.dA += s.share[c] * v.dA;
-                    sum.dw += v.dw;
-                    sum.dg += v.dg;
-                }
-                model += sum.f;
-                if (!jrow) continue;
-                const double byParameter[] = {sum.dp, sum.dA, sum.dw, sum.dg};
-                for (PeakParameter which : kPeakParameters) {
-                    const ParameterLink& l = Link(s.slot, which);
-                    if (l.root >= 0)
-                        jrow[l.root] -= byParameter[static_cast<int>(which)] * l.scale / r.scale;
+            if (!jacobian) {
+                for (const Component& c : components) model += c.line.Value(r.x);
+            } else {
+                double* jrow = jacobian + row * n;
+                for (const Component& c : components) {
+                    const LineValue v = c.line.Full(r.x);
+                    model += v.f;
+                    const double byParameter[] = {v.dp, c.share * v.dA, v.dw, v.dg};
+                    for (std::size_t i = 0; i < 4; ++i)
+                        if (c.root[i] >= 0)
+                            jrow[c.root[i]] -= byParameter[i] * c.scale[i] / r.scale;
                 }
             }
             residuals[row] = (r.y - model) / r.scale;
