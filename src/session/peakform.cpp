@@ -195,7 +195,8 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
 
     form.sigmaText = {};
     if (IsSet(region.HasData) && IsSet(region.HasBackground)) {
-        const PeakSigmas& sigmas = ComputeUncertainties(project, {r}).peaks[slot];
+        const Uncertainties u = ComputeUncertainties(project, {r});
+        const PeakSigmas& sigmas = u.peaks[static_cast<std::size_t>(slot)];
         for (PeakParameter which : kPeakParameters) {
             const auto i = static_cast<std::size_t>(which);
             form.sigmaText[i] = SigmaText(sigmas.parameters[i]);
