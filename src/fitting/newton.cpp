@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "fitting/search.h"
 #include "fitting/trialscore.h"
@@ -24,10 +25,14 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
     project.EditPeak = peak;
     const float x0 = x;
 
+    // The area trials of a peak alone differ only in its height.
+    std::optional<AreaTrialCache> areaTrials;
+    if (mode == ScoreMode::Alone && g == PeakParameter::Area) areaTrials.emplace(project.Current());
+    AreaTrialCache* cache = areaTrials ? &*areaTrials : nullptr;
     double f0 = 0;
     if (mode == ScoreMode::Alone) {
         ResidualWithoutPeak(project, p);
-        f0 = TrialChiSquare(project, p);
+        f0 = TrialChiSquare(project, p, cache);
     } else {
         f0 = mode == ScoreMode::Region ? project.Current().ChiSquare : project.TotalChiSquare;
     }
@@ -37,7 +42,7 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
     f[6] = f0;
     for (int k : kOffsets) {
         x = static_cast<float>(static_cast<double>(x0) + k * static_cast<double>(delta));
-        f[6 + k] = ScoreTrial(project, host, mode, g, p);
+        f[6 + k] = ScoreTrial(project, host, mode, g, p, cache);
     }
     auto at = [&f](int k) { return f[6 + k]; };
     const double dd = delta;
@@ -65,7 +70,7 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
 
     double f1 = 0;
     if (mode == ScoreMode::Alone) {
-        f1 = TrialChiSquare(project, p);
+        f1 = TrialChiSquare(project, p, cache);
     } else {
         SettleProject(project, host, mode, g, p);
         f1 = mode == ScoreMode::Region ? project.Current().ChiSquare : project.TotalChiSquare;

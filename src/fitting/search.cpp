@@ -1,6 +1,7 @@
 #include "fitting/search.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "base/numtext.h"
 #include "fitting/trialscore.h"
@@ -113,6 +114,10 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
     const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ValueOf(edit, g);
     double best = ValueOf(edit, g);
     float bestScore = baseline;
+    // The area trials of a peak alone differ only in its height.
+    std::optional<AreaTrialCache> areaTrials;
+    if (mode == ScoreMode::Alone && g == PeakParameter::Area) areaTrials.emplace(project.Current());
+    AreaTrialCache* cache = areaTrials ? &*areaTrials : nullptr;
     for (long k = 0; k < kMaxGridTrials; ++k) {
         // A fine step over a wide range (an option file is not checked like the dialog)
         // makes a grid of up to a million trials: let Stop Fitting through now and then.
@@ -133,7 +138,7 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
             v = x0 + d;
         }
         SetValue(peak, g, Clamp(c, v));
-        const float score = ScoreTrial(project, host, mode, g, p);
+        const float score = ScoreTrial(project, host, mode, g, p, cache);
         if (score < bestScore) {
             best = ValueOf(peak, g);
             bestScore = score;

@@ -29,10 +29,11 @@ float& ParameterField(Peak& peak, PeakParameter g) {
     return peak.FWHM;
 }
 
-float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
+float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p,
+                 AreaTrialCache* areaCache) {
     switch (mode) {
         case ScoreMode::Alone:
-            return TrialChiSquare(project, p);
+            return TrialChiSquare(project, p, areaCache);
         case ScoreMode::Region:
             Propagate(project, g, p);
             ComputeRegionEnvelope(project, host);

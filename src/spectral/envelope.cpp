@@ -1,7 +1,12 @@
 #include "spectral/envelope.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <memory>
 
 #include "spectral/lineshape.h"
 
@@ -20,24 +25,131 @@ void StoreIfFinite(float& target, double value) {
     if (std::isfinite(f)) target = f;
 }
 
+/// What a peak's curve is computed from besides the region's energies and background.
+struct CurveInputs {
+    int region = -1;
+    int m = -1;
+    bool glSum = false;
+    float shift = 0, position = 0, area = 0, fwhm = 0, splitting = 0, tailScale = 0, tailLength = 0;
+    Int16 percentGL = 0;
+    Subshell type = Subshell::None;
+
+    CurveInputs() = default;
+    CurveInputs(int r, int count, bool sum, const Region& reg, const Peak& peak)
+        : region(r),
+          m(count),
+          glSum(sum),
+          shift(reg.Shift),
+          position(peak.Position),
+          area(peak.Area),
+          fwhm(peak.FWHM),
+          splitting(peak.Splitting),
+          tailScale(peak.TailScale),
+          tailLength(peak.TailLength),
+          percentGL(peak.PercentGL),
+          type(peak.PeakType) {}
+
+    /// Equal bit for bit (a NaN input equals itself, 0 and -0 differ).
+    bool Same(const CurveInputs& o) const {
+        auto bits = [](float f) { return std::bit_cast<std::uint32_t>(f); };
+        return region == o.region && m == o.m && glSum == o.glSum && percentGL == o.percentGL &&
+               type == o.type && bits(shift) == bits(o.shift) &&
+               bits(position) == bits(o.position) && bits(area) == bits(o.area) &&
+               bits(fwhm) == bits(o.fwhm) && bits(splitting) == bits(o.splitting) &&
+               bits(tailScale) == bits(o.tailScale) && bits(tailLength) == bits(o.tailLength);
+    }
+};
+
+bool SameValues(const float* a, const float* b, int m) {
+    return std::memcmp(a + 1, b + 1, static_cast<std::size_t>(m) * sizeof(float)) == 0;
+}
+
+/// The last curve computed for each peak slot with what it was computed from, so that a
+/// curve whose inputs did not change is not computed again. Every input is compared,
+/// the region's range energies and background included, and so is the stored curve
+/// itself: a curve is reused only where computing it again would store the same bits.
+/// Per thread, and invisible but for the time saved.
+class CurveMemo {
+public:
+    /// Checks region r's energies and background against the last ones seen; a change
+    /// forgets the curves computed over the old ones.
+    void SeeRegion(int r, const Region& reg, int m) {
+        RegionSnapshot& s = regions_[r];
+        if (s.m == m && SameValues(s.E.data(), reg.RangeBE.data(), m) &&
+            SameValues(s.B.data(), reg.BackgroundCurve.data(), m))
+            return;
+        s.m = m;
+        s.E.assign(reg.RangeBE.begin(), reg.RangeBE.begin() + m + 1);
+        s.B.assign(reg.BackgroundCurve.begin(), reg.BackgroundCurve.begin() + m + 1);
+        ++s.generation;
+    }
+    /// True when q's curve holds exactly what computing it from `in` would store.
+    bool Holds(int q, const CurveInputs& in, const SingleArray& curve) const {
+        const Entry& e = peaks_[q];
+        return e.valid && e.generation == regions_[in.region].generation && e.in.Same(in) &&
+               SameValues(e.curve.data(), curve.data(), in.m);
+    }
+    /// q's curve was computed from `in`; `exact` is false when a value was skipped.
+    void Record(int q, const CurveInputs& in, const SingleArray& curve, bool exact) {
+        Entry& e = peaks_[q];
+        e.valid = exact;
+        if (!exact) return;
+        e.in = in;
+        e.generation = regions_[in.region].generation;
+        e.curve.assign(curve.begin(), curve.begin() + in.m + 1);
+    }
+
+private:
+    struct RegionSnapshot {
+        int m = -1;
+        long generation = 0;
+        SingleArray E, B;
+    };
+    struct Entry {
+        bool valid = false;
+        long generation = 0;
+        CurveInputs in;
+        SingleArray curve;
+    };
+    std::array<RegionSnapshot, kRegionCount> regions_{};
+    std::array<Entry, kPeakSlots> peaks_{};
+};
+
+CurveMemo& Memo() {
+    thread_local CurveMemo memo;
+    return memo;
+}
+
 /// Curve of every peak of region r: the peak on top of the background. With
-/// `guarded`, values that are not finite are skipped.
+/// `guarded`, values that are not finite are skipped. A curve whose inputs did not
+/// change since it was computed is left as it is.
 void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
     Region& reg = project.Regions[r];
     const bool glSum = IsSet(project.Options.GLSum);
+    CurveMemo& memo = Memo();
+    if (m > 0) memo.SeeRegion(r, reg, m);
     for (int k = 0; k < PeakCountOf(reg); ++k) {
         const int q = reg.PeakIndex[k];
         if (!ValidSlot(q)) continue;
         Peak& peak = project.Peaks[q];
         if (peak.Curve.size() < static_cast<std::size_t>(m) + 1) peak.Curve.resize(m + 1, 0.0f);
+        const CurveInputs in(r, m, glSum, reg, peak);
+        if (m == 0 || memo.Holds(q, in, peak.Curve)) continue;
         const PeakShape shape(glSum, peak, reg.Shift);
+        bool exact = true;
         for (int j = 1; j <= m; ++j) {
             const double v = static_cast<double>(shape(reg.RangeBE[j])) + reg.BackgroundCurve[j];
-            if (guarded)
-                StoreIfFinite(peak.Curve[j], v);
-            else
+            if (guarded) {
+                const float f = static_cast<float>(v);
+                if (std::isfinite(f))
+                    peak.Curve[j] = f;
+                else
+                    exact = false;
+            } else {
                 peak.Curve[j] = static_cast<float>(v);
+            }
         }
+        memo.Record(q, in, peak.Curve, exact);
     }
 }
 
@@ -155,7 +267,44 @@ void ResidualWithoutPeak(Project& project, int q) {
     }
 }
 
-float TrialChiSquare(Project& project, int q) {
+namespace {
+
+/// Equal but for the height, bit for bit.
+bool SameButHeight(const PeakShape::Component& a, const PeakShape::Component& b) {
+    auto bits = [](double v) { return std::bit_cast<std::uint64_t>(v); };
+    return a.glSum == b.glSum && a.tail == b.tail && bits(a.p) == bits(b.p) &&
+           bits(a.w) == bits(b.w) && bits(a.m) == bits(b.m) &&
+           bits(a.gaussCoef) == bits(b.gaussCoef) && bits(a.TS) == bits(b.TS) &&
+           bits(a.TL) == bits(b.TL);
+}
+
+}  // namespace
+
+AreaTrialCache::AreaTrialCache(const Region& region)
+    : size_(static_cast<std::size_t>(UsableRangeCount(region)) + 1),
+      energies_(std::make_unique_for_overwrite<float[]>(size_)) {
+    for (auto& f : factors_) f = std::make_unique_for_overwrite<PeakShape::Factors[]>(size_);
+}
+
+bool AreaTrialCache::Holds(const PeakShape& shape, const float* E, int m) const {
+    if (m != m_ || shape.LineCount() != lineCount_) return false;
+    for (int i = 0; i < lineCount_; ++i) {
+        if (!SameButHeight(shape.LineAt(i), lines_[i])) return false;
+    }
+    return SameValues(energies_.get(), E, m);
+}
+
+bool AreaTrialCache::Take(const PeakShape& shape, const float* E, int m) {
+    lineCount_ = -1;
+    if (static_cast<std::size_t>(m) + 1 > size_) return false;
+    lineCount_ = shape.LineCount();
+    for (int i = 0; i < lineCount_; ++i) lines_[i] = shape.LineAt(i);
+    m_ = m;
+    std::copy(E + 1, E + m + 1, energies_.get() + 1);
+    return true;
+}
+
+float TrialChiSquare(Project& project, int q, AreaTrialCache* cache) {
     const int r = project.CurrentRegion;
     if (!ValidRegion(r) || !ValidSlot(q)) return 0;
     Region& reg = project.Regions[r];
@@ -170,14 +319,28 @@ float TrialChiSquare(Project& project, int q) {
     const float* B = reg.BackgroundCurve.data();
     const float* res = reg.Residual.data();
     float* curve = peak.Curve.data();
-    float acc = 0;
-    for (int j = 1; j <= m; ++j) {
-        const float c = static_cast<float>(static_cast<double>(shape(E[j])) + B[j]);
-        if (j <= stored) curve[j] = c;
-        const double d = static_cast<double>(res[j]) - (static_cast<double>(c) - B[j]);
-        acc = static_cast<float>(acc + d * d / Weight(R[j]));
-    }
-    return static_cast<float>(static_cast<double>(acc) / m);
+    auto score = [&](auto valueAt) {
+        float acc = 0;
+        for (int j = 1; j <= m; ++j) {
+            const float c = static_cast<float>(static_cast<double>(valueAt(j)) + B[j]);
+            if (j <= stored) curve[j] = c;
+            const double d = static_cast<double>(res[j]) - (static_cast<double>(c) - B[j]);
+            acc = static_cast<float>(acc + d * d / Weight(R[j]));
+        }
+        return static_cast<float>(static_cast<double>(acc) / m);
+    };
+    if (cache == nullptr) return score([&](int j) { return shape(E[j]); });
+    PeakShape::Factors* f0 = cache->Line(0);
+    PeakShape::Factors* f1 = cache->Line(1);
+    if (cache->Holds(shape, E, m))
+        return score([&](int j) { return shape.FromFactors(f0[j], f1[j]); });
+    if (!cache->Take(shape, E, m)) return score([&](int j) { return shape(E[j]); });
+    const int lines = shape.LineCount();
+    return score([&](int j) {
+        if (lines > 0) f0[j] = PeakShape::LineFactors(shape.LineAt(0), E[j]);
+        if (lines > 1) f1[j] = PeakShape::LineFactors(shape.LineAt(1), E[j]);
+        return shape.FromFactors(f0[j], f1[j]);
+    });
 }
 
 }  // namespace molvera

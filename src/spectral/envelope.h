@@ -1,8 +1,12 @@
 #pragma once
 // Peak curves, envelope, residual and chi-square of a region.
 
+#include <array>
+#include <memory>
+
 #include "model/host.h"
 #include "model/records.h"
+#include "spectral/lineshape.h"
 
 namespace molvera {
 
@@ -28,8 +32,33 @@ void RecomputeRegionsWithBackground(Project& project, Host& host);
 /// peak q; ChiSquare unchanged.
 void ResidualWithoutPeak(Project& project, int q);
 
+/// The line-shape factors (PeakShape::LineFactors) of one peak at every range point of a
+/// region, kept between trials of the peak's area: a trial whose peak differs from the
+/// last one only in height rescales them instead of evaluating the exponentials again,
+/// with the same bits. Sized when made; trials through it allocate nothing.
+class AreaTrialCache {
+public:
+    explicit AreaTrialCache(const Region& region);
+    /// True when the factors held are those of `shape` at E[1..m].
+    bool Holds(const PeakShape& shape, const float* E, int m) const;
+    /// Takes `shape` at E[1..m] as the one whose factors are being written; false when
+    /// m does not fit.
+    bool Take(const PeakShape& shape, const float* E, int m);
+    /// The factors of line i (0 or 1), index 1..m.
+    PeakShape::Factors* Line(int i) { return factors_[i].get(); }
+
+private:
+    std::size_t size_ = 0;
+    std::array<std::unique_ptr<PeakShape::Factors[]>, 2> factors_;
+    std::unique_ptr<float[]> energies_;
+    std::array<PeakShape::Component, 2> lines_{};
+    int lineCount_ = -1;
+    int m_ = -1;
+};
+
 /// Region chi-square for q's present parameters after ResidualWithoutPeak(q):
 /// one peak evaluation per range point, no allocation. Overwrites q's Curve only.
-float TrialChiSquare(Project& project, int q);
+/// With a cache, a trial that changed only q's area reuses the line-shape factors.
+float TrialChiSquare(Project& project, int q, AreaTrialCache* cache = nullptr);
 
 }  // namespace molvera

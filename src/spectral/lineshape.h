@@ -66,21 +66,43 @@ public:
     /// The constants of one line of area A at p.
     static Component MakeComponent(bool glSum, double p, double A, double w, int g, double TS,
                                    double TL);
-    /// One line at x, as ComponentValue.
-    static float Line(const Component& c, double x) {
+    /// One line at x as a height and two factors: GL sum h * num, GL product
+    /// h * num / den. A search over a peak's area keeps the factors and rescales them.
+    struct Factors {
+        double num;
+        double den;
+    };
+    static Factors LineFactors(const Component& c, double x) {
         if (c.glSum) {
             const double d = 2 * (x - c.p) / c.w;
             const double u = d * d;
             const double G = std::exp(-kLn2 * u);
             const double L = c.m / (1 + u);
             if (c.tail && x > c.p)
-                return static_cast<float>(
-                    c.h * ((1 - c.m) * G + L + c.TS * (1 - G) * std::exp(-6.9 * u / c.TL)));
-            return static_cast<float>(c.h * ((1 - c.m) * G + L));
+                return {(1 - c.m) * G + L + c.TS * (1 - G) * std::exp(-6.9 * u / c.TL), 0};
+            return {(1 - c.m) * G + L, 0};
         }
         const double d = (x - c.p) / c.w;
         const double s = d * d;
-        return static_cast<float>(c.h * std::exp(c.gaussCoef * s) / (1 + c.m * s));
+        return {std::exp(c.gaussCoef * s), 1 + c.m * s};
+    }
+    /// The line from its factors.
+    static float Scale(const Component& c, Factors f) {
+        if (c.glSum) return static_cast<float>(c.h * f.num);
+        return static_cast<float>(c.h * f.num / f.den);
+    }
+    /// One line at x, as ComponentValue.
+    static float Line(const Component& c, double x) { return Scale(c, LineFactors(c, x)); }
+
+    /// The lines: 0 for a type without a name, 2 for a doublet.
+    int LineCount() const { return lineCount_; }
+    const Component& LineAt(int i) const { return lines_[i]; }
+    /// The peak from the factors of its lines, as operator().
+    float FromFactors(Factors f0, Factors f1) const {
+        if (lineCount_ == 1) return Scale(lines_[0], f0);
+        if (lineCount_ == 0) return 0.0f;
+        return static_cast<float>(static_cast<double>(Scale(lines_[0], f0)) +
+                                  static_cast<double>(Scale(lines_[1], f1)));
     }
 
 private:
