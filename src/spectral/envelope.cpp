@@ -137,16 +137,22 @@ void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
         if (m == 0 || memo.Holds(q, in, peak.Curve)) continue;
         const PeakShape shape(glSum, peak, reg.Shift);
         bool exact = true;
-        for (int j = 1; j <= m; ++j) {
-            const double v = static_cast<double>(shape(reg.RangeBE[j])) + reg.BackgroundCurve[j];
-            if (guarded) {
-                const float f = static_cast<float>(v);
-                if (std::isfinite(f))
-                    peak.Curve[j] = f;
-                else
-                    exact = false;
-            } else {
-                peak.Curve[j] = static_cast<float>(v);
+        std::array<float, kShapeBlock> values;
+        for (int j0 = 1; j0 <= m; j0 += kShapeBlock) {
+            const int n = std::min(kShapeBlock, m + 1 - j0);
+            shape.Values(&reg.RangeBE[j0], n, values.data());
+            for (int k = 0; k < n; ++k) {
+                const int j = j0 + k;
+                const double v = static_cast<double>(values[k]) + reg.BackgroundCurve[j];
+                if (guarded) {
+                    const float f = static_cast<float>(v);
+                    if (std::isfinite(f))
+                        peak.Curve[j] = f;
+                    else
+                        exact = false;
+                } else {
+                    peak.Curve[j] = static_cast<float>(v);
+                }
             }
         }
         memo.Record(q, in, peak.Curve, exact);
@@ -156,7 +162,7 @@ void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
 /// Measured-count weight of a point: |R|, or 1 where R is 0.
 double Weight(float measured) {
     const double w = std::fabs(static_cast<double>(measured));
-    return w == 0 ? 1.0 : w;
+    return w + static_cast<double>(w == 0);  // w + 0 is w: no branch, so loops vectorise
 }
 
 /// Curves, envelope and residual of region r with failing steps skipped; the new
@@ -282,9 +288,8 @@ bool SameButHeight(const PeakShape::Component& a, const PeakShape::Component& b)
 
 AreaTrialCache::AreaTrialCache(const Region& region)
     : size_(static_cast<std::size_t>(UsableRangeCount(region)) + 1),
-      energies_(std::make_unique_for_overwrite<float[]>(size_)) {
-    for (auto& f : factors_) f = std::make_unique_for_overwrite<PeakShape::Factors[]>(size_);
-}
+      factors_(std::make_unique_for_overwrite<double[]>(4 * size_)),
+      energies_(std::make_unique_for_overwrite<float[]>(size_)) {}
 
 bool AreaTrialCache::Holds(const PeakShape& shape, const float* E, int m) const {
     if (m != m_ || shape.LineCount() != lineCount_) return false;
@@ -304,6 +309,47 @@ bool AreaTrialCache::Take(const PeakShape& shape, const float* E, int m) {
     return true;
 }
 
+LineFactorSpans AreaTrialCache::Spans(int j) {
+    double* f = factors_.get() + j;
+    return {{f, f + size_}, {f + 2 * size_, f + 3 * size_}};
+}
+
+namespace {
+
+/// The arrays of a trial besides the energies.
+struct TrialArrays {
+    const float* B;
+    const float* res;
+    const float* R;
+    float* curve;
+    int stored;  ///< the curve is written up to here
+};
+
+/// The terms of N points of a trial from the peak's values v there; v becomes the curve.
+template <int N>
+void TrialTerms(const float* __restrict B, const float* __restrict res, const float* __restrict R,
+                float* __restrict v, double* __restrict t) {
+    for (int k = 0; k < N; ++k) {
+        const float c = static_cast<float>(static_cast<double>(v[k]) + B[k]);
+        v[k] = c;
+        const double d = static_cast<double>(res[k]) - (static_cast<double>(c) - B[k]);
+        t[k] = d * d / Weight(R[k]);
+    }
+}
+
+/// Points j..j+N-1 of a trial from the peak's values there: its curve where the curve
+/// exists, and each point's term added to acc in order.
+template <int N>
+float AddTrialPoints(const TrialArrays& a, int j, float* v, float acc) {
+    std::array<double, N> t;
+    TrialTerms<N>(a.B + j, a.res + j, a.R + j, v, t.data());
+    std::copy_n(v, std::clamp(a.stored - j + 1, 0, N), a.curve + j);
+    for (int k = 0; k < N; ++k) acc = static_cast<float>(acc + t[k]);
+    return acc;
+}
+
+}  // namespace
+
 float TrialChiSquare(Project& project, int q, AreaTrialCache* cache) {
     const int r = project.CurrentRegion;
     if (!ValidRegion(r) || !ValidSlot(q)) return 0;
@@ -311,36 +357,31 @@ float TrialChiSquare(Project& project, int q, AreaTrialCache* cache) {
     const int m = UsableRangeCount(reg);
     if (m == 0) return 0;
     Peak& peak = project.Peaks[q];
-    // A curve that ResidualWithoutPeak did not size is only written where it exists.
-    const int stored = std::min<int>(m, static_cast<int>(peak.Curve.size()) - 1);
     const PeakShape shape(IsSet(project.Options.GLSum), peak, reg.Shift);
     const float* E = reg.RangeBE.data();
-    const float* R = reg.RangeIntensity.data();
-    const float* B = reg.BackgroundCurve.data();
-    const float* res = reg.Residual.data();
-    float* curve = peak.Curve.data();
-    auto score = [&](auto valueAt) {
-        float acc = 0;
-        for (int j = 1; j <= m; ++j) {
-            const float c = static_cast<float>(static_cast<double>(valueAt(j)) + B[j]);
-            if (j <= stored) curve[j] = c;
-            const double d = static_cast<double>(res[j]) - (static_cast<double>(c) - B[j]);
-            acc = static_cast<float>(acc + d * d / Weight(R[j]));
+    // A curve that ResidualWithoutPeak did not size is only written where it exists.
+    const TrialArrays a{reg.BackgroundCurve.data(), reg.Residual.data(), reg.RangeIntensity.data(),
+                        peak.Curve.data(),
+                        std::min<int>(m, static_cast<int>(peak.Curve.size()) - 1)};
+    const bool reuse = cache != nullptr && cache->Holds(shape, E, m);
+    const bool keep = cache != nullptr && !reuse && cache->Take(shape, E, m);
+    std::array<std::array<double, kShapeBlock>, 2> num;
+    std::array<std::array<double, kShapeBlock>, 2> den;
+    const LineFactorSpans local{{num[0].data(), num[1].data()}, {den[0].data(), den[1].data()}};
+    std::array<float, kShapeBlock> v;
+    float acc = 0;
+    for (int j = 1; j <= m; j += kShapeBlock) {
+        const int n = std::min(kShapeBlock, m + 1 - j);
+        const LineFactorSpans f = reuse || keep ? cache->Spans(j) : local;
+        if (!reuse) shape.Factors(E + j, n, f);
+        shape.FromFactors(f, n, v.data());
+        if (n == kShapeBlock) {
+            acc = AddTrialPoints<kShapeBlock>(a, j, v.data(), acc);
+        } else {
+            for (int k = 0; k < n; ++k) acc = AddTrialPoints<1>(a, j + k, v.data() + k, acc);
         }
-        return static_cast<float>(static_cast<double>(acc) / m);
-    };
-    if (cache == nullptr) return score([&](int j) { return shape(E[j]); });
-    PeakShape::Factors* f0 = cache->Line(0);
-    PeakShape::Factors* f1 = cache->Line(1);
-    if (cache->Holds(shape, E, m))
-        return score([&](int j) { return shape.FromFactors(f0[j], f1[j]); });
-    if (!cache->Take(shape, E, m)) return score([&](int j) { return shape(E[j]); });
-    const int lines = shape.LineCount();
-    return score([&](int j) {
-        if (lines > 0) f0[j] = PeakShape::LineFactors(shape.LineAt(0), E[j]);
-        if (lines > 1) f1[j] = PeakShape::LineFactors(shape.LineAt(1), E[j]);
-        return shape.FromFactors(f0[j], f1[j]);
-    });
+    }
+    return static_cast<float>(static_cast<double>(acc) / m);
 }
 
 }  // namespace molvera

@@ -44,12 +44,12 @@ public:
     /// Takes `shape` at E[1..m] as the one whose factors are being written; false when
     /// m does not fit.
     bool Take(const PeakShape& shape, const float* E, int m);
-    /// The factors of line i (0 or 1), index 1..m.
-    PeakShape::Factors* Line(int i) { return factors_[i].get(); }
+    /// Where the factors of the lines at points j.. are.
+    LineFactorSpans Spans(int j);
 
 private:
     std::size_t size_ = 0;
-    std::array<std::unique_ptr<PeakShape::Factors[]>, 2> factors_;
+    std::unique_ptr<double[]> factors_;  ///< num and den of both lines, size_ each
     std::unique_ptr<float[]> energies_;
     std::array<PeakShape::Component, 2> lines_{};
     int lineCount_ = -1;

@@ -35,8 +35,20 @@ float PeakValue(bool glSum, double x, double p, double A, double w, int g, doubl
 /// The peak of a slot at x, its position moved by `shift`.
 float PeakValue(bool glSum, const Peak& peak, double x, double shift);
 
+/// Points that the block functions of PeakShape evaluate together.
+inline constexpr int kShapeBlock = 32;
+
+/// Where PeakShape puts the factors of its lines at a run of points: line i at point k is
+/// h * num[i][k] for the GL sum and h * num[i][k] / den[i][k] for the GL product.
+struct LineFactorSpans {
+    std::array<double*, 2> num{};
+    std::array<double*, 2> den{};
+};
+
 /// A peak with its per-peak constants worked out once; evaluating it at x gives
-/// exactly PeakValue at x. For loops over many points.
+/// exactly PeakValue at x. For loops over many points: the block functions run each step
+/// over a block of points, so that all but the exponentials vectorise, with the same
+/// bits as point by point.
 class PeakShape {
 public:
     PeakShape(bool glSum, double p, double A, double w, int g, double S, Subshell t, double TS,
@@ -44,12 +56,7 @@ public:
     PeakShape(bool glSum, const Peak& peak, double shift);
 
     /// PeakValue at x.
-    float operator()(double x) const {
-        if (lineCount_ == 1) return Line(lines_[0], x);
-        if (lineCount_ == 0) return 0.0f;
-        return static_cast<float>(static_cast<double>(Line(lines_[0], x)) +
-                                  static_cast<double>(Line(lines_[1], x)));
-    }
+    float operator()(double x) const;
 
     /// One line of a peak: position and the constants of its form.
     struct Component {
@@ -66,46 +73,26 @@ public:
     /// The constants of one line of area A at p.
     static Component MakeComponent(bool glSum, double p, double A, double w, int g, double TS,
                                    double TL);
-    /// One line at x as a height and two factors: GL sum h * num, GL product
-    /// h * num / den. A search over a peak's area keeps the factors and rescales them.
-    struct Factors {
-        double num;
-        double den;
-    };
-    static Factors LineFactors(const Component& c, double x) {
-        if (c.glSum) {
-            const double d = 2 * (x - c.p) / c.w;
-            const double u = d * d;
-            const double G = std::exp(-kLn2 * u);
-            const double L = c.m / (1 + u);
-            if (c.tail && x > c.p)
-                return {(1 - c.m) * G + L + c.TS * (1 - G) * std::exp(-6.9 * u / c.TL), 0};
-            return {(1 - c.m) * G + L, 0};
-        }
-        const double d = (x - c.p) / c.w;
-        const double s = d * d;
-        return {std::exp(c.gaussCoef * s), 1 + c.m * s};
-    }
-    /// The line from its factors.
-    static float Scale(const Component& c, Factors f) {
-        if (c.glSum) return static_cast<float>(c.h * f.num);
-        return static_cast<float>(c.h * f.num / f.den);
-    }
     /// One line at x, as ComponentValue.
-    static float Line(const Component& c, double x) { return Scale(c, LineFactors(c, x)); }
+    static float Line(const Component& c, double x);
 
     /// The lines: 0 for a type without a name, 2 for a doublet.
     int LineCount() const { return lineCount_; }
     const Component& LineAt(int i) const { return lines_[i]; }
-    /// The peak from the factors of its lines, as operator().
-    float FromFactors(Factors f0, Factors f1) const {
-        if (lineCount_ == 1) return Scale(lines_[0], f0);
-        if (lineCount_ == 0) return 0.0f;
-        return static_cast<float>(static_cast<double>(Scale(lines_[0], f0)) +
-                                  static_cast<double>(Scale(lines_[1], f1)));
-    }
+
+    /// The factors of every line at x[0..n-1], n at most kShapeBlock.
+    void Factors(const float* x, int n, const LineFactorSpans& f) const;
+    /// The peak at n points (at most kShapeBlock) from the factors of its lines.
+    void FromFactors(const LineFactorSpans& f, int n, float* out) const;
+    /// The peak at x[0..n-1], n at most kShapeBlock: operator() at each point.
+    void Values(const float* x, int n, float* out) const;
 
 private:
+    template <int N, typename X>
+    void FactorsOf(const X* x, const LineFactorSpans& f, int offset) const;
+    template <int N>
+    void FromFactorsOf(const LineFactorSpans& f, int offset, float* out) const;
+
     std::array<Component, 2> lines_{};
     int lineCount_ = 0;
 };
