@@ -40,9 +40,19 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
     // f[6 + k] holds the sample at x0 + k*delta, f[6] = f0.
     std::array<double, 13> f{};
     f[6] = f0;
-    for (int k : kOffsets) {
-        x = static_cast<float>(static_cast<double>(x0) + k * static_cast<double>(delta));
-        f[6 + k] = ScoreTrial(project, host, mode, g, p, cache);
+    if (mode == ScoreMode::Alone) {
+        std::array<float, kOffsets.size()> values{};
+        std::array<float, kOffsets.size()> scores{};
+        for (std::size_t i = 0; i < kOffsets.size(); ++i)
+            values[i] = static_cast<float>(static_cast<double>(x0) +
+                                           kOffsets[i] * static_cast<double>(delta));
+        TrialChiSquares(project, p, x, values, scores, cache);
+        for (std::size_t i = 0; i < kOffsets.size(); ++i) f[6 + kOffsets[i]] = scores[i];
+    } else {
+        for (int k : kOffsets) {
+            x = static_cast<float>(static_cast<double>(x0) + k * static_cast<double>(delta));
+            f[6 + k] = ScoreTrial(project, host, mode, g, p);
+        }
     }
     auto at = [&f](int k) { return f[6 + k]; };
     const double dd = delta;

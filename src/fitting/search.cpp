@@ -1,7 +1,9 @@
 #include "fitting/search.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
+#include <span>
 
 #include "base/numtext.h"
 #include "fitting/trialscore.h"
@@ -114,14 +116,30 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
     const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ValueOf(edit, g);
     double best = ValueOf(edit, g);
     float bestScore = baseline;
-    // The area trials of a peak alone differ only in its height.
+    auto consider = [&](float value, float score) {
+        if (score < bestScore) {
+            best = value;
+            bestScore = score;
+        }
+    };
+    // The trials of a peak alone are scored kTrialBatch at a time, in order; the area
+    // trials differ only in the peak's height.
     std::optional<AreaTrialCache> areaTrials;
     if (mode == ScoreMode::Alone && g == PeakParameter::Area) areaTrials.emplace(project.Current());
-    AreaTrialCache* cache = areaTrials ? &*areaTrials : nullptr;
+    std::array<float, kTrialBatch> pending{};
+    std::array<float, kTrialBatch> scores{};
+    std::size_t count = 0;
+    auto flush = [&] {
+        TrialChiSquares(project, p, ParameterField(peak, g), std::span(pending.data(), count),
+                        std::span(scores.data(), count), areaTrials ? &*areaTrials : nullptr);
+        for (std::size_t i = 0; i < count; ++i) consider(pending[i], scores[i]);
+        count = 0;
+    };
     for (long k = 0; k < kMaxGridTrials; ++k) {
         // A fine step over a wide range (an option file is not checked like the dialog)
         // makes a grid of up to a million trials: let Stop Fitting through now and then.
         if (k > 0 && k % kTrialsPerYield == 0) {
+            flush();
             host.Yield();
             if (project.StopRequested) break;
         }
@@ -137,13 +155,16 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
         } else {
             v = x0 + d;
         }
-        SetValue(peak, g, Clamp(c, v));
-        const float score = ScoreTrial(project, host, mode, g, p, cache);
-        if (score < bestScore) {
-            best = ValueOf(peak, g);
-            bestScore = score;
+        const auto value = static_cast<float>(Clamp(c, v));
+        if (mode == ScoreMode::Alone) {
+            pending[count++] = value;
+            if (count == pending.size()) flush();
+            continue;
         }
+        ParameterField(peak, g) = value;
+        consider(value, ScoreTrial(project, host, mode, g, p));
     }
+    flush();
     SetValue(edit, g, best);
     if (g == PeakParameter::Area) {
         edit.HeightPercent =

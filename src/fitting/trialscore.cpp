@@ -29,11 +29,10 @@ float& ParameterField(Peak& peak, PeakParameter g) {
     return peak.FWHM;
 }
 
-float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p,
-                 AreaTrialCache* areaCache) {
+float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p) {
     switch (mode) {
         case ScoreMode::Alone:
-            return TrialChiSquare(project, p, areaCache);
+            return TrialChiSquare(project, p);
         case ScoreMode::Region:
             Propagate(project, g, p);
             ComputeRegionEnvelope(project, host);

@@ -6,8 +6,6 @@
 
 namespace molvera {
 
-class AreaTrialCache;
-
 /// Alone: only the peak changes (TrialChiSquare). Region: peaks of this region follow
 /// it (region ChiSquare). AllRegions: peaks of other regions follow it (TotalChiSquare).
 enum class ScoreMode { Alone, Region, AllRegions };
@@ -19,11 +17,10 @@ ScoreMode ChooseScoreMode(const Project& project, PeakParameter g, int p);
 /// The Single field of position, area or FWHM.
 float& ParameterField(Peak& peak, PeakParameter g);
 
-/// Score of the value now in peak p: Alone TrialChiSquare (through `areaCache` when
-/// given); Region propagate and ComputeRegionEnvelope, region ChiSquare; AllRegions
-/// propagate and RecomputeRegionsWithBackground (quietly), TotalChiSquare.
-float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p,
-                 AreaTrialCache* areaCache = nullptr);
+/// Score of the value now in peak p: Alone TrialChiSquare; Region propagate and
+/// ComputeRegionEnvelope, region ChiSquare; AllRegions propagate and
+/// RecomputeRegionsWithBackground (quietly), TotalChiSquare.
+float ScoreTrial(Project& project, Host& host, ScoreMode mode, PeakParameter g, int p);
 
 /// Brings every curve and chi-square up to date with the value now in peak p:
 /// Alone ComputeRegionEnvelope; Region propagate and ComputeRegionEnvelope;

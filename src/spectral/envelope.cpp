@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "spectral/lineshape.h"
 
@@ -337,51 +338,117 @@ void TrialTerms(const float* __restrict B, const float* __restrict res, const fl
     }
 }
 
-/// Points j..j+N-1 of a trial from the peak's values there: its curve where the curve
-/// exists, and each point's term added to acc in order.
-template <int N>
-float AddTrialPoints(const TrialArrays& a, int j, float* v, float acc) {
-    std::array<double, N> t;
-    TrialTerms<N>(a.B + j, a.res + j, a.R + j, v, t.data());
-    std::copy_n(v, std::clamp(a.stored - j + 1, 0, N), a.curve + j);
-    for (int k = 0; k < N; ++k) acc = static_cast<float>(acc + t[k]);
-    return acc;
+/// How a trial gets the factors of its lines.
+enum class FactorSource { Local, Keep, Reuse };
+
+/// T trials of one peak in order, the shapes given: their chi-squares into scores, the
+/// peak's curve as the last one writes it. Each trial's sum is serial as for one trial
+/// alone; the T sums run side by side.
+template <int T>
+void ScoreTrials(const float* E, int m, const TrialArrays& a,
+                 const std::array<const PeakShape*, kTrialBatch>& shapes, AreaTrialCache* cache,
+                 float* scores) {
+    std::array<FactorSource, T> source{};
+    for (int i = 0; i < T; ++i) {
+        if (cache == nullptr) continue;
+        if (cache->Holds(*shapes[i], E, m))
+            source[i] = FactorSource::Reuse;
+        else if (cache->Take(*shapes[i], E, m))
+            source[i] = FactorSource::Keep;
+    }
+    std::array<std::array<double, kShapeBlock>, 2> num;
+    std::array<std::array<double, kShapeBlock>, 2> den;
+    const LineFactorSpans local{{num[0].data(), num[1].data()}, {den[0].data(), den[1].data()}};
+    std::array<std::array<float, kShapeBlock>, T> v;
+    std::array<std::array<double, kShapeBlock>, T> t;
+    std::array<float, T> acc{};
+    for (int j = 1; j <= m; j += kShapeBlock) {
+        const int n = std::min(kShapeBlock, m + 1 - j);
+        // Trial by trial over the block, so that factors kept by one are there for the next.
+        for (int i = 0; i < T; ++i) {
+            const LineFactorSpans f = source[i] == FactorSource::Local ? local : cache->Spans(j);
+            if (source[i] != FactorSource::Reuse) shapes[i]->Factors(E + j, n, f);
+            shapes[i]->FromFactors(f, n, v[i].data());
+            if (n == kShapeBlock) {
+                TrialTerms<kShapeBlock>(a.B + j, a.res + j, a.R + j, v[i].data(), t[i].data());
+            } else {
+                for (int k = 0; k < n; ++k)
+                    TrialTerms<1>(a.B + j + k, a.res + j + k, a.R + j + k, v[i].data() + k,
+                                  t[i].data() + k);
+            }
+        }
+        std::copy_n(v[T - 1].data(), std::clamp(a.stored - j + 1, 0, n), a.curve + j);
+        for (int k = 0; k < n; ++k) {
+            for (int i = 0; i < T; ++i) acc[i] = static_cast<float>(acc[i] + t[i][k]);
+        }
+    }
+    for (int i = 0; i < T; ++i) scores[i] = static_cast<float>(static_cast<double>(acc[i]) / m);
+}
+
+/// The trial arrays of peak q in the current region, m its range count; false when
+/// there is nothing to score.
+bool TrialSetUp(Project& project, int q, TrialArrays& a, int& m) {
+    const int r = project.CurrentRegion;
+    if (!ValidRegion(r) || !ValidSlot(q)) return false;
+    Region& reg = project.Regions[r];
+    m = UsableRangeCount(reg);
+    if (m == 0) return false;
+    Peak& peak = project.Peaks[q];
+    // A curve that ResidualWithoutPeak did not size is only written where it exists.
+    a = {reg.BackgroundCurve.data(), reg.Residual.data(), reg.RangeIntensity.data(),
+         peak.Curve.data(), std::min<int>(m, static_cast<int>(peak.Curve.size()) - 1)};
+    return true;
 }
 
 }  // namespace
 
 float TrialChiSquare(Project& project, int q, AreaTrialCache* cache) {
-    const int r = project.CurrentRegion;
-    if (!ValidRegion(r) || !ValidSlot(q)) return 0;
-    Region& reg = project.Regions[r];
-    const int m = UsableRangeCount(reg);
-    if (m == 0) return 0;
-    Peak& peak = project.Peaks[q];
-    const PeakShape shape(IsSet(project.Options.GLSum), peak, reg.Shift);
-    const float* E = reg.RangeBE.data();
-    // A curve that ResidualWithoutPeak did not size is only written where it exists.
-    const TrialArrays a{reg.BackgroundCurve.data(), reg.Residual.data(), reg.RangeIntensity.data(),
-                        peak.Curve.data(),
-                        std::min<int>(m, static_cast<int>(peak.Curve.size()) - 1)};
-    const bool reuse = cache != nullptr && cache->Holds(shape, E, m);
-    const bool keep = cache != nullptr && !reuse && cache->Take(shape, E, m);
-    std::array<std::array<double, kShapeBlock>, 2> num;
-    std::array<std::array<double, kShapeBlock>, 2> den;
-    const LineFactorSpans local{{num[0].data(), num[1].data()}, {den[0].data(), den[1].data()}};
-    std::array<float, kShapeBlock> v;
-    float acc = 0;
-    for (int j = 1; j <= m; j += kShapeBlock) {
-        const int n = std::min(kShapeBlock, m + 1 - j);
-        const LineFactorSpans f = reuse || keep ? cache->Spans(j) : local;
-        if (!reuse) shape.Factors(E + j, n, f);
-        shape.FromFactors(f, n, v.data());
-        if (n == kShapeBlock) {
-            acc = AddTrialPoints<kShapeBlock>(a, j, v.data(), acc);
-        } else {
-            for (int k = 0; k < n; ++k) acc = AddTrialPoints<1>(a, j + k, v.data() + k, acc);
+    TrialArrays a{};
+    int m = 0;
+    if (!TrialSetUp(project, q, a, m)) return 0;
+    const Region& reg = project.Current();
+    const PeakShape shape(IsSet(project.Options.GLSum), project.Peaks[q], reg.Shift);
+    float score = 0;
+    ScoreTrials<1>(reg.RangeBE.data(), m, a, {&shape}, cache, &score);
+    return score;
+}
+
+void TrialChiSquares(Project& project, int q, float& field, std::span<const float> values,
+                     std::span<float> scores, AreaTrialCache* cache) {
+    TrialArrays a{};
+    int m = 0;
+    if (!TrialSetUp(project, q, a, m)) {
+        if (!values.empty()) field = values.back();
+        std::fill(scores.begin(), scores.end(), 0.0f);
+        return;
+    }
+    const Region& reg = project.Current();
+    const bool glSum = IsSet(project.Options.GLSum);
+    for (std::size_t i0 = 0; i0 < values.size(); i0 += kTrialBatch) {
+        const int count = static_cast<int>(std::min<std::size_t>(kTrialBatch, values.size() - i0));
+        std::array<std::optional<PeakShape>, kTrialBatch> shapes;
+        std::array<const PeakShape*, kTrialBatch> batch{};
+        for (int i = 0; i < count; ++i) {
+            field = values[i0 + i];
+            batch[i] = &shapes[i].emplace(glSum, project.Peaks[q], reg.Shift);
+        }
+        const float* E = reg.RangeBE.data();
+        float* out = scores.data() + i0;
+        switch (count) {
+            case 1:
+                ScoreTrials<1>(E, m, a, batch, cache, out);
+                break;
+            case 2:
+                ScoreTrials<2>(E, m, a, batch, cache, out);
+                break;
+            case 3:
+                ScoreTrials<3>(E, m, a, batch, cache, out);
+                break;
+            default:
+                ScoreTrials<kTrialBatch>(E, m, a, batch, cache, out);
+                break;
         }
     }
-    return static_cast<float>(static_cast<double>(acc) / m);
 }
 
 }  // namespace molvera

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <span>
 
 #include "model/host.h"
 #include "model/records.h"
@@ -60,5 +61,14 @@ private:
 /// one peak evaluation per range point, no allocation. Overwrites q's Curve only.
 /// With a cache, a trial that changed only q's area reuses the line-shape factors.
 float TrialChiSquare(Project& project, int q, AreaTrialCache* cache = nullptr);
+
+/// Trials scored side by side by TrialChiSquares.
+inline constexpr int kTrialBatch = 4;
+
+/// TrialChiSquare for each of `values` in turn in `field`, a Single field of peak q:
+/// scores[i] with the field at values[i]. The same bits, the field and q's Curve left as
+/// after those calls one by one, but the trials run kTrialBatch at a time.
+void TrialChiSquares(Project& project, int q, float& field, std::span<const float> values,
+                     std::span<float> scores, AreaTrialCache* cache = nullptr);
 
 }  // namespace molvera
