@@ -1,6 +1,5 @@
 #include "fitting/search.h"
 
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <span>
@@ -46,22 +45,7 @@ float StandingScore(const Project& project, ScoreMode mode) {
 /// curves already held by the region's peaks.
 void RebuildRegionSums(Project& project, int p) {
     (void)TrialChiSquare(project, p);
-    Region& region = project.Current();
-    const int m = region.RangeCount;
-    const int peakCount = std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion);
-    for (int j = 1; j <= m; ++j) {
-        const double b = region.BackgroundCurve[j];
-        float sum = region.BackgroundCurve[j];
-        for (int k = 0; k < peakCount; ++k) {
-            const int q = region.PeakIndex[k];
-            if (!IsPeakSlot(q)) continue;
-            sum = static_cast<float>(static_cast<double>(sum) +
-                                     (static_cast<double>(project.Peaks[q].Curve[j]) - b));
-        }
-        region.PeakSumCurve[j] = sum;
-        region.Residual[j] =
-            static_cast<float>(static_cast<double>(region.RangeIntensity[j]) - sum);
-    }
+    SumPeakCurves(project, project.Current().RangeCount);
 }
 
 /// The last step of a search operation: the best value into the peak and the project

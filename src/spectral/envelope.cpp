@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <type_traits>
 
 #include "spectral/lineshape.h"
 
@@ -166,29 +167,79 @@ double Weight(float measured) {
     return w + static_cast<double>(w == 0);  // w + 0 is w: no branch, so loops vectorise
 }
 
+/// Calls block(j, n) over j = 1..m: whole blocks of kShapeBlock points, then single
+/// points. n is a std::integral_constant: loops over it have a constant length and
+/// vectorise.
+template <typename Block>
+void ForBlocks(int m, Block block) {
+    int j = 1;
+    for (; j + kShapeBlock - 1 <= m; j += kShapeBlock)
+        block(j, std::integral_constant<int, kShapeBlock>{});
+    for (; j <= m; ++j) block(j, std::integral_constant<int, 1>{});
+}
+
+/// sum + (curve - background) into sum at N points, in double and rounded to a Single;
+/// with `guarded`, a sum that is not finite is not stored.
+template <int N>
+void AddToPeakSum(float* __restrict sum, const float* __restrict curve,
+                  const float* __restrict background, bool guarded) {
+    for (int k = 0; k < N; ++k) {
+        const auto f = static_cast<float>(
+            sum[k] + (static_cast<double>(curve[k]) - static_cast<double>(background[k])));
+        sum[k] = !guarded || std::isfinite(f) ? f : sum[k];
+    }
+}
+
+/// measured - sum into residual at N points; with `guarded`, only where it is finite.
+template <int N>
+void Residuals(const float* __restrict measured, const float* __restrict sum,
+               float* __restrict residual, bool guarded) {
+    for (int k = 0; k < N; ++k) {
+        const auto f = static_cast<float>(static_cast<double>(measured[k]) - sum[k]);
+        residual[k] = !guarded || std::isfinite(f) ? f : residual[k];
+    }
+}
+
+/// PeakSumCurve and Residual of region r from its background and the curves of its
+/// peaks but peak `without` (-1: none). Point by point the peaks are added in the order
+/// of PeakIndex, as point after point would.
+void SumPeaks(Project& project, int r, int m, int without, bool guarded) {
+    Region& reg = project.Regions[r];
+    float* sum = reg.PeakSumCurve.data();
+    const float* background = reg.BackgroundCurve.data();
+    std::copy(background + 1, background + m + 1, sum + 1);
+    for (int k = 0; k < PeakCountOf(reg); ++k) {
+        const int q = reg.PeakIndex[k];
+        if (q == without || !ValidSlot(q)) continue;
+        const float* curve = project.Peaks[q].Curve.data();
+        ForBlocks(m, [&](int j, auto n) {
+            AddToPeakSum<n>(sum + j, curve + j, background + j, guarded);
+        });
+    }
+    const float* measured = reg.RangeIntensity.data();
+    float* residual = reg.Residual.data();
+    ForBlocks(m,
+              [&](int j, auto n) { Residuals<n>(measured + j, sum + j, residual + j, guarded); });
+}
+
 /// Curves, envelope and residual of region r with failing steps skipped; the new
 /// chi-square (0 when it cannot be formed, as for m = 0).
 float EnvelopeChiSquare(Project& project, int r) {
     Region& reg = project.Regions[r];
     const int m = UsableRangeCount(reg);
     ComputePeakCurves(project, r, m, true);
-    const int count = PeakCountOf(reg);
+    SumPeaks(project, r, m, -1, true);
+    const float* R = reg.RangeIntensity.data();
+    const float* residual = reg.Residual.data();
     float acc = 0;
-    for (int j = 1; j <= m; ++j) {
-        const double B = reg.BackgroundCurve[j];
-        reg.PeakSumCurve[j] = reg.BackgroundCurve[j];
-        for (int k = 0; k < count; ++k) {
-            const int q = reg.PeakIndex[k];
-            if (!ValidSlot(q)) continue;
-            StoreIfFinite(
-                reg.PeakSumCurve[j],
-                reg.PeakSumCurve[j] + (static_cast<double>(project.Peaks[q].Curve[j]) - B));
+    std::array<double, kShapeBlock> t;
+    ForBlocks(m, [&](int j, auto n) {
+        for (int k = 0; k < n; ++k) {
+            const double res = residual[j + k];
+            t[k] = res * res / Weight(R[j + k]);
         }
-        StoreIfFinite(reg.Residual[j],
-                      static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
-        const double res = reg.Residual[j];
-        StoreIfFinite(acc, acc + res * res / Weight(reg.RangeIntensity[j]));
-    }
+        for (int k = 0; k < n; ++k) StoreIfFinite(acc, acc + t[k]);
+    });
     float chi = 0;
     StoreIfFinite(chi, static_cast<double>(acc) / m);
     return chi;
@@ -253,25 +304,17 @@ void RecomputeRegionsWithBackground(Project& project, Host& host) {
     host.TotalChiSquareChanged(total);
 }
 
+void SumPeakCurves(Project& project, int m) {
+    const int r = project.CurrentRegion;
+    if (ValidRegion(r) && m > 0) SumPeaks(project, r, m, -1, false);
+}
+
 void ResidualWithoutPeak(Project& project, int q) {
     const int r = project.CurrentRegion;
     if (!ValidRegion(r)) return;
-    Region& reg = project.Regions[r];
-    const int m = UsableRangeCount(reg);
+    const int m = UsableRangeCount(project.Regions[r]);
     ComputePeakCurves(project, r, m, false);
-    const int count = PeakCountOf(reg);
-    for (int j = 1; j <= m; ++j) {
-        const double B = reg.BackgroundCurve[j];
-        reg.PeakSumCurve[j] = reg.BackgroundCurve[j];
-        for (int k = 0; k < count; ++k) {
-            const int other = reg.PeakIndex[k];
-            if (other == q || !ValidSlot(other)) continue;
-            reg.PeakSumCurve[j] = static_cast<float>(
-                reg.PeakSumCurve[j] + (static_cast<double>(project.Peaks[other].Curve[j]) - B));
-        }
-        reg.Residual[j] =
-            static_cast<float>(static_cast<double>(reg.RangeIntensity[j]) - reg.PeakSumCurve[j]);
-    }
+    SumPeaks(project, r, m, q, false);
 }
 
 namespace {

@@ -29,6 +29,10 @@ void RecomputeAllRegions(Project& project, Host& host);
 /// TotalChiSquare as their sum. Pass QuietHost() when nobody is to hear of it (a trial).
 void RecomputeRegionsWithBackground(Project& project, Host& host);
 
+/// PeakSumCurve and Residual of the current region's first m points from the curves its
+/// peaks hold (none computed again); ChiSquare unchanged.
+void SumPeakCurves(Project& project, int m);
+
 /// Every peak curve of the current region, then PeakSumCurve and Residual without
 /// peak q; ChiSquare unchanged.
 void ResidualWithoutPeak(Project& project, int q);
