@@ -5,11 +5,11 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <type_traits>
 
+#include "spectral/curvememo.h"
 #include "spectral/lineshape.h"
 
 namespace molvera {
@@ -27,108 +27,13 @@ void StoreIfFinite(float& target, double value) {
     if (std::isfinite(f)) target = f;
 }
 
-/// What a peak's curve is computed from besides the region's energies and background.
-struct CurveInputs {
-    int region = -1;
-    int m = -1;
-    bool glSum = false;
-    float shift = 0, position = 0, area = 0, fwhm = 0, splitting = 0, tailScale = 0, tailLength = 0;
-    Int16 percentGL = 0;
-    Subshell type = Subshell::None;
-
-    CurveInputs() = default;
-    CurveInputs(int r, int count, bool sum, const Region& reg, const Peak& peak)
-        : region(r),
-          m(count),
-          glSum(sum),
-          shift(reg.Shift),
-          position(peak.Position),
-          area(peak.Area),
-          fwhm(peak.FWHM),
-          splitting(peak.Splitting),
-          tailScale(peak.TailScale),
-          tailLength(peak.TailLength),
-          percentGL(peak.PercentGL),
-          type(peak.PeakType) {}
-
-    /// Equal bit for bit (a NaN input equals itself, 0 and -0 differ).
-    bool Same(const CurveInputs& o) const {
-        auto bits = [](float f) { return std::bit_cast<std::uint32_t>(f); };
-        return region == o.region && m == o.m && glSum == o.glSum && percentGL == o.percentGL &&
-               type == o.type && bits(shift) == bits(o.shift) &&
-               bits(position) == bits(o.position) && bits(area) == bits(o.area) &&
-               bits(fwhm) == bits(o.fwhm) && bits(splitting) == bits(o.splitting) &&
-               bits(tailScale) == bits(o.tailScale) && bits(tailLength) == bits(o.tailLength);
-    }
-};
-
-bool SameValues(const float* a, const float* b, int m) {
-    return std::memcmp(a + 1, b + 1, static_cast<std::size_t>(m) * sizeof(float)) == 0;
-}
-
-/// The last curve computed for each peak slot with what it was computed from, so that a
-/// curve whose inputs did not change is not computed again. Every input is compared,
-/// the region's range energies and background included, and so is the stored curve
-/// itself: a curve is reused only where computing it again would store the same bits.
-/// Per thread, and invisible but for the time saved.
-class CurveMemo {
-public:
-    /// Checks region r's energies and background against the last ones seen; a change
-    /// forgets the curves computed over the old ones.
-    void SeeRegion(int r, const Region& reg, int m) {
-        RegionSnapshot& s = regions_[r];
-        if (s.m == m && SameValues(s.E.data(), reg.RangeBE.data(), m) &&
-            SameValues(s.B.data(), reg.BackgroundCurve.data(), m))
-            return;
-        s.m = m;
-        s.E.assign(reg.RangeBE.begin(), reg.RangeBE.begin() + m + 1);
-        s.B.assign(reg.BackgroundCurve.begin(), reg.BackgroundCurve.begin() + m + 1);
-        ++s.generation;
-    }
-    /// True when q's curve holds exactly what computing it from `in` would store.
-    bool Holds(int q, const CurveInputs& in, const SingleArray& curve) const {
-        const Entry& e = peaks_[q];
-        return e.valid && e.generation == regions_[in.region].generation && e.in.Same(in) &&
-               SameValues(e.curve.data(), curve.data(), in.m);
-    }
-    /// q's curve was computed from `in`; `exact` is false when a value was skipped.
-    void Record(int q, const CurveInputs& in, const SingleArray& curve, bool exact) {
-        Entry& e = peaks_[q];
-        e.valid = exact;
-        if (!exact) return;
-        e.in = in;
-        e.generation = regions_[in.region].generation;
-        e.curve.assign(curve.begin(), curve.begin() + in.m + 1);
-    }
-
-private:
-    struct RegionSnapshot {
-        int m = -1;
-        long generation = 0;
-        SingleArray E, B;
-    };
-    struct Entry {
-        bool valid = false;
-        long generation = 0;
-        CurveInputs in;
-        SingleArray curve;
-    };
-    std::array<RegionSnapshot, kRegionCount> regions_{};
-    std::array<Entry, kPeakSlots> peaks_{};
-};
-
-CurveMemo& Memo() {
-    thread_local CurveMemo memo;
-    return memo;
-}
-
 /// Curve of every peak of region r: the peak on top of the background. With
 /// `guarded`, values that are not finite are skipped. A curve whose inputs did not
 /// change since it was computed is left as it is.
 void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
     Region& reg = project.Regions[r];
     const bool glSum = IsSet(project.Options.GLSum);
-    CurveMemo& memo = Memo();
+    CurveMemo& memo = ThreadCurveMemo();
     if (m > 0) memo.SeeRegion(r, reg, m);
     for (int k = 0; k < PeakCountOf(reg); ++k) {
         const int q = reg.PeakIndex[k];
