@@ -47,7 +47,7 @@ void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
         std::array<float, kShapeBlock> values;
         for (int j0 = 1; j0 <= m; j0 += kShapeBlock) {
             const int n = std::min(kShapeBlock, m + 1 - j0);
-            shape.Values(&reg.RangeBE[j0], n, values.data());
+            shape.Values(&reg.RangeBE[j0], n, values.data(), &reg.BackgroundCurve[j0]);
             for (int k = 0; k < n; ++k) {
                 const int j = j0 + k;
                 const double v = static_cast<double>(values[k]) + reg.BackgroundCurve[j];
@@ -315,7 +315,10 @@ void ScoreTrials(const float* E, int m, const TrialArrays& a,
         // Trial by trial over the block, so that factors kept by one are there for the next.
         for (int i = 0; i < T; ++i) {
             const LineFactorSpans f = source[i] == FactorSource::Local ? local : cache->Spans(j);
-            if (source[i] != FactorSource::Reuse) shapes[i]->Factors(E + j, n, f);
+            // Kept factors serve other heights: they leave nothing out.
+            if (source[i] != FactorSource::Reuse)
+                shapes[i]->Factors(E + j, n, f,
+                                   source[i] == FactorSource::Local ? a.B + j : nullptr);
             shapes[i]->FromFactors(f, n, v[i].data());
             if (n == kShapeBlock) {
                 TrialTerms<kShapeBlock>(a.B + j, a.res + j, a.R + j, v[i].data(), t[i].data());

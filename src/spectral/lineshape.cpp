@@ -1,7 +1,10 @@
 #include "spectral/lineshape.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numbers>
 
 namespace molvera {
 
@@ -165,9 +168,28 @@ namespace {
 
 /// The factors of one line at the N points x[0..N-1]: the steps before and after the
 /// exponentials run over all points, the exponentials in a loop of their own.
+/// Where the exponent of a GL product line of height h lies below these, the line adds
+/// less than an eighth of a unit in the last place to the Single background b there, so
+/// float(line + b) is b whatever its value: ln ulp(b) - ln|h| - ln 8 - 1, the 1 a margin for
+/// the roundings of exp and of the line. -inf where b is 0, subnormal or not finite.
+template <int N>
+void NegligibleBelow(const float* __restrict background, double h, double* __restrict below) {
+    constexpr double kMargin = 3 * std::numbers::ln2 + 1;
+    const double logH = std::log(std::fabs(h));
+    for (int k = 0; k < N; ++k) {
+        const auto e = static_cast<int>((std::bit_cast<std::uint32_t>(background[k]) >> 23) & 0xFF);
+        below[k] = e == 0 || e == 255
+                       ? -std::numeric_limits<double>::infinity()
+                       : (e - 150) * std::numbers::ln2 - logH - kMargin;  // ulp = 2^(e-150)
+    }
+}
+
+/// The factors of one line at the N points x[0..N-1]: the steps before and after the
+/// exponentials run over all points, the exponentials in a loop of their own. Where a
+/// GL product's exponent is below `below` (when given), the exponential is left out: 0.
 template <int N, typename X>
 void LineFactorsOf(const PeakShape::Component& c, const X* __restrict x, double* __restrict num,
-                   double* __restrict den) {
+                   double* __restrict den, const double* __restrict below = nullptr) {
     const double p = c.p;
     const double w = c.w;
     const double m = c.m;
@@ -198,7 +220,11 @@ void LineFactorsOf(const PeakShape::Component& c, const X* __restrict x, double*
         num[k] = gaussCoef * s;
         den[k] = 1 + m * s;
     }
-    for (int k = 0; k < N; ++k) num[k] = std::exp(num[k]);
+    if (below == nullptr) {
+        for (int k = 0; k < N; ++k) num[k] = std::exp(num[k]);
+        return;
+    }
+    for (int k = 0; k < N; ++k) num[k] = num[k] < below[k] ? 0.0 : std::exp(num[k]);
 }
 
 /// One line at N points from its factors.
@@ -216,7 +242,16 @@ void ScaleLine(const PeakShape::Component& c, const double* __restrict num,
 }  // namespace
 
 template <int N, typename X>
-void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f, int offset) const {
+void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f, int offset,
+                          const float* background) const {
+    // A single GL product line decays to nothing that a background notices; a doublet's
+    // lines are added to each other first.
+    if (background != nullptr && lineCount_ == 1 && !lines_[0].glSum) {
+        std::array<double, N> below;
+        NegligibleBelow<N>(background + offset, lines_[0].h, below.data());
+        LineFactorsOf<N>(lines_[0], x + offset, f.num[0] + offset, f.den[0] + offset, below.data());
+        return;
+    }
     for (int i = 0; i < lineCount_; ++i)
         LineFactorsOf<N>(lines_[i], x + offset, f.num[i] + offset, f.den[i] + offset);
 }
@@ -236,9 +271,10 @@ void PeakShape::FromFactorsOf(const LineFactorSpans& f, int offset, float* out) 
         out[k] = static_cast<float>(static_cast<double>(out[k]) + static_cast<double>(second[k]));
 }
 
-void PeakShape::Factors(const float* x, int n, const LineFactorSpans& f) const {
-    if (n == kShapeBlock) return FactorsOf<kShapeBlock>(x, f, 0);
-    for (int k = 0; k < n; ++k) FactorsOf<1>(x, f, k);
+void PeakShape::Factors(const float* x, int n, const LineFactorSpans& f,
+                        const float* background) const {
+    if (n == kShapeBlock) return FactorsOf<kShapeBlock>(x, f, 0, background);
+    for (int k = 0; k < n; ++k) FactorsOf<1>(x, f, k, background);
 }
 
 void PeakShape::FromFactors(const LineFactorSpans& f, int n, float* out) const {
@@ -246,11 +282,11 @@ void PeakShape::FromFactors(const LineFactorSpans& f, int n, float* out) const {
     for (int k = 0; k < n; ++k) FromFactorsOf<1>(f, k, out);
 }
 
-void PeakShape::Values(const float* x, int n, float* out) const {
+void PeakShape::Values(const float* x, int n, float* out, const float* background) const {
     std::array<std::array<double, kShapeBlock>, 2> num;
     std::array<std::array<double, kShapeBlock>, 2> den;
     const LineFactorSpans f{{num[0].data(), num[1].data()}, {den[0].data(), den[1].data()}};
-    Factors(x, n, f);
+    Factors(x, n, f, background);
     FromFactors(f, n, out);
 }
 
@@ -258,7 +294,7 @@ float PeakShape::operator()(double x) const {
     std::array<double, 2> num{};
     std::array<double, 2> den{};
     const LineFactorSpans f{{&num[0], &num[1]}, {&den[0], &den[1]}};
-    FactorsOf<1>(&x, f, 0);
+    FactorsOf<1>(&x, f, 0, nullptr);
     float v = 0;
     FromFactorsOf<1>(f, 0, &v);
     return v;

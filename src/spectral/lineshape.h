@@ -80,16 +80,21 @@ public:
     int LineCount() const { return lineCount_; }
     const Component& LineAt(int i) const { return lines_[i]; }
 
-    /// The factors of every line at x[0..n-1], n at most kShapeBlock.
-    void Factors(const float* x, int n, const LineFactorSpans& f) const;
+    /// The factors of every line at x[0..n-1], n at most kShapeBlock. With the Single
+    /// background values b[0..n-1] that the peak is to be added to (as float(v + b)), a
+    /// single GL product line is left out (factor 0) where it is too small to change b:
+    /// float(v + b) is the same, and the exponential is not evaluated.
+    void Factors(const float* x, int n, const LineFactorSpans& f,
+                 const float* background = nullptr) const;
     /// The peak at n points (at most kShapeBlock) from the factors of its lines.
     void FromFactors(const LineFactorSpans& f, int n, float* out) const;
-    /// The peak at x[0..n-1], n at most kShapeBlock: operator() at each point.
-    void Values(const float* x, int n, float* out) const;
+    /// The peak at x[0..n-1], n at most kShapeBlock: operator() at each point, but with
+    /// a background as Factors.
+    void Values(const float* x, int n, float* out, const float* background = nullptr) const;
 
 private:
     template <int N, typename X>
-    void FactorsOf(const X* x, const LineFactorSpans& f, int offset) const;
+    void FactorsOf(const X* x, const LineFactorSpans& f, int offset, const float* background) const;
     template <int N>
     void FromFactorsOf(const LineFactorSpans& f, int offset, float* out) const;
 
