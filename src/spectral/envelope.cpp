@@ -76,7 +76,7 @@ double Weight(float measured) {
 /// points. n is a std::integral_constant: loops over it have a constant length and
 /// vectorise.
 template <typename Block>
-void ForBlocks(int m, Block block) {
+[[gnu::always_inline]] inline void ForBlocks(int m, Block block) {
     int j = 1;
     for (; j + kShapeBlock - 1 <= m; j += kShapeBlock)
         block(j, std::integral_constant<int, kShapeBlock>{});
@@ -86,8 +86,9 @@ void ForBlocks(int m, Block block) {
 /// sum + (curve - background) into sum at N points, in double and rounded to a Single;
 /// with `guarded`, a sum that is not finite is not stored.
 template <int N>
-void AddToPeakSum(float* __restrict sum, const float* __restrict curve,
-                  const float* __restrict background, bool guarded) {
+[[gnu::always_inline]] inline void AddToPeakSum(float* __restrict sum,
+                                                const float* __restrict curve,
+                                                const float* __restrict background, bool guarded) {
     for (int k = 0; k < N; ++k) {
         const auto f = static_cast<float>(
             sum[k] + (static_cast<double>(curve[k]) - static_cast<double>(background[k])));
@@ -97,8 +98,9 @@ void AddToPeakSum(float* __restrict sum, const float* __restrict curve,
 
 /// measured - sum into residual at N points; with `guarded`, only where it is finite.
 template <int N>
-void Residuals(const float* __restrict measured, const float* __restrict sum,
-               float* __restrict residual, bool guarded) {
+[[gnu::always_inline]] inline void Residuals(const float* __restrict measured,
+                                             const float* __restrict sum,
+                                             float* __restrict residual, bool guarded) {
     for (int k = 0; k < N; ++k) {
         const auto f = static_cast<float>(static_cast<double>(measured[k]) - sum[k]);
         residual[k] = !guarded || std::isfinite(f) ? f : residual[k];
@@ -108,7 +110,7 @@ void Residuals(const float* __restrict measured, const float* __restrict sum,
 /// PeakSumCurve and Residual of region r from its background and the curves of its
 /// peaks but peak `without` (-1: none). Point by point the peaks are added in the order
 /// of PeakIndex, as point after point would.
-void SumPeaks(Project& project, int r, int m, int without, bool guarded) {
+MOLVERA_BLOCK_CLONES void SumPeaks(Project& project, int r, int m, int without, bool guarded) {
     Region& reg = project.Regions[r];
     float* sum = reg.PeakSumCurve.data();
     const float* background = reg.BackgroundCurve.data();
@@ -276,14 +278,22 @@ struct TrialArrays {
 
 /// The terms of N points of a trial from the peak's values v there; v becomes the curve.
 template <int N>
-void TrialTerms(const float* __restrict B, const float* __restrict res, const float* __restrict R,
-                float* __restrict v, double* __restrict t) {
+[[gnu::always_inline]] inline void TrialTerms(const float* __restrict B,
+                                              const float* __restrict res,
+                                              const float* __restrict R, float* __restrict v,
+                                              double* __restrict t) {
     for (int k = 0; k < N; ++k) {
         const float c = static_cast<float>(static_cast<double>(v[k]) + B[k]);
         v[k] = c;
         const double d = static_cast<double>(res[k]) - (static_cast<double>(c) - B[k]);
         t[k] = d * d / Weight(R[k]);
     }
+}
+
+/// TrialTerms over a whole block.
+MOLVERA_BLOCK_CLONES void TrialTermsOfBlock(const float* B, const float* res, const float* R,
+                                            float* v, double* t) {
+    TrialTerms<kShapeBlock>(B, res, R, v, t);
 }
 
 /// How a trial gets the factors of its lines.
@@ -321,7 +331,7 @@ void ScoreTrials(const float* E, int m, const TrialArrays& a,
                                    source[i] == FactorSource::Local ? a.B + j : nullptr);
             shapes[i]->FromFactors(f, n, v[i].data());
             if (n == kShapeBlock) {
-                TrialTerms<kShapeBlock>(a.B + j, a.res + j, a.R + j, v[i].data(), t[i].data());
+                TrialTermsOfBlock(a.B + j, a.res + j, a.R + j, v[i].data(), t[i].data());
             } else {
                 for (int k = 0; k < n; ++k)
                     TrialTerms<1>(a.B + j + k, a.res + j + k, a.R + j + k, v[i].data() + k,

@@ -173,7 +173,8 @@ namespace {
 /// float(line + b) is b whatever its value: ln ulp(b) - ln|h| - ln 8 - 1, the 1 a margin for
 /// the roundings of exp and of the line. -inf where b is 0, subnormal or not finite.
 template <int N>
-void NegligibleBelow(const float* __restrict background, double h, double* __restrict below) {
+[[gnu::always_inline]] inline void NegligibleBelow(const float* __restrict background, double h,
+                                                   double* __restrict below) {
     constexpr double kMargin = 3 * std::numbers::ln2 + 1;
     const double logH = std::log(std::fabs(h));
     for (int k = 0; k < N; ++k) {
@@ -188,8 +189,10 @@ void NegligibleBelow(const float* __restrict background, double h, double* __res
 /// exponentials run over all points, the exponentials in a loop of their own. Where a
 /// GL product's exponent is below `below` (when given), the exponential is left out: 0.
 template <int N, typename X>
-void LineFactorsOf(const PeakShape::Component& c, const X* __restrict x, double* __restrict num,
-                   double* __restrict den, const double* __restrict below = nullptr) {
+[[gnu::always_inline]] inline void LineFactorsOf(const PeakShape::Component& c,
+                                                 const X* __restrict x, double* __restrict num,
+                                                 double* __restrict den,
+                                                 const double* __restrict below = nullptr) {
     const double p = c.p;
     const double w = c.w;
     const double m = c.m;
@@ -229,8 +232,9 @@ void LineFactorsOf(const PeakShape::Component& c, const X* __restrict x, double*
 
 /// One line at N points from its factors.
 template <int N>
-void ScaleLine(const PeakShape::Component& c, const double* __restrict num,
-               const double* __restrict den, float* __restrict out) {
+[[gnu::always_inline]] inline void ScaleLine(const PeakShape::Component& c,
+                                             const double* __restrict num,
+                                             const double* __restrict den, float* __restrict out) {
     const double h = c.h;
     if (c.glSum) {
         for (int k = 0; k < N; ++k) out[k] = static_cast<float>(h * num[k]);
@@ -242,8 +246,8 @@ void ScaleLine(const PeakShape::Component& c, const double* __restrict num,
 }  // namespace
 
 template <int N, typename X>
-void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f, int offset,
-                          const float* background) const {
+[[gnu::always_inline]] inline void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f,
+                                                        int offset, const float* background) const {
     // A single GL product line decays to nothing that a background notices; a doublet's
     // lines are added to each other first.
     if (background != nullptr && lineCount_ == 1 && !lines_[0].glSum) {
@@ -257,7 +261,8 @@ void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f, int offset,
 }
 
 template <int N>
-void PeakShape::FromFactorsOf(const LineFactorSpans& f, int offset, float* out) const {
+[[gnu::always_inline]] inline void PeakShape::FromFactorsOf(const LineFactorSpans& f, int offset,
+                                                            float* out) const {
     out += offset;
     if (lineCount_ == 0) {
         for (int k = 0; k < N; ++k) out[k] = 0.0f;
@@ -271,13 +276,14 @@ void PeakShape::FromFactorsOf(const LineFactorSpans& f, int offset, float* out) 
         out[k] = static_cast<float>(static_cast<double>(out[k]) + static_cast<double>(second[k]));
 }
 
-void PeakShape::Factors(const float* x, int n, const LineFactorSpans& f,
-                        const float* background) const {
+MOLVERA_BLOCK_CLONES void PeakShape::Factors(const float* x, int n, const LineFactorSpans& f,
+                                             const float* background) const {
     if (n == kShapeBlock) return FactorsOf<kShapeBlock>(x, f, 0, background);
     for (int k = 0; k < n; ++k) FactorsOf<1>(x, f, k, background);
 }
 
-void PeakShape::FromFactors(const LineFactorSpans& f, int n, float* out) const {
+MOLVERA_BLOCK_CLONES void PeakShape::FromFactors(const LineFactorSpans& f, int n,
+                                                 float* out) const {
     if (n == kShapeBlock) return FromFactorsOf<kShapeBlock>(f, 0, out);
     for (int k = 0; k < n; ++k) FromFactorsOf<1>(f, k, out);
 }

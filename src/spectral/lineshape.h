@@ -35,6 +35,15 @@ float PeakValue(bool glSum, double x, double p, double A, double w, int g, doubl
 /// The peak of a slot at x, its position moved by `shift`.
 float PeakValue(bool glSum, const Peak& peak, double x, double shift);
 
+/// The block loops compiled twice, for AVX2 where the processor has it and for plain
+/// x86-64: the same IEEE operations on four doubles at a time instead of two, and no FMA
+/// (AVX2 does not bring it), so the same bits.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define MOLVERA_BLOCK_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define MOLVERA_BLOCK_CLONES
+#endif
+
 /// Points that the block functions of PeakShape evaluate together.
 inline constexpr int kShapeBlock = 32;
 
