@@ -48,9 +48,9 @@ void ComputePeakCurves(Project& project, int r, int m, bool guarded) {
         for (int j0 = 1; j0 <= m; j0 += kShapeBlock) {
             const int n = std::min(kShapeBlock, m + 1 - j0);
             shape.Values(&reg.RangeBE[j0], n, values.data(), &reg.BackgroundCurve[j0]);
-            for (int k = 0; k < n; ++k) {
-                const int j = j0 + k;
-                const double v = static_cast<double>(values[k]) + reg.BackgroundCurve[j];
+            for (int i = 0; i < n; ++i) {
+                const int j = j0 + i;
+                const double v = static_cast<double>(values[i]) + reg.BackgroundCurve[j];
                 if (guarded) {
                     const float f = static_cast<float>(v);
                     if (std::isfinite(f))
@@ -111,6 +111,7 @@ template <int N>
 /// peaks but peak `without` (-1: none). Point by point the peaks are added in the order
 /// of PeakIndex, as point after point would.
 MOLVERA_BLOCK_CLONES void SumPeaks(Project& project, int r, int m, int without, bool guarded) {
+    if (m <= 0) return;
     Region& reg = project.Regions[r];
     float* sum = reg.PeakSumCurve.data();
     const float* background = reg.BackgroundCurve.data();
@@ -213,7 +214,7 @@ void RecomputeRegionsWithBackground(Project& project, Host& host) {
 
 void SumPeakCurves(Project& project, int m) {
     const int r = project.CurrentRegion;
-    if (ValidRegion(r) && m > 0) SumPeaks(project, r, m, -1, false);
+    if (ValidRegion(r)) SumPeaks(project, r, m, -1, false);
 }
 
 void ResidualWithoutPeak(Project& project, int q) {

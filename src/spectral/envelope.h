@@ -37,7 +37,7 @@ void SumPeakCurves(Project& project, int m);
 /// peak q; ChiSquare unchanged.
 void ResidualWithoutPeak(Project& project, int q);
 
-/// The line-shape factors (PeakShape::LineFactors) of one peak at every range point of a
+/// The line-shape factors (PeakShape::Factors) of one peak at every range point of a
 /// region, kept between trials of the peak's area: a trial whose peak differs from the
 /// last one only in height rescales them instead of evaluating the exponentials again,
 /// with the same bits. Sized when made; trials through it allocate nothing.
@@ -62,7 +62,7 @@ private:
 };
 
 /// Region chi-square for q's present parameters after ResidualWithoutPeak(q):
-/// one peak evaluation per range point, no allocation. Overwrites q's Curve only.
+/// at most one peak evaluation per range point, no allocation. Overwrites q's Curve only.
 /// With a cache, a trial that changed only q's area reuses the line-shape factors.
 float TrialChiSquare(Project& project, int q, AreaTrialCache* cache = nullptr);
 
