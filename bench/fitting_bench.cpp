@@ -1,12 +1,11 @@
-// Fitting speed: one Newton step, and Optimise Region by both methods on a 5000-point
-// region with 4 and with 10 peaks.
+// Fitting speed: one Newton step, and Optimise Region by both methods (BenchOptions) on a
+// 5000-point region with 4 and with 10 peaks.
 
 #include <cmath>
-#include <filesystem>
 
 #include <benchmark/benchmark.h>
 
-#include "fileio/optionfile.h"
+#include "bench_options.h"
 #include "fitting/driver.h"
 #include "fitting/newton.h"
 #include "model/project.h"
@@ -15,28 +14,6 @@
 
 namespace molvera {
 namespace {
-
-/// default.opa of the source tree when present, else the same values built here
-/// (one level per parameter: position 1 eV/0.1 and 0.1/0.01, area 10/1, FWHM as position,
-/// Newton deltas 0.01; 10 trials).
-FitOptions BenchOptions(float method) {
-    FitOptions o;
-    const std::string path = std::string(MOLVERA_SOURCE_DIR) + "/default.opa";
-    if (!std::filesystem::exists(path) || !ReadOptionFile(o, path).ok()) {
-        o.SearchTrials = o.NewtonTrials = 10;
-        o.Tolerance = 0;
-        o.PositionSearch[0] = {-1, 1.0f, 0.1f};
-        o.PositionSearch[1] = {-1, 0.1f, 0.01f};
-        o.AreaSearch[0] = {-1, 10.0f, 1.0f};
-        o.FWHMSearch[0] = {-1, 1.0f, 0.1f};
-        o.FWHMSearch[1] = {-1, 0.1f, 0.01f};
-        o.PositionNewton[0] = {-1, 0.01f};
-        o.AreaNewton[0] = {-1, 0.01f};
-        o.FWHMNewton[0] = {-1, 0.01f};
-    }
-    o.Method = method;
-    return o;
-}
 
 /// A 5000-point region with `peaks` peaks spread over it, started a little off.
 void MakeRegion(Project& project, int peaks) {

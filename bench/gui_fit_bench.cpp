@@ -10,7 +10,7 @@
 #include <QApplication>
 #include <QThread>
 
-#include "fileio/optionfile.h"
+#include "bench_options.h"
 #include "fitting/driver.h"
 #include "model/project.h"
 #include "session/fitcommands.h"
@@ -85,14 +85,7 @@ void PrepareFit(Project& project) {
     }
     region.PeakCount = 10;
     ComputeRegionEnvelope(project, QuietHost());
-    const std::string opa = std::string(MOLVERA_SOURCE_DIR) + "/default.opa";
-    if (!ReadOptionFile(project.Options, opa)) {
-        project.Options.PositionNewton[0] = {-1, 0.01f};
-        project.Options.AreaNewton[0] = {-1, 0.01f};
-        project.Options.FWHMNewton[0] = {-1, 0.01f};
-    }
-    project.Options.Method = 1;
-    project.Options.NewtonTrials = 10;
+    project.Options = BenchOptions(1);
 }
 
 void BM_OptimiseRegionQuiet(benchmark::State& state) {

@@ -107,9 +107,11 @@ int RunOptions(int argc, char** argv) {
     FillOptionsDialog(options, form);
 
     if (auto m = args.Value("method")) {
-        if (*m != "search" && *m != "newton") return Fail("--method is search or newton");
+        if (*m != "search" && *m != "newton" && *m != "lm")
+            return Fail("--method is search, newton or lm");
         form.useSearch = *m == "search";
-        form.useNewton = !form.useSearch;
+        form.useLevenbergMarquardt = *m == "lm";
+        form.useNewton = *m == "newton";
     }
     if (auto v = args.Value("search-trials")) form.searchTrialsText = *v;
     if (auto v = args.Value("newton-trials")) form.newtonTrialsText = *v;

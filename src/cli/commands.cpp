@@ -48,7 +48,7 @@ const Command kCommands[] = {
      "[--link REF --op +|-|*|/ --arg A | --unlink] [--limits LOW:HIGH | --no-limits] -o OUT.xps",
      "tie a peak parameter to another peak or limit its search range", RunConstrain},
     {"options",
-     "molvera-cli options [--from IN.opa] [--method search|newton] [--search-trials N] "
+     "molvera-cli options [--from IN.opa] [--method search|newton|lm] [--search-trials N] "
      "[--newton-trials N] [--tolerance PERCENT] [--pos-search L:RANGE:STEP|L:off] "
      "[--area-search ...] [--fwhm-search ...] [--pos-newton L:DELTA|L:off] [--area-newton ...] "
      "[--fwhm-newton ...] [--gl-sum | --gl-product] -o OUT.opa",

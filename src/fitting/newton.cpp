@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "fitting/search.h"
 #include "fitting/trialscore.h"
@@ -24,10 +25,14 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
     project.EditPeak = peak;
     const float x0 = x;
 
+    // The area trials of a peak alone differ only in its height.
+    std::optional<AreaTrialCache> areaTrials;
+    if (mode == ScoreMode::Alone && g == PeakParameter::Area) areaTrials.emplace(project.Current());
+    AreaTrialCache* cache = areaTrials ? &*areaTrials : nullptr;
     double f0 = 0;
     if (mode == ScoreMode::Alone) {
         ResidualWithoutPeak(project, p);
-        f0 = TrialChiSquare(project, p);
+        f0 = TrialChiSquare(project, p, cache);
     } else {
         f0 = mode == ScoreMode::Region ? project.Current().ChiSquare : project.TotalChiSquare;
     }
@@ -35,9 +40,19 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
     // f[6 + k] holds the sample at x0 + k*delta, f[6] = f0.
     std::array<double, 13> f{};
     f[6] = f0;
-    for (int k : kOffsets) {
-        x = static_cast<float>(static_cast<double>(x0) + k * static_cast<double>(delta));
-        f[6 + k] = ScoreTrial(project, host, mode, g, p);
+    if (mode == ScoreMode::Alone) {
+        std::array<float, kOffsets.size()> values{};
+        std::array<float, kOffsets.size()> scores{};
+        for (std::size_t i = 0; i < kOffsets.size(); ++i)
+            values[i] = static_cast<float>(static_cast<double>(x0) +
+                                           kOffsets[i] * static_cast<double>(delta));
+        TrialChiSquares(project, p, x, values, scores, cache);
+        for (std::size_t i = 0; i < kOffsets.size(); ++i) f[6 + kOffsets[i]] = scores[i];
+    } else {
+        for (int k : kOffsets) {
+            x = static_cast<float>(static_cast<double>(x0) + k * static_cast<double>(delta));
+            f[6 + k] = ScoreTrial(project, host, mode, g, p);
+        }
     }
     auto at = [&f](int k) { return f[6 + k]; };
     const double dd = delta;
@@ -65,7 +80,7 @@ void NewtonStep(Project& project, Host& host, PeakParameter g, int p, float delt
 
     double f1 = 0;
     if (mode == ScoreMode::Alone) {
-        f1 = TrialChiSquare(project, p);
+        f1 = TrialChiSquare(project, p, cache);
     } else {
         SettleProject(project, host, mode, g, p);
         f1 = mode == ScoreMode::Region ? project.Current().ChiSquare : project.TotalChiSquare;

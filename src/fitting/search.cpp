@@ -1,6 +1,8 @@
 #include "fitting/search.h"
 
-#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
 
 #include "base/numtext.h"
 #include "fitting/trialscore.h"
@@ -43,22 +45,7 @@ float StandingScore(const Project& project, ScoreMode mode) {
 /// curves already held by the region's peaks.
 void RebuildRegionSums(Project& project, int p) {
     (void)TrialChiSquare(project, p);
-    Region& region = project.Current();
-    const int m = region.RangeCount;
-    const int peakCount = std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion);
-    for (int j = 1; j <= m; ++j) {
-        const double b = region.BackgroundCurve[j];
-        float sum = region.BackgroundCurve[j];
-        for (int k = 0; k < peakCount; ++k) {
-            const int q = region.PeakIndex[k];
-            if (!IsPeakSlot(q)) continue;
-            sum = static_cast<float>(static_cast<double>(sum) +
-                                     (static_cast<double>(project.Peaks[q].Curve[j]) - b));
-        }
-        region.PeakSumCurve[j] = sum;
-        region.Residual[j] =
-            static_cast<float>(static_cast<double>(region.RangeIntensity[j]) - sum);
-    }
+    SumPeakCurves(project, project.Current().RangeCount);
 }
 
 /// The last step of a search operation: the best value into the peak and the project
@@ -113,10 +100,30 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
     const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ValueOf(edit, g);
     double best = ValueOf(edit, g);
     float bestScore = baseline;
+    auto consider = [&](float value, float score) {
+        if (score < bestScore) {
+            best = value;
+            bestScore = score;
+        }
+    };
+    // The trials of a peak alone are scored kTrialBatch at a time, in order; the area
+    // trials differ only in the peak's height.
+    std::optional<AreaTrialCache> areaTrials;
+    if (mode == ScoreMode::Alone && g == PeakParameter::Area) areaTrials.emplace(project.Current());
+    std::array<float, kTrialBatch> pending{};
+    std::array<float, kTrialBatch> scores{};
+    std::size_t count = 0;
+    auto flush = [&] {
+        TrialChiSquares(project, p, ParameterField(peak, g), std::span(pending.data(), count),
+                        std::span(scores.data(), count), areaTrials ? &*areaTrials : nullptr);
+        for (std::size_t i = 0; i < count; ++i) consider(pending[i], scores[i]);
+        count = 0;
+    };
     for (long k = 0; k < kMaxGridTrials; ++k) {
         // A fine step over a wide range (an option file is not checked like the dialog)
         // makes a grid of up to a million trials: let Stop Fitting through now and then.
         if (k > 0 && k % kTrialsPerYield == 0) {
+            flush();
             host.Yield();
             if (project.StopRequested) break;
         }
@@ -132,13 +139,16 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
         } else {
             v = x0 + d;
         }
-        SetValue(peak, g, Clamp(c, v));
-        const float score = ScoreTrial(project, host, mode, g, p);
-        if (score < bestScore) {
-            best = ValueOf(peak, g);
-            bestScore = score;
+        const auto value = static_cast<float>(Clamp(c, v));
+        if (mode == ScoreMode::Alone) {
+            pending[count++] = value;
+            if (count == pending.size()) flush();
+            continue;
         }
+        ParameterField(peak, g) = value;
+        consider(value, ScoreTrial(project, host, mode, g, p));
     }
+    flush();
     SetValue(edit, g, best);
     if (g == PeakParameter::Area) {
         edit.HeightPercent =

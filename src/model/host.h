@@ -10,6 +10,14 @@
 
 namespace molvera {
 
+/// Where a running fit stands.
+struct FitProgress {
+    const char* method = "";  ///< "Search method", "Newton's method", "Levenberg-Marquardt"
+    int iteration = 0;        ///< the iteration, or the trial of the classic methods
+    float chiSquare = 0;      ///< of the region (or the regions) being fitted
+    double seconds = 0;       ///< since the fit started
+};
+
 class Host {
 public:
     virtual ~Host() = default;
@@ -60,6 +68,8 @@ public:
     /// A fit starts (the other windows take no input until it ends), or has ended.
     virtual void FitStarted() {}
     virtual void FitEnded() {}
+    /// A running fit has made a step.
+    virtual void FitProgressed(const FitProgress& progress) { (void)progress; }
 };
 
 /// A host that does nothing: for computations nobody watches.

@@ -26,7 +26,7 @@ constexpr int kLevels = 4;
 /// Method, trials, tolerance, the four levels per parameter and the line-shape choice.
 /// Levels are indexed 0..3 for levels 1..4.
 struct FitOptions {
-    float Method = 0;  ///< 0 Search method, anything else Newton's method
+    float Method = 0;  ///< 0 Search method, 2 Levenberg-Marquardt, anything else Newton's method
     std::int16_t SearchTrials = 0;
     std::int16_t NewtonTrials = 0;
     float Tolerance = 0;  ///< fraction, 0..1

@@ -24,6 +24,20 @@ const char* ParameterName(PeakParameter parameter) {
     return "GL";
 }
 
+double ParameterValue(const Peak& peak, PeakParameter parameter) {
+    switch (parameter) {
+        case PeakParameter::Position:
+            return peak.Position;
+        case PeakParameter::Area:
+            return peak.Area;
+        case PeakParameter::FWHM:
+            return peak.FWHM;
+        case PeakParameter::GL:
+            break;
+    }
+    return peak.PercentGL;
+}
+
 ParameterConstraint& PeakConstraint::operator[](PeakParameter parameter) {
     switch (parameter) {
         case PeakParameter::Position:

@@ -133,6 +133,9 @@ inline constexpr std::array<PeakParameter, 4> kPeakParameters{
 /// The record name of a parameter: "Position", "Area", "FWHM" or "GL".
 const char* ParameterName(PeakParameter parameter);
 
+/// A peak's value of one parameter (%GL as a whole number).
+double ParameterValue(const Peak& peak, PeakParameter parameter);
+
 /// The constraint groups of a peak, one per PeakParameter.
 struct PeakConstraint {
     ParameterConstraint Position;

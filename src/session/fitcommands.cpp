@@ -1,23 +1,90 @@
 #include "session/fitcommands.h"
 
-#include "fitting/driver.h"
+#include <algorithm>
+#include <cmath>
+
+#include "base/numtext.h"
 
 namespace molvera {
 
-void OptimiseRegionCommand(Project& project, SessionHost& host) {
+FitSummary OptimiseRegionCommand(Project& project, SessionHost& host) {
     const Region& region = project.Current();
-    if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return;
+    if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) {
+        FitSummary nothing;
+        nothing.method = FitMethodName(project.Options);
+        nothing.note = "nothing to fit: the region has no data or no background";
+        return nothing;
+    }
     host.HidePeakEditor();
     BeginFit(project, host);
-    OptimiseRegion(project, host);
+    FitSummary summary = OptimiseRegion(project, host);
     EndFit(project, host);
+    return summary;
 }
 
-void OptimiseAllCommand(Project& project, SessionHost& host) {
+FitSummary OptimiseAllCommand(Project& project, SessionHost& host) {
     BeginFit(project, host);
     host.HidePeakEditor();
-    OptimiseAllRegions(project, host);
+    FitSummary summary = OptimiseAllRegions(project, host);
     EndFit(project, host);
+    return summary;
+}
+
+std::string FitSummaryText(const FitSummary& s) {
+    std::string text = s.method;
+    if (!s.note.empty()) return text + ": " + s.note;
+    const bool lm = s.method == kLevenbergMarquardtName;
+    text += ", " + std::to_string(s.iterations) + (lm ? " iterations" : " trials");
+    if (s.stopped) text += " (stopped)";
+    text += ": chi-square " + FormatGeneral(s.chiSquareBefore) + " -> " +
+            FormatGeneral(s.chiSquareAfter);
+    if (std::isfinite(s.reducedChiSquare))
+        text += ", reduced " + FormatGeneral(static_cast<float>(s.reducedChiSquare));
+    return text + ", " + FormatFixed(s.seconds, s.seconds < 10 ? 3 : 1) + " s";
+}
+
+std::string FitProgressText(const FitProgress& p) {
+    return std::string(p.method) + "   iteration " + std::to_string(p.iteration) +
+           "   chi-square " + FormatGeneral(p.chiSquare) + "   " + FormatFixed(p.seconds, 1) + " s";
+}
+
+std::string SigmaText(const Sigma& sigma) {
+    switch (sigma.state) {
+        case Sigma::State::Fixed:
+            return "";
+        case Sigma::State::NotDetermined:
+            return "\xB1 not determined";  // Latin-1 plus-minus
+        case Sigma::State::Value:
+            break;
+    }
+    // Two significant digits: "± 0.012", "± 1.7", "± 400".
+    const double v = sigma.value;
+    if (!(v > 1e-6) || !std::isfinite(v)) return "\xB1 " + FormatGeneral(static_cast<float>(v));
+    const int decimals = std::clamp(1 - static_cast<int>(std::floor(std::log10(v))), 0, 7);
+    return "\xB1 " + FormatFixed(v, decimals);
+}
+
+std::string PeakSigmaLine(const Project& project, int slot, const Uncertainties& u) {
+    const Peak& peak = project.Peaks[static_cast<std::size_t>(slot)];
+    const PeakSigmas& s = u.peaks[static_cast<std::size_t>(slot)];
+    auto value = [&](const char* name, float v, const Sigma& sigma) {
+        const std::string text = SigmaText(sigma);
+        return std::string(name) + " " + FormatGeneral(v) +
+               (text.empty() ? " (fixed)" : " " + text);
+    };
+    auto sigma = [&](PeakParameter which) { return s.parameters[static_cast<std::size_t>(which)]; };
+    std::string line =
+        "peak " + std::to_string(slot) + ", region " + std::to_string(peak.Region + 1) + ": ";
+    line += value("position", peak.Position, sigma(PeakParameter::Position)) + ", ";
+    line += value("FWHM", peak.FWHM, sigma(PeakParameter::FWHM)) + ", ";
+    line += value("area", peak.Area, sigma(PeakParameter::Area)) + ", ";
+    line += value("%GL", peak.PercentGL, sigma(PeakParameter::GL));
+    if (std::isfinite(s.areaPercent)) {
+        line += ", " + FormatFixed(s.areaPercent, 2) + " % of the region's area";
+        const std::string text = SigmaText(s.areaPercentSigma);
+        if (!text.empty()) line += " " + text;
+    }
+    return line;
 }
 
 }  // namespace molvera

@@ -68,7 +68,8 @@ Status MustBePositive(const char* prefix, int level) {
 
 void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
     form.useSearch = options.Method == 0;
-    form.useNewton = !form.useSearch;
+    form.useLevenbergMarquardt = options.Method == 2;
+    form.useNewton = !form.useSearch && !form.useLevenbergMarquardt;
     form.searchTrialsText = std::to_string(options.SearchTrials);
     form.newtonTrialsText = std::to_string(options.NewtonTrials);
     form.toleranceText =
@@ -92,7 +93,7 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
 }
 
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
-    options.Method = form.useSearch ? 0.0f : 1.0f;
+    options.Method = form.useSearch ? 0.0f : form.useLevenbergMarquardt ? 2.0f : 1.0f;
     if (!ReadTrials(form.searchTrialsText, options.SearchTrials))
         return Status::Error(msg::kSearchTrialsRange);
     if (!ReadTrials(form.newtonTrialsText, options.NewtonTrials))
@@ -132,11 +133,19 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
 void ApplyNewtonChoice(OptionsForm& form, FitOptions& options) {
     options.Method = form.useNewton ? 1.0f : 0.0f;
     form.useSearch = !form.useNewton;
+    form.useLevenbergMarquardt = false;
 }
 
 void ApplySearchChoice(OptionsForm& form, FitOptions& options) {
     options.Method = form.useSearch ? 0.0f : 1.0f;
     form.useNewton = !form.useSearch;
+    form.useLevenbergMarquardt = false;
+}
+
+void ApplyLevenbergMarquardtChoice(OptionsForm& form, FitOptions& options) {
+    options.Method = form.useLevenbergMarquardt ? 2.0f : 1.0f;
+    form.useNewton = !form.useLevenbergMarquardt;
+    form.useSearch = false;
 }
 
 void ApplyGLSumChoice(OptionsForm& form, FitOptions& options) {

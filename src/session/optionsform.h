@@ -14,6 +14,7 @@ struct OptionsForm {
     bool visible = false;
     bool useSearch = false;
     bool useNewton = false;
+    bool useLevenbergMarquardt = false;
     std::string searchTrialsText;
     std::string newtonTrialsText;
     std::string toleranceText = "0.0001";
@@ -49,6 +50,8 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options);
 /// state): the options follow that button at once, and its partner shows the opposite.
 void ApplyNewtonChoice(OptionsForm& form, FitOptions& options);
 void ApplySearchChoice(OptionsForm& form, FitOptions& options);
+/// Levenberg-Marquardt checked: it is the method; unchecked: Newton's method is.
+void ApplyLevenbergMarquardtChoice(OptionsForm& form, FitOptions& options);
 void ApplyGLSumChoice(OptionsForm& form, FitOptions& options);
 void ApplyGLProductChoice(OptionsForm& form, FitOptions& options);
 

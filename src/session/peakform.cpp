@@ -6,6 +6,8 @@
 
 #include "base/numtext.h"
 #include "constraints/propagation.h"
+#include "fitting/uncertainty.h"
+#include "session/fitcommands.h"
 #include "session/formnumber.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -190,6 +192,16 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
 
     SetBarRange(form.glBar, 0, 100);
     SetBarFromPeak(form, PeakParameter::GL, true, peak.PercentGL);
+
+    form.sigmaText = {};
+    if (IsSet(region.HasData) && IsSet(region.HasBackground)) {
+        const Uncertainties u = ComputeUncertainties(project, {r});
+        const PeakSigmas& sigmas = u.peaks[static_cast<std::size_t>(slot)];
+        for (PeakParameter which : kPeakParameters) {
+            const auto i = static_cast<std::size_t>(which);
+            form.sigmaText[i] = SigmaText(sigmas.parameters[i]);
+        }
+    }
 }
 
 void ApplyPeakEditor(Project& project, PeakForm& form) {

@@ -2,6 +2,7 @@
 // The peak editor as data: its boxes, check boxes and scroll bars, filling them from
 // a peak, reading them back, and its buttons.
 
+#include <array>
 #include <string>
 
 #include "model/host.h"
@@ -34,6 +35,9 @@ struct PeakForm {
     std::string glText = "80";
     ScrollBar glBar{0, 100, 0};
     bool fixGL = false;
+    /// "± 0.012" beside each value, by PeakParameter: the standard uncertainty at the
+    /// present values; "" for a value no fit varies.
+    std::array<std::string, 4> sigmaText;
     std::string tailScaleText;   ///< "TS"
     std::string tailLengthText;  ///< "TL"
     std::string caption;

@@ -1,7 +1,10 @@
 #include "spectral/lineshape.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numbers>
 
 namespace molvera {
 
@@ -97,13 +100,19 @@ const LineShapeTables& GLTables() {
     return tables;
 }
 
-float GLSumAreaFactor(int g, double TS, double TL) {
+double GLSumAreaFactorAt(double g, double TS, double TL) {
     double K = kGLSumAreaPerGL * g + kGaussAreaFactor;
     if (TS != 0) {
         const double a = 27.6 / TL;
         K += TS * (kSqrtPi / std::sqrt(a) - kSqrtPi / std::sqrt(a + kFourLn2));
     }
-    return static_cast<float>(K);
+    return K;
+}
+
+double GLSumAreaFactorSlope() { return kGLSumAreaPerGL; }
+
+float GLSumAreaFactor(int g, double TS, double TL) {
+    return static_cast<float>(GLSumAreaFactorAt(g, TS, TL));
 }
 
 PeakShape::Component PeakShape::MakeComponent(bool glSum, double p, double A, double w, int g,
@@ -160,6 +169,157 @@ PeakShape::PeakShape(bool glSum, double p, double A, double w, int g, double S, 
 PeakShape::PeakShape(bool glSum, const Peak& peak, double shift)
     : PeakShape(glSum, static_cast<double>(peak.Position) + shift, peak.Area, peak.FWHM,
                 peak.PercentGL, peak.Splitting, peak.PeakType, peak.TailScale, peak.TailLength) {}
+
+namespace {
+
+/// The factors of one line at the N points x[0..N-1]: the steps before and after the
+/// exponentials run over all points, the exponentials in a loop of their own.
+/// Where the exponent of a GL product line of height h lies below these, the line adds
+/// less than an eighth of a unit in the last place to the Single background b there, so
+/// float(line + b) is b whatever its value: ln ulp(b) - ln|h| - ln 8 - 1, the 1 a margin for
+/// the roundings of exp and of the line. -inf where b is 0, subnormal or not finite.
+template <int N>
+[[gnu::always_inline]] inline void NegligibleBelow(const float* __restrict background, double h,
+                                                   double* __restrict below) {
+    constexpr double kMargin = 3 * std::numbers::ln2 + 1;
+    const double logH = std::log(std::fabs(h));
+    for (int k = 0; k < N; ++k) {
+        const auto e = static_cast<int>((std::bit_cast<std::uint32_t>(background[k]) >> 23) & 0xFF);
+        below[k] = e == 0 || e == 255
+                       ? -std::numeric_limits<double>::infinity()
+                       : (e - 150) * std::numbers::ln2 - logH - kMargin;  // ulp = 2^(e-150)
+    }
+}
+
+/// The factors of one line at the N points x[0..N-1]: the steps before and after the
+/// exponentials run over all points, the exponentials in a loop of their own. Where a
+/// GL product's exponent is below `below` (when given), the exponential is left out: 0.
+template <int N, typename X>
+[[gnu::always_inline]] inline void LineFactorsOf(const PeakShape::Component& c,
+                                                 const X* __restrict x, double* __restrict num,
+                                                 double* __restrict den,
+                                                 const double* __restrict below = nullptr) {
+    const double p = c.p;
+    const double w = c.w;
+    const double m = c.m;
+    if (c.glSum) {
+        for (int k = 0; k < N; ++k) {
+            const double d = 2 * (static_cast<double>(x[k]) - p) / w;
+            den[k] = d * d;  // u
+            num[k] = -kLn2 * den[k];
+        }
+        for (int k = 0; k < N; ++k) num[k] = std::exp(num[k]);  // G
+        if (!c.tail) {
+            for (int k = 0; k < N; ++k) num[k] = (1 - m) * num[k] + m / (1 + den[k]);
+            return;
+        }
+        for (int k = 0; k < N; ++k) {
+            const double G = num[k];
+            const double u = den[k];
+            num[k] = (1 - m) * G + m / (1 + u);
+            if (static_cast<double>(x[k]) > p)
+                num[k] = num[k] + c.TS * (1 - G) * std::exp(-6.9 * u / c.TL);
+        }
+        return;
+    }
+    const double gaussCoef = c.gaussCoef;
+    for (int k = 0; k < N; ++k) {
+        const double d = (static_cast<double>(x[k]) - p) / w;
+        const double s = d * d;
+        num[k] = gaussCoef * s;
+        den[k] = 1 + m * s;
+    }
+    if (below == nullptr) {
+        for (int k = 0; k < N; ++k) num[k] = std::exp(num[k]);
+        return;
+    }
+    for (int k = 0; k < N; ++k) num[k] = num[k] < below[k] ? 0.0 : std::exp(num[k]);
+}
+
+/// One line at N points from its factors.
+template <int N>
+[[gnu::always_inline]] inline void ScaleLine(const PeakShape::Component& c,
+                                             const double* __restrict num,
+                                             const double* __restrict den, float* __restrict out) {
+    const double h = c.h;
+    if (c.glSum) {
+        for (int k = 0; k < N; ++k) out[k] = static_cast<float>(h * num[k]);
+        return;
+    }
+    for (int k = 0; k < N; ++k) out[k] = static_cast<float>(h * num[k] / den[k]);
+}
+
+}  // namespace
+
+template <int N, typename X>
+[[gnu::always_inline]] inline void PeakShape::FactorsOf(const X* x, const LineFactorSpans& f,
+                                                        int offset, const float* background) const {
+    // A single GL product line decays to nothing that a background notices; a doublet's
+    // lines are added to each other first.
+    if (background != nullptr && lineCount_ == 1 && !lines_[0].glSum) {
+        std::array<double, N> below;
+        NegligibleBelow<N>(background + offset, lines_[0].h, below.data());
+        LineFactorsOf<N>(lines_[0], x + offset, f.num[0] + offset, f.den[0] + offset, below.data());
+        return;
+    }
+    for (int i = 0; i < lineCount_; ++i)
+        LineFactorsOf<N>(lines_[i], x + offset, f.num[i] + offset, f.den[i] + offset);
+}
+
+template <int N>
+[[gnu::always_inline]] inline void PeakShape::FromFactorsOf(const LineFactorSpans& f, int offset,
+                                                            float* out) const {
+    out += offset;
+    if (lineCount_ == 0) {
+        for (int k = 0; k < N; ++k) out[k] = 0.0f;
+        return;
+    }
+    ScaleLine<N>(lines_[0], f.num[0] + offset, f.den[0] + offset, out);
+    if (lineCount_ == 1) return;
+    float second[N];
+    ScaleLine<N>(lines_[1], f.num[1] + offset, f.den[1] + offset, second);
+    for (int k = 0; k < N; ++k)
+        out[k] = static_cast<float>(static_cast<double>(out[k]) + static_cast<double>(second[k]));
+}
+
+MOLVERA_BLOCK_CLONES void PeakShape::Factors(const float* x, int n, const LineFactorSpans& f,
+                                             const float* background) const {
+    if (n == kShapeBlock) return FactorsOf<kShapeBlock>(x, f, 0, background);
+    for (int k = 0; k < n; ++k) FactorsOf<1>(x, f, k, background);
+}
+
+MOLVERA_BLOCK_CLONES void PeakShape::FromFactors(const LineFactorSpans& f, int n,
+                                                 float* out) const {
+    if (n == kShapeBlock) return FromFactorsOf<kShapeBlock>(f, 0, out);
+    for (int k = 0; k < n; ++k) FromFactorsOf<1>(f, k, out);
+}
+
+void PeakShape::Values(const float* x, int n, float* out, const float* background) const {
+    std::array<std::array<double, kShapeBlock>, 2> num;
+    std::array<std::array<double, kShapeBlock>, 2> den;
+    const LineFactorSpans f{{num[0].data(), num[1].data()}, {den[0].data(), den[1].data()}};
+    Factors(x, n, f, background);
+    FromFactors(f, n, out);
+}
+
+float PeakShape::operator()(double x) const {
+    std::array<double, 2> num{};
+    std::array<double, 2> den{};
+    const LineFactorSpans f{{&num[0], &num[1]}, {&den[0], &den[1]}};
+    FactorsOf<1>(&x, f, 0, nullptr);
+    float v = 0;
+    FromFactorsOf<1>(f, 0, &v);
+    return v;
+}
+
+float PeakShape::Line(const Component& c, double x) {
+    double num = 0;
+    double den = 0;
+    LineFactorsOf<1>(c, &x, &num, &den);
+    float v = 0;
+    ScaleLine<1>(c, &num, &den, &v);
+    return v;
+}
 
 float ComponentValue(bool glSum, double x, double p, double A, double w, int g, double TS,
                      double TL) {

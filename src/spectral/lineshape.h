@@ -23,6 +23,10 @@ const LineShapeTables& GLTables();
 
 /// Area factor K of a GL sum line of unit height and unit FWHM.
 float GLSumAreaFactor(int g, double TS, double TL);
+/// The same for any %GL g, in Double: it grows by a fixed amount per %GL.
+double GLSumAreaFactorAt(double g, double TS, double TL);
+/// d GLSumAreaFactorAt / d g.
+double GLSumAreaFactorSlope();
 
 /// One line of area A at p.
 float ComponentValue(bool glSum, double x, double p, double A, double w, int g, double TS,
@@ -35,8 +39,29 @@ float PeakValue(bool glSum, double x, double p, double A, double w, int g, doubl
 /// The peak of a slot at x, its position moved by `shift`.
 float PeakValue(bool glSum, const Peak& peak, double x, double shift);
 
+/// The block loops compiled twice, for AVX2 where the processor has it and for plain
+/// x86-64: the same IEEE operations on four doubles at a time instead of two, and no FMA
+/// (AVX2 does not bring it), so the same bits.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
+#define MOLVERA_BLOCK_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define MOLVERA_BLOCK_CLONES
+#endif
+
+/// Points that the block functions of PeakShape evaluate together.
+inline constexpr int kShapeBlock = 32;
+
+/// Where PeakShape puts the factors of its lines at a run of points: line i at point k is
+/// h * num[i][k] for the GL sum and h * num[i][k] / den[i][k] for the GL product.
+struct LineFactorSpans {
+    std::array<double*, 2> num{};
+    std::array<double*, 2> den{};
+};
+
 /// A peak with its per-peak constants worked out once; evaluating it at x gives
-/// exactly PeakValue at x. For loops over many points.
+/// exactly PeakValue at x. For loops over many points: the block functions run each step
+/// over a block of points, so that all but the exponentials vectorise, with the same
+/// bits as point by point.
 class PeakShape {
 public:
     PeakShape(bool glSum, double p, double A, double w, int g, double S, Subshell t, double TS,
@@ -44,12 +69,7 @@ public:
     PeakShape(bool glSum, const Peak& peak, double shift);
 
     /// PeakValue at x.
-    float operator()(double x) const {
-        if (lineCount_ == 1) return Line(lines_[0], x);
-        if (lineCount_ == 0) return 0.0f;
-        return static_cast<float>(static_cast<double>(Line(lines_[0], x)) +
-                                  static_cast<double>(Line(lines_[1], x)));
-    }
+    float operator()(double x) const;
 
     /// One line of a peak: position and the constants of its form.
     struct Component {
@@ -67,23 +87,30 @@ public:
     static Component MakeComponent(bool glSum, double p, double A, double w, int g, double TS,
                                    double TL);
     /// One line at x, as ComponentValue.
-    static float Line(const Component& c, double x) {
-        if (c.glSum) {
-            const double d = 2 * (x - c.p) / c.w;
-            const double u = d * d;
-            const double G = std::exp(-kLn2 * u);
-            const double L = c.m / (1 + u);
-            if (c.tail && x > c.p)
-                return static_cast<float>(
-                    c.h * ((1 - c.m) * G + L + c.TS * (1 - G) * std::exp(-6.9 * u / c.TL)));
-            return static_cast<float>(c.h * ((1 - c.m) * G + L));
-        }
-        const double d = (x - c.p) / c.w;
-        const double s = d * d;
-        return static_cast<float>(c.h * std::exp(c.gaussCoef * s) / (1 + c.m * s));
-    }
+    static float Line(const Component& c, double x);
+
+    /// The lines: 0 for a type without a name, 2 for a doublet.
+    int LineCount() const { return lineCount_; }
+    const Component& LineAt(int i) const { return lines_[i]; }
+
+    /// The factors of every line at x[0..n-1], n at most kShapeBlock. With the Single
+    /// background values b[0..n-1] that the peak is to be added to (as float(v + b)), a
+    /// single GL product line is left out (factor 0) where it is too small to change b:
+    /// float(v + b) is the same, and the exponential is not evaluated.
+    void Factors(const float* x, int n, const LineFactorSpans& f,
+                 const float* background = nullptr) const;
+    /// The peak at n points (at most kShapeBlock) from the factors of its lines.
+    void FromFactors(const LineFactorSpans& f, int n, float* out) const;
+    /// The peak at x[0..n-1], n at most kShapeBlock: operator() at each point, but with
+    /// a background as Factors.
+    void Values(const float* x, int n, float* out, const float* background = nullptr) const;
 
 private:
+    template <int N, typename X>
+    void FactorsOf(const X* x, const LineFactorSpans& f, int offset, const float* background) const;
+    template <int N>
+    void FromFactorsOf(const LineFactorSpans& f, int offset, float* out) const;
+
     std::array<Component, 2> lines_{};
     int lineCount_ = 0;
 };

@@ -1,10 +1,11 @@
 #pragma once
-// "Fitting": the small window shown during a fit, with its "Stop Fitting" button.
+// "Fitting": the small window shown during a fit: how it goes, and its "Stop Fitting" button.
 
 #include <QWidget>
 
 #include "model/records.h"
 
+class QLabel;
 class QPushButton;
 
 namespace molvera::ui {
@@ -16,8 +17,12 @@ public:
     explicit FittingWindow(Project& project, QWidget* parent = nullptr);
     /// The "Stop Fitting" button.
     QPushButton* StopButton() const { return stop_; }
+    /// The line above the button: method, iteration, chi-square and time.
+    void ShowProgress(const QString& text);
+    QLabel* ProgressLabel() const { return progress_; }
 
 private:
+    QLabel* progress_;
     QPushButton* stop_;
 };
 

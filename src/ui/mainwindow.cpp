@@ -101,7 +101,7 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     connect(save, &QPushButton::clicked, this, &MainWindow::SaveProjectCommand);
     connect(close, &QPushButton::clicked, qApp, &QApplication::quit, Qt::QueuedConnection);
     connect(optimiseAll, &QPushButton::clicked, this,
-            [this] { OptimiseAllCommand(project_, host_); });
+            [this] { host_.ShowFitSummary(OptimiseAllCommand(project_, host_)); });
     auto* buttons = new QHBoxLayout;
     for (QPushButton* b : {options, open, save, optimiseAll, close}) buttons->addWidget(b);
 

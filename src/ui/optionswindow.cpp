@@ -30,6 +30,19 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     frames->addWidget(SearchFrame());
     frames->addWidget(NewtonFrame());
 
+    // Levenberg-Marquardt takes its iterations and its stop from boxes the others have.
+    auto* lmFrame = new QGroupBox(QStringLiteral("Levenberg\u2013Marquardt"), this);
+    auto* lmLine = new QHBoxLayout(lmFrame);
+    useLevenbergMarquardt_ = new QRadioButton(QStringLiteral("Use"), lmFrame);
+    useLevenbergMarquardt_->setObjectName(QStringLiteral("useLevenbergMarquardt"));
+    useLevenbergMarquardt_->setAutoExclusive(false);
+    lmLine->addWidget(useLevenbergMarquardt_);
+    lmLine->addWidget(new QLabel(
+        QStringLiteral("all free parameters at once; at most Newton's \"No. of trials\" "
+                       "iterations, ends when the chi-square changes by less than the Tolerance"),
+        lmFrame));
+    lmLine->addStretch();
+
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(new QLabel(QStringLiteral("Tolerance"), this));
     QLineEdit* tol = Box(QStringLiteral("toleranceText"), &OptionsForm::toleranceText);
@@ -55,10 +68,13 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(frames);
+    layout->addWidget(lmFrame);
     layout->addLayout(bottom);
 
     connect(useSearch_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplySearchChoice); });
     connect(useNewton_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyNewtonChoice); });
+    connect(useLevenbergMarquardt_, &QRadioButton::clicked, this,
+            [this] { RunHandler(&ApplyLevenbergMarquardtChoice); });
     connect(glSum_, &QRadioButton::clicked, this, [this] { RunHandler(&ApplyGLSumChoice); });
     connect(glProduct_, &QRadioButton::clicked, this,
             [this] { RunHandler(&ApplyGLProductChoice); });
@@ -176,6 +192,7 @@ void OptionsWindow::ReadForm() {
     for (auto& c : checks_) c.field(form_) = c.box->isChecked();
     form_.useSearch = useSearch_->isChecked();
     form_.useNewton = useNewton_->isChecked();
+    form_.useLevenbergMarquardt = useLevenbergMarquardt_->isChecked();
     form_.glSum = glSum_->isChecked();
     form_.glProduct = glProduct_->isChecked();
 }
@@ -188,6 +205,7 @@ void OptionsWindow::ShowForm() {
     for (auto& c : checks_) c.box->setChecked(c.field(form_));
     useSearch_->setChecked(form_.useSearch);
     useNewton_->setChecked(form_.useNewton);
+    useLevenbergMarquardt_->setChecked(form_.useLevenbergMarquardt);
     glSum_->setAutoExclusive(false);
     glProduct_->setAutoExclusive(false);
     glSum_->setChecked(form_.glSum);

@@ -56,6 +56,7 @@ private:
     FileDialog& files_;
     QRadioButton* useSearch_ = nullptr;
     QRadioButton* useNewton_ = nullptr;
+    QRadioButton* useLevenbergMarquardt_ = nullptr;
     QRadioButton* glSum_ = nullptr;
     QRadioButton* glProduct_ = nullptr;
     struct TextBinding {

@@ -99,6 +99,10 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
     auto* frame = new QGroupBox(title, this);
     auto* line = new QHBoxLayout(frame);
     row.box = NamedBox(frame, word + QStringLiteral("Text"), 90);
+    row.sigma = new QLabel(frame);
+    row.sigma->setObjectName(word + QStringLiteral("Sigma"));
+    row.sigma->setMinimumWidth(110);
+    row.sigma->setToolTip(QStringLiteral("Standard uncertainty at the present values"));
     row.scroll = new QScrollBar(Qt::Horizontal, frame);
     row.scroll->setObjectName(word + QStringLiteral("Bar"));
     row.scroll->setMinimumWidth(220);
@@ -110,6 +114,7 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
     QPushButton* constraints = NamedButton(frame, QStringLiteral("Constraints"),
                                            word + QStringLiteral("ConstraintsButton"));
     line->addWidget(row.box);
+    line->addWidget(row.sigma);
     line->addWidget(row.scroll, 1);
     line->addWidget(row.fix);
     line->addWidget(optimise);
@@ -151,6 +156,7 @@ void PeakEditor::ShowForm() {
     SetBoxText(tailLength_, form_.tailLengthText);
     for (ParameterRow& row : rows_) {
         SetBoxText(row.box, form_.*row.text);
+        row.sigma->setText(FromLatin1(form_.sigmaText[static_cast<std::size_t>(row.which)]));
         const ScrollBar& bar = form_.*row.bar;
         row.scroll->setRange(std::min(bar.min, bar.max), std::max(bar.min, bar.max));
         row.scroll->setValue(bar.value);
@@ -195,6 +201,7 @@ void PeakEditor::BarMoved(ParameterRow& row, int position) {
     if (showing_) return;
     if (MoveScrollBar(form_, row.which, position)) {
         SetBoxText(row.box, form_.*row.text);
+        row.sigma->setText(FromLatin1(form_.sigmaText[static_cast<std::size_t>(row.which)]));
     } else {
         const QSignalBlocker quiet(row.scroll);
         row.scroll->setValue((form_.*row.bar).value);

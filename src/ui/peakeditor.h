@@ -65,6 +65,7 @@ private:
         ScrollBar PeakForm::*bar;
         bool PeakForm::*check;
         QLineEdit* box = nullptr;
+        QLabel* sigma = nullptr;  // "± 0.012", read-only
         QScrollBar* scroll = nullptr;
         QCheckBox* fix = nullptr;
     };

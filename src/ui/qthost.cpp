@@ -4,14 +4,17 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QStatusBar>
 
 #include "base/numtext.h"
 #include "model/project.h"
+#include "session/fitcommands.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
 #include "ui/plotwidget.h"
 #include "ui/regionwindow.h"
 #include "ui/usersink.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
 
@@ -114,10 +117,25 @@ void QtHost::Yield() {
 
 void QtHost::FitStarted() {
     fitRunning_ = true;
+    sinceProgress_.invalidate();
+    if (fitting_) fitting_->ShowProgress(QStringLiteral("Starting\u2026"));
     if (fitting_) fitting_->show();
     if (main_) main_->setEnabled(false);
     if (region_) region_->SetCommandsEnabled(false);
     if (enableDialogs) enableDialogs(false);
+}
+
+void QtHost::FitProgressed(const FitProgress& progress) {
+    // A few times a second: more would cost the fit time and nobody can read it.
+    constexpr qint64 kProgressGapMs = 250;
+    if (!fitting_ || (sinceProgress_.isValid() && sinceProgress_.elapsed() < kProgressGapMs))
+        return;
+    sinceProgress_.restart();
+    fitting_->ShowProgress(FromLatin1(FitProgressText(progress)));
+}
+
+void QtHost::ShowFitSummary(const FitSummary& summary) {
+    if (region_) region_->statusBar()->showMessage(FromLatin1(FitSummaryText(summary)));
 }
 
 void QtHost::FitEnded() {

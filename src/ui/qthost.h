@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 
 #include "base/status.h"
+#include "fitting/driver.h"
 #include "model/records.h"
 #include "session/sessionhost.h"
 
@@ -41,6 +42,9 @@ public:
     void RegionDataDeleted() override;
     void FitStarted() override;
     void FitEnded() override;
+    void FitProgressed(const FitProgress& progress) override;
+    /// The summary of a fit that ended, in the region window's status bar.
+    void ShowFitSummary(const FitSummary& summary);
     void BeginBusy() override;
     void EndBusy() override;
     void HidePeakEditor() override;
@@ -77,6 +81,7 @@ private:
     bool redrawPending_ = false;
     QElapsedTimer sincePaint_;
     QElapsedTimer sinceYield_;
+    QElapsedTimer sinceProgress_;
     qint64 paintGapMs_ = 0;
 };
 

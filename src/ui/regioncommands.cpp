@@ -123,7 +123,9 @@ void RegionWindow::DeleteRegionCommand() {
         DeleteRegionData(project_, host_);
 }
 
-void RegionWindow::OptimiseRegionCommand() { molvera::OptimiseRegionCommand(project_, host_); }
+void RegionWindow::OptimiseRegionCommand() {
+    host_.ShowFitSummary(molvera::OptimiseRegionCommand(project_, host_));
+}
 
 void RegionWindow::ReDisplayCommand() { host_.CurvesChanged(); }
 

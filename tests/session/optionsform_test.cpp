@@ -32,14 +32,20 @@ OptionsForm ValidForm() {
     return f;
 }
 
-TEST(OptionsDialog, FillShowsTolerancePerCentAndAnyNonZeroMethodAsNewton) {
+TEST(OptionsDialog, FillShowsTolerancePerCentMethodTwoAsLevenbergMarquardtOtherNonZeroAsNewton) {
     FitOptions o;
-    o.Method = 2;
     o.Tolerance = 0.0001f;  // times 100 as a Single, then up to 14 decimals
-    OptionsForm f;
-    FillOptionsDialog(o, f);
-    EXPECT_TRUE(f.useNewton && !f.useSearch && f.visible);
-    EXPECT_EQ(f.toleranceText, "0.00999999977648");
+    for (float method : {1.0f, 2.0f, 2.5f, 3.0f, -1.0f}) {
+        SCOPED_TRACE(method);
+        o.Method = method;
+        OptionsForm f;
+        FillOptionsDialog(o, f);
+        EXPECT_FALSE(f.useSearch);
+        EXPECT_EQ(f.useLevenbergMarquardt, method == 2.0f);
+        EXPECT_EQ(f.useNewton, method != 2.0f);
+        EXPECT_TRUE(f.visible);
+        EXPECT_EQ(f.toleranceText, "0.00999999977648");
+    }
 }
 
 TEST(OptionsDialog, ValidFormIsStoredAndHidden) {

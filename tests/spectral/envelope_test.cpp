@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "base/numtext.h"
+#include "constraints/propagation.h"
 #include "spectral/lineshape.h"
 #include "spectral/region_builder.h"
 #include "support/recording_host.h"
@@ -88,6 +91,88 @@ TEST_F(EnvelopeTest, TrialAfterResidualWithoutPeakEqualsEnvelopeChiSquare) {
         EXPECT_EQ(reg.Residual, residual);
         project.Peaks[p1].Position -= 1.0f;
         EXPECT_NE(reg.PeakSumCurve, envelope);  // without p1
+    }
+}
+
+/// The region computed from nothing: in a thread of its own, which has reused nothing.
+Project Fresh(const Project& project) {
+    Project fresh = project;
+    std::thread([&fresh] { RecomputeRegionsWithBackground(fresh, QuietHost()); }).join();
+    return fresh;
+}
+
+TEST_F(EnvelopeTest, ReusedCurvesAndBatchedTrialsGiveTheBitsOfAFreshComputation) {
+    // 70 points: two whole blocks of the line-shape loops and a rest.
+    std::vector<float> be, y, bg;
+    for (int i = 0; i < 70; ++i) {
+        be.push_back(290 - 0.1f * static_cast<float>(i));
+        bg.push_back(100 + 0.5f * static_cast<float>(i));
+        y.push_back(bg.back() + 90 * std::exp(-std::pow((be.back() - 286.5f) / 0.8f, 2.0f)));
+    }
+    for (const bool glSum : {false, true}) {
+        SCOPED_TRACE(glSum);
+        project = Project{};
+        project.Options.GLSum = glSum ? kTrue : kFalse;
+        Region& reg = WholeRange(project, 1, be, y, bg);
+        const int a = AddTestPeak(project, 1, 286.4f, 120, 1.4f, 30);
+        const int b = AddTestPeak(project, 1, 287.9f, 20, 1.0f, 60);
+        const int c = AddTestPeak(project, 1, 285.0f, 30, 1.2f, 0);
+        project.Peaks[a].TailScale = 0.4f;
+        project.Peaks[b].PeakType = Subshell::P;
+        project.Peaks[b].Splitting = 0.9f;
+        auto& link = project.Constraints[b][PeakParameter::Position];
+        link.Linked = kTrue;
+        link.RefPeak = static_cast<Int16>(a);
+        link.Argument = 1.5f;
+        project.Constraints[a][PeakParameter::Position].IsReference = kTrue;
+        // Each change, then the envelope as a fit computes it, against a fresh one.
+        const std::vector<std::function<void()>> changes{
+            [] {},
+            [&] {
+                project.Peaks[a].Position += 0.3f;
+                Propagate(project, PeakParameter::Position, a);
+            },
+            [&] { reg.BackgroundCurve[40] += 1; },
+            [&] { project.Peaks[c].Curve[3] = 0; },
+            [&] { reg.RangeBE[69] -= 0.05f; },
+            [&] { reg.Shift = 0.2f; },
+        };
+        for (std::size_t i = 0; i < changes.size(); ++i) {
+            changes[i]();
+            ComputeRegionEnvelope(project, host);
+            const Project fresh = Fresh(project);
+            EXPECT_EQ(reg, fresh.Regions[1]) << i;
+            for (int q : {a, b, c}) {
+                EXPECT_EQ(project.Peaks[q].Curve, fresh.Peaks[q].Curve) << i;
+                // Point by point, with every exponential (the far tails of peak c are left
+                // out above, where they cannot change the curve).
+                for (int j = 1; j <= 70; ++j) {
+                    const double v = PeakValue(glSum, project.Peaks[q], reg.RangeBE[j], reg.Shift);
+                    ASSERT_EQ(project.Peaks[q].Curve[j],
+                              static_cast<float>(v + reg.BackgroundCurve[j]))
+                        << i << " " << q << " " << j;
+                }
+            }
+        }
+
+        // Trials four at a time, and area trials through the kept factors, as one by one.
+        for (const auto field : {&Peak::Position, &Peak::Area}) {
+            std::vector<float> values{285.9f, 286.0f, 286.4f, 300, 286.1f, 286.2f};
+            if (field == &Peak::Area) std::ranges::for_each(values, [](float& v) { v /= 10; });
+            ResidualWithoutPeak(project, b);
+            std::vector<float> one;
+            for (float v : values) {
+                project.Peaks[b].*field = v;
+                one.push_back(TrialChiSquare(project, b));
+            }
+            const SingleArray curve = project.Peaks[b].Curve;
+            std::vector<float> batched(values.size());
+            AreaTrialCache cache(reg);
+            TrialChiSquares(project, b, project.Peaks[b].*field, values, batched, &cache);
+            EXPECT_EQ(batched, one);
+            EXPECT_EQ(project.Peaks[b].Curve, curve);
+            EXPECT_EQ(project.Peaks[b].*field, values.back());
+        }
     }
 }
 

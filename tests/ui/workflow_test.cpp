@@ -81,7 +81,8 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     Menu("optimiseRegionAction");
     EXPECT_LT(c1s.ChiSquare, 0.5f * chiBefore);
     EXPECT_EQ(project().Peaks[added[2]].FWHM, project().Peaks[added[1]].FWHM);
-    EXPECT_NEAR(project().Peaks[added[0]].Position, maxBE, 0.3) << "C-C found at the maximum";
+    // The neighbour at higher energy pulls the sum's maximum by a few tenths of an eV.
+    EXPECT_NEAR(project().Peaks[added[0]].Position, maxBE, 0.5) << "C-C found at the maximum";
 
     // Export (Spectrum): a header naming the three peaks and one line per point.
     chooser.paths = {(dir / "c1s.dat").string()};
