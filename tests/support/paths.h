@@ -1,6 +1,8 @@
 #pragma once
 // Paths of test data and a scratch folder per test.
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <string>
 
@@ -22,8 +24,10 @@ inline std::string SharedRealFile(const std::string& rel) {
 /// A fresh empty folder for one test.
 inline std::filesystem::path ScratchDir() {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    // The process id keeps two test runs on one machine out of each other's folders.
     std::filesystem::path dir = std::filesystem::temp_directory_path() / "molvera-tests" /
-                                (std::string(info->test_suite_name()) + "." + info->name());
+                                (std::string(info->test_suite_name()) + "." + info->name() + "." +
+                                 std::to_string(getpid()));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     return dir;
