@@ -152,8 +152,11 @@ void MainWindow::PeakButtonClicked(int i) {
 void MainWindow::OpenProjectCommand() {
     const std::string path = files_.Open(kProjectTitle, kProjectFilter);
     if (path.empty()) return;
+    if (Status st = LoadProject(project_, host_, path); !st) {
+        host_.Show(st);
+        return;
+    }
     project_.FileName = path;
-    if (Status st = LoadProject(project_, host_, path); !st) host_.Show(st);
 }
 
 void MainWindow::SaveProjectCommand() {

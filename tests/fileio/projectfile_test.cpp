@@ -206,15 +206,15 @@ TEST(ProjectFileLoad, KnownProjectReplacesTheOpenOneAndDescriptionIsCutTo128) {
     EXPECT_FALSE(host.PeakButton(0).enabled);
 }
 
-TEST(ProjectFileLoad, WrongMagicClearsTheProjectMissingFileIsAReadError) {
+TEST(ProjectFileLoad, WrongMagicKeepsTheProjectMissingFileIsAReadError) {
     std::string b = KnownBytes();
     Project q;
     RecordingHost host;
     ASSERT_TRUE(LoadProjectBytes(q, host, b).ok());
+    const Project loaded = q;
     b[8] = '5';  // "MOLVERA 5.0"
     EXPECT_EQ(LoadProjectBytes(q, host, b).message(), msg::kWrongFileFormat);
-    for (const Region& r : q.Regions) EXPECT_FALSE(IsSet(r.HasData));
-    for (const Peak& k : q.Peaks) EXPECT_FALSE(IsSet(k.InUse));
+    EXPECT_EQ(q, loaded);
     const auto dir = test::ScratchDir();
     const Status missing = LoadProject(q, host, (dir / "none.xps").string());
     EXPECT_EQ(missing.message(), msg::kErrorReadingFile);
