@@ -37,13 +37,16 @@ struct OptionsForm {
     bool glProduct = false;
     /// Output: whether the peak editor's asymmetry frame is enabled (GL sum only).
     bool asymmetryFrameEnabled = false;
+    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
 };
 
 /// Copies the options into the dialog and shows it.
 void FillOptionsDialog(const FitOptions& options, OptionsForm& form);
 
-/// OK: reads the dialog back with its checks, in order; the first failure returns its
-/// message, keeping what earlier steps stored. On success the dialog is hidden.
+/// OK: a box in use that holds no number is refused with a message naming it and
+/// nothing is stored; then reads the dialog back with its checks, in order; the first
+/// failure returns its message, keeping what earlier steps stored. On success the
+/// dialog is hidden.
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options);
 
 /// A method or line-shape button was clicked (the toolkit has already changed its

@@ -138,10 +138,13 @@ void BackgroundDialog::ReadForm() {
 
 void BackgroundDialog::Open() {
     ShowBackgroundDialog(project_, form_);
+    form_.invalidBox.clear();
+    MarkInvalidBox(*this, form_.invalidBox);
     ShowForm();
 }
 
-void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundForm&)) {
+void BackgroundDialog::Run(
+    const std::function<void(Project&, SessionHost&, BackgroundForm&)>& handler) {
     if (running_) return;
     running_ = true;
     ReadForm();
@@ -161,7 +164,11 @@ void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundFor
 }
 
 void BackgroundDialog::AcceptClicked() {
-    Run([](Project& p, SessionHost& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
+    Status st;
+    Run([&st](Project& p, SessionHost& h, BackgroundForm& f) { st = AcceptBackground(p, h, f); });
+    MarkInvalidBox(*this, form_.invalidBox);
+    // The refusals without a message have beeped.
+    if (!st && !st.message().empty()) host_.Show(st);
 }
 
 void BackgroundDialog::CloseClicked() {

@@ -47,7 +47,7 @@ private:
     QLineEdit* Box(const char* name);
     QComboBox* Choice(const char* name, const QStringList& items);
     /// Runs one button's logic on the form read from the controls, then shows the form.
-    void Run(void (*handler)(Project&, SessionHost&, BackgroundForm&));
+    void Run(const std::function<void(Project&, SessionHost&, BackgroundForm&)>& handler);
 
     Project& project_;
     QtHost& host_;

@@ -223,6 +223,8 @@ void OptionsWindow::ShowForm() {
 
 void OptionsWindow::Open() {
     FillOptionsDialog(options_, form_);
+    form_.invalidBox.clear();
+    MarkInvalidBox(*this, form_.invalidBox);
     ShowForm();
 }
 
@@ -234,7 +236,9 @@ void OptionsWindow::RunHandler(void (*handler)(OptionsForm&, FitOptions&)) {
 
 void OptionsWindow::OkClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
+    const Status st = ApplyOptionsDialog(form_, options_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!st) host_.Show(st);
     ShowForm();
 }
 
@@ -252,8 +256,11 @@ void OptionsWindow::LoadParametersClicked() {
 
 void OptionsWindow::SaveParametersClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
+    const Status st = ApplyOptionsDialog(form_, options_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!st) host_.Show(st);
     ShowForm();
+    if (!form_.invalidBox.empty()) return;  // a box holds no number: nothing to save
     const std::string path = files_.Save("Save Parameters", kOptionFilter, "opa");
     if (path.empty()) return;
     if (Status st = WriteOptionFile(options_, path); !st) host_.Show(st);

@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QScrollBar>
 #include <QTimer>
+#include <QtTest/QTest>
 
 #include "base/numtext.h"
 #include "spectral/background.h"
@@ -210,6 +211,29 @@ TEST_F(PeakEditorTest, ControlsReachThePeak) {
         Child<QCheckBox>(editor(), fix)->setChecked(true);
         EXPECT_TRUE(IsSet(peak().*flag)) << fix;
     }
+}
+
+// A box without a number: an error naming it, the box framed until it is edited, and
+// nothing stored; the other dialogs mark their boxes the same way.
+TEST_F(PeakEditorTest, ABoxWithoutANumberIsRefusedAndMarked) {
+    const Peak before = peak();
+    Type(editor(), "positionText", "abc");
+    Click(editor(), "acceptButton");
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"Position: 'abc' is not a number"});
+    EXPECT_EQ(sink.errors, 1);
+    EXPECT_TRUE(peak() == before && editor().isVisible());
+    auto* box = Child<QLineEdit>(editor(), "positionText");
+    EXPECT_TRUE(box->property("invalid").toBool());
+    EXPECT_FALSE(Child<QLineEdit>(editor(), "fwhmText")->property("invalid").toBool());
+    QTest::keyClicks(box, "1");
+    EXPECT_FALSE(box->property("invalid").toBool());
+
+    Click(main(), "optionsButton");
+    ui::OptionsWindow& options = gui->optionsWindow();
+    Type(options, "toleranceText", "zz");
+    Click(options, "okButton");
+    EXPECT_EQ(sink.messages.back(), "% Tolerance: 'zz' is not a number");
+    EXPECT_TRUE(Child<QLineEdit>(options, "toleranceText")->property("invalid").toBool());
 }
 
 TEST_F(PeakEditorTest, CancelAndTheTitleBarXRestoreThePeakAsOpened) {
