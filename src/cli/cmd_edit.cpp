@@ -154,8 +154,10 @@ int RunBackground(int argc, char** argv) {
     if (!AcceptBackground(s.project, s.host, form)) {
         std::string why = "background refused";
         if (form.lowBEText != typed.lowBEText || form.highBEText != typed.highBEText)
-            why += ": the range must lie inside the data (" + form.lowBEText + " .. " +
-                   form.highBEText + " eV) with low below high and hold at least 2 points";
+            why += ": the range must lie inside the data (" +
+                   FormatGeneral(s.project.Current().MinBE) + " .. " +
+                   FormatGeneral(s.project.Current().MaxBE) +
+                   " eV) with low below high and hold at least 2 points";
         else if (form.averagePoints != typed.averagePoints)
             why += ": --average is 1, 3, 5, 7 or 9";
         return Fail(why);

@@ -78,7 +78,7 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
     const Region& region = project.Current();
     if (!IsSet(region.HasData)) return;
     form.visible = true;
-    form.caption = "Region " + std::to_string(project.CurrentRegion);
+    form.caption = "Region " + std::to_string(project.CurrentRegion + 1);
     if (IsSet(region.HasBackground)) {
         form.lowBEText = FormatGeneral(region.BackgroundLowBE);
         form.highBEText = FormatGeneral(region.BackgroundHighBE);

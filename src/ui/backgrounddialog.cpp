@@ -44,7 +44,7 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
     backgroundType_ = Choice("backgroundType", {QStringLiteral("Shirley"), QStringLiteral("Linear"),
                                                 QStringLiteral("Tougaard")});
     choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averagePoints_);
-    choices->addRow(QStringLiteral("Backgound Type"), backgroundType_);
+    choices->addRow(QStringLiteral("Background Type"), backgroundType_);
 
     auto* shirley = new QGroupBox(QStringLiteral("Shirley+Linear (0 for Shir.)"), this);
     auto* shirleyRow = new QHBoxLayout(shirley);

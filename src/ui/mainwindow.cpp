@@ -21,7 +21,8 @@
 
 namespace molvera::ui {
 namespace {
-constexpr const char* kProjectTitle = "Open file";
+constexpr const char* kOpenProjectTitle = "Open file";
+constexpr const char* kSaveProjectTitle = "Save file";
 constexpr const char* kProjectFilter = "Data Files (*.xps) |*.xps|";
 
 QPushButton* Button(const QString& caption, const char* name, QWidget* parent) {
@@ -150,7 +151,7 @@ void MainWindow::PeakButtonClicked(int i) {
 }
 
 void MainWindow::OpenProjectCommand() {
-    const std::string path = files_.Open(kProjectTitle, kProjectFilter);
+    const std::string path = files_.Open(kOpenProjectTitle, kProjectFilter);
     if (path.empty()) return;
     if (Status st = LoadProject(project_, host_, path); !st) {
         host_.Show(st);
@@ -160,7 +161,7 @@ void MainWindow::OpenProjectCommand() {
 }
 
 void MainWindow::SaveProjectCommand() {
-    const std::string path = files_.Save(kProjectTitle, kProjectFilter, "xps");
+    const std::string path = files_.Save(kSaveProjectTitle, kProjectFilter, "xps");
     if (path.empty()) return;
     project_.FileName = path;
     if (Status st = SaveProject(project_, path); !st) {

@@ -74,6 +74,7 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
     // Low BE below the data: the background dialog refuses.
     CliRun r = Cmd("background p.xps --region 1 --type shirley --low 100 --high 295 -o b.xps");
     EXPECT_NE(r.code, 0);
+    EXPECT_NE(r.err.find("(266.5 .. 301.5 eV)"), std::string::npos) << r.err;  // the data's
     EXPECT_FALSE(fs::exists(dir / "b.xps"));
     r = Cmd("constrain p.xps --peak 1 --param position --link 1 --op + --arg 1 -o b.xps");
     EXPECT_NE(r.code, 0);

@@ -14,7 +14,7 @@
 namespace molvera {
 namespace {
 
-// Region 2 holds 11 points 290..280 eV, 1 eV apart, without a background.
+// Region 2 (the third) holds 11 points 290..280 eV, 1 eV apart, without a background.
 class BackgroundFormTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -47,7 +47,7 @@ protected:
 TEST_F(BackgroundFormTest, RefusalsCorrectTheirBoxAndStoreNothing) {
     EXPECT_EQ(std::tuple(form.visible, form.caption, form.lowBEText, form.highBEText,
                          form.averagePoints, form.backgroundType, form.areaText),
-              std::tuple(true, "Region 2", "280", "290", "None", "Shirley", "-----"));
+              std::tuple(true, "Region 3", "280", "290", "None", "Shirley", "-----"));
     struct Case {
         const char *low, *high, *average, *type;
         const char *lowAfter, *highAfter, *averageAfter, *typeAfter, *slopeAfter = "";

@@ -44,6 +44,10 @@ protected:
 
 TEST_F(BackgroundDialogTest, ControlsReachTheRegionAndTheAreaComesBack) {
     EXPECT_EQ(Box("highBEText"), FormatGeneral(reg().MaxBE));
+    EXPECT_EQ(dialog().windowTitle(), "Region 4");
+    std::set<QString> labels;
+    for (const QLabel* label : dialog().findChildren<QLabel*>()) labels.insert(label->text());
+    EXPECT_TRUE(labels.contains(QStringLiteral("Background Type")));
     Type(dialog(), "lowBEText", "270");
     Type(dialog(), "highBEText", "295.5");
     Combo("averagePoints")->setCurrentText("5");
