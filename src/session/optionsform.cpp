@@ -90,6 +90,17 @@ std::vector<NumberBox> NumberBoxesInUse(OptionsForm& form, FitOptions& options) 
     return boxes;
 }
 
+// The tolerance in per cent as a user types it: the fewest decimals that OK reads back to
+// the same Single ("0.001", not the Single's "0.00099999993108").
+std::string ToleranceText(float tolerance) {
+    const double perCent = static_cast<double>(tolerance) * 100;
+    for (int decimals = 0; decimals < 14; ++decimals) {
+        std::string text = FormatTrimmed(perCent, decimals);
+        if (static_cast<float>(LeadingNumber(text) / 100) == tolerance) return text;
+    }
+    return FormatTrimmed(static_cast<float>(perCent));
+}
+
 Status MustBePositive(const char* prefix, int level) {
     return Status::Error(std::string(prefix) + " " + std::to_string(level) +
                          msg::kMustBePositiveSuffix);
@@ -103,8 +114,7 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
     form.useNewton = !form.useSearch && !form.useLevenbergMarquardt;
     form.searchTrialsText = std::to_string(options.SearchTrials);
     form.newtonTrialsText = std::to_string(options.NewtonTrials);
-    form.toleranceText =
-        FormatTrimmed(static_cast<float>(static_cast<double>(options.Tolerance) * 100));
+    form.toleranceText = ToleranceText(options.Tolerance);
     form.glSum = options.GLSum != 0;
     form.glProduct = !form.glSum;
     form.asymmetryFrameEnabled = form.glSum;
@@ -161,6 +171,13 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
     }
     form.visible = false;
     return Status::Ok();
+}
+
+void CancelOptionsDialog(OptionsForm& form, FitOptions& options, const FitOptions& opened) {
+    options = opened;
+    FillOptionsDialog(options, form);
+    form.invalidBox.clear();
+    form.visible = false;
 }
 
 void ApplyNewtonChoice(OptionsForm& form, FitOptions& options) {

@@ -49,6 +49,10 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form);
 /// dialog is hidden.
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options);
 
+/// Cancel, or Esc: the options go back to `opened`, as they were when the dialog was
+/// opened (the method and line-shape buttons act at once), and the dialog is hidden.
+void CancelOptionsDialog(OptionsForm& form, FitOptions& options, const FitOptions& opened);
+
 /// A method or line-shape button was clicked (the toolkit has already changed its
 /// state): the options follow that button at once, and its partner shows the opposite.
 void ApplyNewtonChoice(OptionsForm& form, FitOptions& options);

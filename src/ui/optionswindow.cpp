@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -58,11 +59,14 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     bottom->addStretch();
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
     ok->setObjectName(QStringLiteral("okButton"));
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
+    cancel->setObjectName(QStringLiteral("cancelButton"));
     auto* load = new QPushButton(QStringLiteral("Load Parameters"), this);
     load->setObjectName(QStringLiteral("loadParametersButton"));
     auto* save = new QPushButton(QStringLiteral("Save Parameters"), this);
     save->setObjectName(QStringLiteral("saveParametersButton"));
     bottom->addWidget(ok);
+    bottom->addWidget(cancel);
     bottom->addWidget(load);
     bottom->addWidget(save);
 
@@ -79,6 +83,7 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     connect(glProduct_, &QRadioButton::clicked, this,
             [this] { RunHandler(&ApplyGLProductChoice); });
     connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
+    connect(cancel, &QPushButton::clicked, this, &OptionsWindow::CancelClicked);
     connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
     connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
 }
@@ -222,6 +227,7 @@ void OptionsWindow::ShowForm() {
 }
 
 void OptionsWindow::Open() {
+    opened_ = options_;
     FillOptionsDialog(options_, form_);
     form_.invalidBox.clear();
     MarkInvalidBox(*this, form_.invalidBox);
@@ -240,6 +246,20 @@ void OptionsWindow::OkClicked() {
     MarkInvalidBox(*this, form_.invalidBox);
     if (!st) host_.Show(st);
     ShowForm();
+}
+
+void OptionsWindow::CancelClicked() {
+    CancelOptionsDialog(form_, options_, opened_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    ShowForm();
+}
+
+void OptionsWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        CancelClicked();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void OptionsWindow::LoadParametersClicked() {

@@ -34,7 +34,7 @@ OptionsForm ValidForm() {
 
 TEST(OptionsDialog, FillShowsTolerancePerCentMethodTwoAsLevenbergMarquardtOtherNonZeroAsNewton) {
     FitOptions o;
-    o.Tolerance = 0.0001f;  // times 100 as a Single, then up to 14 decimals
+    o.Tolerance = 0.0001f;  // in per cent, as typed
     for (float method : {1.0f, 2.0f, 2.5f, 3.0f, -1.0f}) {
         SCOPED_TRACE(method);
         o.Method = method;
@@ -44,7 +44,16 @@ TEST(OptionsDialog, FillShowsTolerancePerCentMethodTwoAsLevenbergMarquardtOtherN
         EXPECT_EQ(f.useLevenbergMarquardt, method == 2.0f);
         EXPECT_EQ(f.useNewton, method != 2.0f);
         EXPECT_TRUE(f.visible);
-        EXPECT_EQ(f.toleranceText, "0.00999999977648");
+        EXPECT_EQ(f.toleranceText, "0.01");
+    }
+    // OK without typing stores the tolerance shown as it was.
+    o.SearchTrials = o.NewtonTrials = 10;
+    for (float tolerance : {1e-5f, 0.00123456789f, 0.5f, 3e-9f}) {
+        o.Tolerance = tolerance;
+        OptionsForm f;
+        FillOptionsDialog(o, f);
+        ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
+        EXPECT_EQ(o.Tolerance, tolerance) << f.toleranceText;
     }
 }
 

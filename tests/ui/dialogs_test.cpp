@@ -141,6 +141,23 @@ TEST_F(GuiTest, OptionsWindowReachesTheOptions) {
     EXPECT_EQ(sink.messages.size(), 1u);
 }
 
+// The tolerance shows as typed; Cancel and Esc give back the options as opened, though
+// the method and line-shape buttons acted at once.
+TEST_F(GuiTest, OptionsCancelAndEscapeRestoreTheOptionsAsOpened) {
+    const FitOptions opened = project().Options;
+    ui::OptionsWindow& w = gui->optionsWindow();
+    Click(main(), "optionsButton");
+    EXPECT_EQ(Text(w, "toleranceText"), "0.001");  // default.opa's 1E-05
+    Child<QAbstractButton>(w, "useSearch")->click();
+    Type(w, "newtonTrialsText", "9");
+    Click(w, "cancelButton");
+    EXPECT_TRUE(project().Options == opened && !w.isVisible());
+    Click(main(), "optionsButton");
+    Child<QAbstractButton>(w, "glSum")->click();
+    QTest::keyClick(Child<QLineEdit>(w, "newtonTrialsText"), Qt::Key_Escape);
+    EXPECT_TRUE(project().Options == opened && !w.isVisible());
+}
+
 TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     SampleWithPeaks(6);
     for (int k = 0; k < 6; ++k) {
