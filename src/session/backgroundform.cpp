@@ -132,8 +132,7 @@ std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& 
     return BackgroundBoxes{low, high, *averagePoints};
 }
 
-Status AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
-    Region& region = project.Current();
+Status CheckBackgroundNumbers(BackgroundForm& form) {
     // An empty slope or B1 box takes its default below; the other type's box is not read.
     const auto parameterBox = [&form](const char* type, const std::string& text) {
         return form.backgroundType == type && !IsBlankText(text) ? text : std::string("0");
@@ -146,6 +145,12 @@ Status AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
             form.invalidBox);
         !st)
         return st;
+    return Status::Ok();
+}
+
+Status AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
+    Region& region = project.Current();
+    if (Status st = CheckBackgroundNumbers(form); !st) return st;
     const std::optional<BackgroundBoxes> boxes = CheckBackgroundBoxes(region, host, form);
     if (!boxes) return Status::Error({});
 

@@ -40,6 +40,11 @@ struct BackgroundBoxes {
 std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
                                                     BackgroundForm& form);
 
+/// Ok when the boxes that Accept reads hold numbers (Low BE, High BE, and the slope or
+/// B1 box of the chosen type unless it is empty); otherwise the refusal naming the
+/// first that does not, with its field in form.invalidBox.
+Status CheckBackgroundNumbers(BackgroundForm& form);
+
 /// The Accept button: refuses a box that holds no number with a message naming it, then
 /// checks the boxes in order (such a refusal corrects a box and beeps; its Status has no
 /// message); a refusal stores nothing. Otherwise stores the settings and recomputes the

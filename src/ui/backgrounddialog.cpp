@@ -143,8 +143,7 @@ void BackgroundDialog::Open() {
     ShowForm();
 }
 
-void BackgroundDialog::Run(
-    const std::function<void(Project&, SessionHost&, BackgroundForm&)>& handler) {
+void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundForm&)) {
     if (running_) return;
     running_ = true;
     ReadForm();
@@ -163,12 +162,18 @@ void BackgroundDialog::Run(
     ShowForm();
 }
 
-void BackgroundDialog::AcceptClicked() {
-    Status st;
-    Run([&st](Project& p, SessionHost& h, BackgroundForm& f) { st = AcceptBackground(p, h, f); });
+bool BackgroundDialog::NumbersChecked() {
+    ReadForm();
+    const Status st = CheckBackgroundNumbers(form_);
     MarkInvalidBox(*this, form_.invalidBox);
-    // The refusals without a message have beeped.
-    if (!st && !st.message().empty()) host_.Show(st);
+    if (!st) host_.Show(st);
+    return st.ok();
+}
+
+void BackgroundDialog::AcceptClicked() {
+    if (!NumbersChecked()) return;
+    // Its other refusals beep.
+    Run([](Project& p, SessionHost& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
 }
 
 void BackgroundDialog::CloseClicked() {
@@ -177,10 +182,13 @@ void BackgroundDialog::CloseClicked() {
 }
 
 void BackgroundDialog::ShirleySlopeSearchClicked() {
+    if (!NumbersChecked()) return;
     Run([](Project& p, SessionHost& h, BackgroundForm& f) { OptimiseShirleySlope(p, h, f); });
 }
 
-void BackgroundDialog::TougaardB1SearchClicked() { Run(&OptimiseTougaardBackground); }
+void BackgroundDialog::TougaardB1SearchClicked() {
+    if (NumbersChecked()) Run(&OptimiseTougaardBackground);
+}
 
 void BackgroundDialog::closeEvent(QCloseEvent* event) {
     // Closing the window is the Close button: hidden, not destroyed.

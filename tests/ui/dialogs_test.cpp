@@ -77,6 +77,16 @@ TEST_F(BackgroundDialogTest, ControlsReachTheRegionAndTheAreaComesBack) {
     EXPECT_FALSE(dialog().isVisible());
 }
 
+TEST_F(BackgroundDialogTest, OptimiseRefusesABoxWithoutANumberAndStoresNothing) {
+    Combo("backgroundType")->setCurrentText("Tougaard");
+    Type(dialog(), "tougaardB1Text", "abc");
+    const Region before = reg();
+    Click(dialog(), "tougaardB1SearchButton");
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"B1: 'abc' is not a number"});
+    EXPECT_TRUE(reg() == before);
+    EXPECT_TRUE(Child<QLineEdit>(dialog(), "tougaardB1Text")->property("invalid").toBool());
+}
+
 // While the B1 search runs: hourglass, no window takes input, the box shows the trials.
 TEST_F(BackgroundDialogTest, TougaardOptimiseRunsBusyWithTheBoxFollowingTheTrials) {
     Combo("backgroundType")->setCurrentText("Tougaard");
