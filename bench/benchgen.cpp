@@ -141,7 +141,7 @@ bool WriteProject(const std::string& prefix, const std::vector<PeakValues>& trut
         form.areaText = FormatRoundTrip(static_cast<float>(truth[k].area * (1 + 0.3 * sign)));
         form.glText = "50";
         SetFixCheck(project, form, PeakParameter::GL, false);
-        AcceptPeakEditor(project, host, form);
+        if (Status st = AcceptPeakEditor(project, host, form); !st) return Refused(st);
     }
     if (Status st = SaveProject(project, prefix + ".xps"); !st) return Refused(st);
     return true;

@@ -35,7 +35,7 @@ QApplication& App() {
 }
 
 class SilentSink : public ui::UserSink {
-    void Message(const QString&) override {}
+    void Message(const QString&, bool) override {}
     bool AskYesNo(const QString&, const QString&) override { return false; }
     void Beep() override {}
 };

@@ -93,7 +93,7 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
     if (auto v = args.Value("tl")) form.tailLengthText = *v;
     if (auto h = args.Value("height")) {
         // The editor holds areas; a height is turned into the area of the edited shape.
-        ApplyPeakEditor(project, form);
+        if (Status st = ApplyPeakEditor(project, form); !st) return Refused(st);
         Peak shaped = peak;
         peak = project.SavedPeaks[slot];
         shaped.HeightPercent = static_cast<float>(LeadingNumber(*h));
@@ -101,7 +101,7 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
     }
     for (PeakParameter p : fix) SetFixCheck(project, form, p, true);
     for (PeakParameter p : freed) SetFixCheck(project, form, p, false);
-    AcceptPeakEditor(project, s.host, form);
+    if (Status st = AcceptPeakEditor(project, s.host, form); !st) return Refused(st);
     return 0;
 }
 
@@ -129,6 +129,7 @@ int RunBackground(int argc, char** argv) {
     if (!type || (*type != "shirley" && *type != "linear" && *type != "tougaard"))
         return Fail("--type is shirley, linear or tougaard");
     if (!args.Has("low") || !args.Has("high")) return Fail("--low and --high are needed");
+    if (auto refused = NotANumberOption(args, "param")) return *refused;  // a name elsewhere
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;
@@ -153,8 +154,10 @@ int RunBackground(int argc, char** argv) {
     if (!AcceptBackground(s.project, s.host, form)) {
         std::string why = "background refused";
         if (form.lowBEText != typed.lowBEText || form.highBEText != typed.highBEText)
-            why += ": the range must lie inside the data (" + form.lowBEText + " .. " +
-                   form.highBEText + " eV) with low below high and hold at least 2 points";
+            why += ": the range must lie inside the data (" +
+                   FormatGeneral(s.project.Current().MinBE) + " .. " +
+                   FormatGeneral(s.project.Current().MaxBE) +
+                   " eV) with low below high and hold at least 2 points";
         else if (form.averagePoints != typed.averagePoints)
             why += ": --average is 1, 3, 5, 7 or 9";
         return Fail(why);

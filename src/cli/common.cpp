@@ -9,6 +9,7 @@
 #include "base/numtext.h"
 #include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
+#include "session/formnumber.h"
 
 namespace molvera::cli {
 
@@ -18,7 +19,56 @@ namespace {
 void OnInterrupt(int) {
     if (gInterrupted.exchange(true)) _exit(130);
 }
+
+// The options that take a number (and background's --param), and those that take
+// numbers between ":" (a level may also be "off").
+const std::set<std::string> kNumberOptions = {"region",
+                                              "peak",
+                                              "low",
+                                              "high",
+                                              "average",
+                                              "position",
+                                              "fwhm",
+                                              "area",
+                                              "gl",
+                                              "ts",
+                                              "tl",
+                                              "height",
+                                              "splitting",
+                                              "link",
+                                              "arg",
+                                              "search-trials",
+                                              "newton-trials",
+                                              "tolerance"};
+const std::set<std::string> kNumberListOptions = {"limits",      "pos-search", "area-search",
+                                                  "fwhm-search", "pos-newton", "area-newton",
+                                                  "fwhm-newton"};
+
+// "--gl: 'abc' is not a number" for the first numeric option given something else.
+std::string BadNumber(const Args& args) {
+    for (const std::string& name : kNumberOptions)
+        for (const std::string& value : args.Values(name))
+            if (!BoxNumber(value)) return NotANumber("--" + name, value).message();
+    for (const std::string& name : kNumberListOptions) {
+        for (const std::string& value : args.Values(name)) {
+            std::size_t start = 0;
+            for (std::size_t colon = 0; colon != std::string::npos; start = colon + 1) {
+                colon = value.find(':', start);
+                const std::string part = value.substr(start, colon - start);
+                if (part != "off" && !BoxNumber(part))
+                    return NotANumber("--" + name, part).message();
+            }
+        }
+    }
+    return {};
+}
 }  // namespace
+
+std::optional<int> NotANumberOption(const Args& args, const std::string& name) {
+    const std::optional<std::string> value = args.Value(name);
+    if (!value || BoxNumber(*value)) return std::nullopt;
+    return Fail(NotANumber("--" + name, *value).message());
+}
 
 void InstallInterruptHandler() { std::signal(SIGINT, OnInterrupt); }
 
@@ -97,6 +147,8 @@ bool CheckArgs(const Args& args, const std::set<std::string>& known, std::size_t
         problem = "unknown option " + unknown.front();
     } else if (args.Positional().size() != positional) {
         problem = "expected " + std::to_string(positional) + " file argument(s)";
+    } else {
+        problem = BadNumber(args);
     }
     if (problem.empty()) return true;
     std::fprintf(stderr, "molvera-cli: %s\nusage: %s\n", problem.c_str(), usage);

@@ -52,6 +52,11 @@ std::optional<int> RegionArg(const Args& args, const std::string& name = "region
 /// "position", "area", "fwhm" or "gl" as the parameter it names.
 std::optional<PeakParameter> ParameterArg(const std::string& text);
 
+/// The refusal (printed, and its exit code) of an option that is given something other
+/// than a number; nothing when it holds one or is not given. CheckArgs checks the options
+/// that take numbers in every command.
+std::optional<int> NotANumberOption(const Args& args, const std::string& name);
+
 /// A whole number option in [lo, hi].
 std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi);
 

@@ -85,18 +85,15 @@ void StoreSpectrum(Project& project, const ImportedSpectrum& s, SortRule rule) {
 ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
                          const StorePolicy& policy) {
     ImportResult result;
-    if (data.clearsOnRefusal) {
-        // The current region is emptied and the description taken before the reader
-        // learns that the file holds no XPS.
-        if (IsSet(project.Current().HasData)) DeleteRegionData(project, host);
-        if (data.description) SetDescription(project, host, *data.description);
+    // A file that could not be read to its end stores nothing: the open project stays as
+    // it was. Every later refusal is decided before the project is touched.
+    if (!data.status) {
         result.status = data.status;
         return result;
     }
     if (policy.store == StoreRule::FittedRegion) return StoreKratos(project, host, data);
     if (data.spectra.empty()) {
-        result.status =
-            data.status.ok() ? Status::Error(msg::kErrorReadingFileImport) : data.status;
+        result.status = Status::Error(msg::kErrorReadingFileImport);
         return result;
     }
 

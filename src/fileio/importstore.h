@@ -40,12 +40,9 @@ struct ImportedData {
     std::vector<ImportedSpectrum> spectra;   ///< in file order
     std::optional<std::string> description;  ///< the project's description from the file
     std::optional<ImportedFit> fit;          ///< Kratos only
-    /// Ok, or why the file could not be read (wholly or to its end). With no spectra
-    /// nothing is stored; otherwise the spectra read are stored and then it is shown.
+    /// Ok, or why the file could not be read (wholly or to its end); then nothing is
+    /// stored.
     Status status;
-    /// A VAMAS file whose first block is not XPS: the refusal still empties the current
-    /// region and takes the description.
-    bool clearsOnRefusal = false;
 };
 
 /// How parsed spectra go into the project.

@@ -66,8 +66,10 @@ Status ReadOptionFile(FitOptions& options, const std::string& path) {
 }
 
 Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {
+    // Read into a copy: a damaged file leaves the options as they were.
+    FitOptions read = options;
     BinaryReader in(bytes);
-    const std::vector<OptionField> fields = OptionFileFields(options);
+    const std::vector<OptionField> fields = OptionFileFields(read);
     for (std::size_t k = 0; k < fields.size(); ++k) {
         const OptionField& f = fields[k];
         if (in.Remaining() < FieldSize(f.value)) {
@@ -83,6 +85,7 @@ Status ReadOptionBytes(FitOptions& options, std::string_view bytes) {
             *std::get<std::int16_t*>(f.value) = in.I16();
         }
     }
+    options = read;
     return Status::Ok();
 }
 

@@ -29,7 +29,7 @@ std::vector<OptionField> OptionFileFields(FitOptions& options);
 
 /// Reads an option file field by field into `options`. A file that ends before
 /// GLSum alone is accepted (GLSum keeps its value); ending earlier gives "Error in
-/// reading file" with the fields read so far kept.
+/// reading file" with `options` unchanged.
 Status ReadOptionFile(FitOptions& options, const std::string& path);
 
 /// The same on the first 206 bytes of an option file (more are not looked at).

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "base/binstream.h"
 #include "base/messages.h"
@@ -213,9 +214,13 @@ Status LoadProject(Project& project, Host& host, const std::string& path) {
 }
 
 Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes) {
-    ClearProject(project, host);
+    // Read into a copy: a file that cannot be read leaves the open project as it was.
+    Project read = project;
+    ClearProject(read, QuietHost());
     bool descriptionRead = false;
-    if (Status read = ReadProjectBytes(bytes, project, &descriptionRead); !read) return read;
+    if (Status st = ReadProjectBytes(bytes, read, &descriptionRead); !st) return st;
+    ClearProject(project, host);
+    project = std::move(read);
     if (descriptionRead) host.DescriptionChanged(project.Description);
 
     RecomputeAllRegions(project, host);

@@ -24,9 +24,9 @@ Status SaveProject(Project& project, const std::string& path);
 /// file" and a detail (the byte where reading stopped); the records read until then stay.
 Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead = nullptr);
 
-/// Open XPS: empties the project, reads the file into it, recomputes every region with a
+/// Open XPS: replaces the project by the file's, recomputes every region with a
 /// background and peaks, and reports the whole project. Returns the refusal ("Wrong file
-/// format", "Error in reading file") for the caller to show.
+/// format", "Error in reading file") for the caller to show; the project is then unchanged.
 Status LoadProject(Project& project, Host& host, const std::string& path);
 
 /// The same on the bytes of a project file.

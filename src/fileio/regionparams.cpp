@@ -157,7 +157,7 @@ Status LoadRegionParameters(Project& project, Host& host, const std::string& pat
 }
 
 Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view bytes) {
-    // The whole file is read before the region is touched, so that a damaged file
+    // The whole file is read and checked before the region is touched, so that a refusal
     // leaves the region as it was. Only as many peaks are read as can be placed.
     RegionSettings settings;
     std::vector<LoadedPeak> peaks;
@@ -195,6 +195,13 @@ Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view 
                              "byte " + std::to_string(in.Position()) + ": " + e.what());
     }
 
+    if (static_cast<int>(peaks.size()) < settings.PeakCount) {
+        host.Beep();
+        return Status::Error(msg::kTooManyPeaks,
+                             "the file holds " + std::to_string(settings.PeakCount) + " peaks, " +
+                                 std::to_string(peaks.size()) + " slots are free");
+    }
+
     ClearRegionParameters(project, host);
     Region& region = project.Current();
     region.RangeCount = settings.RangeCount;
@@ -207,16 +214,9 @@ Status ApplyRegionParameterBytes(Project& project, Host& host, std::string_view 
         PlacePeak(project, static_cast<int>(k), peaks[k]);
     if (!peaks.empty()) host.PeakListChanged(project.CurrentRegion, PeakList(region), true);
 
-    Status status = Status::Ok();
-    if (static_cast<int>(peaks.size()) < settings.PeakCount) {
-        host.Beep();
-        status = Status::Error(msg::kTooManyPeaks,
-                               "the file holds " + std::to_string(settings.PeakCount) + " peaks, " +
-                                   std::to_string(peaks.size()) + " slots are free");
-    }
     RecomputeRegion(project, host);
     host.CurvesChanged();
-    return status;
+    return Status::Ok();
 }
 
 }  // namespace molvera

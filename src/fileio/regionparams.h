@@ -22,9 +22,9 @@ std::string RegionParameterBytes(const Project& project);
 Status SaveRegionParameters(const Project& project, const std::string& path);
 
 /// Replaces the current region's background settings and peaks by those in `path`
-/// (current or older layout) and recomputes the region. Failures: "Error in reading
-/// file", "Incompatible region" and "Binding energy out-of-range" (region unchanged),
-/// "Too many peaks" (after a beep; the peaks placed stay). The caller shows the message.
+/// (current or older layout) and recomputes the region. Failures, each with the region
+/// unchanged: "Error in reading file", "Incompatible region", "Binding energy
+/// out-of-range" and "Too many peaks" (after a beep). The caller shows the message.
 Status LoadRegionParameters(Project& project, Host& host, const std::string& path);
 
 /// The same on the bytes of a region parameter file.

@@ -270,7 +270,6 @@ ImportedData ReadVamas(std::string_view text) {
                 haveFirst = true;
                 data.description = b.sample;
                 if (b.aes) {
-                    data.clearsOnRefusal = true;
                     data.status = Status::Error(msg::kNotXps, "the first block is AES");
                     return data;
                 }

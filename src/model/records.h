@@ -169,6 +169,7 @@ struct Project {
 
     Region& Current() { return Regions[CurrentRegion]; }
     const Region& Current() const { return Regions[CurrentRegion]; }
+    bool operator==(const Project&) const = default;
 };
 
 /// The peak slots a region lists: PeakIndex[0 .. PeakCount - 1], the count kept in 0..10.

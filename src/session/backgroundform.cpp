@@ -52,6 +52,10 @@ bool Beyond(float value, float limit, bool below) {
     return outside && FormatGeneral(value) != FormatGeneral(limit);
 }
 
+bool IsBlankText(const std::string& text) {
+    return text.find_first_not_of(" \t") == std::string::npos;
+}
+
 bool Refuse(Host& host) {
     host.Beep();
     return false;
@@ -74,7 +78,7 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
     const Region& region = project.Current();
     if (!IsSet(region.HasData)) return;
     form.visible = true;
-    form.caption = "Region " + std::to_string(project.CurrentRegion);
+    form.caption = "Region " + std::to_string(project.CurrentRegion + 1);
     if (IsSet(region.HasBackground)) {
         form.lowBEText = FormatGeneral(region.BackgroundLowBE);
         form.highBEText = FormatGeneral(region.BackgroundHighBE);
@@ -128,10 +132,27 @@ std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& 
     return BackgroundBoxes{low, high, *averagePoints};
 }
 
-bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
+Status CheckBackgroundNumbers(BackgroundForm& form) {
+    // An empty slope or B1 box takes its default below; the other type's box is not read.
+    const auto parameterBox = [&form](const char* type, const std::string& text) {
+        return form.backgroundType == type && !IsBlankText(text) ? text : std::string("0");
+    };
+    if (Status st = CheckNumberBoxes(
+            {{"Low BE", "lowBEText", form.lowBEText},
+             {"High BE", "highBEText", form.highBEText},
+             {"Slope", "shirleySlopeText", parameterBox("Shirley", form.shirleySlopeText)},
+             {"B1", "tougaardB1Text", parameterBox("Tougaard", form.tougaardB1Text)}},
+            form.invalidBox);
+        !st)
+        return st;
+    return Status::Ok();
+}
+
+Status AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     Region& region = project.Current();
+    if (Status st = CheckBackgroundNumbers(form); !st) return st;
     const std::optional<BackgroundBoxes> boxes = CheckBackgroundBoxes(region, host, form);
-    if (!boxes) return false;
+    if (!boxes) return Status::Error({});
 
     if (LeadingNumber(form.shirleySlopeText) == 0) form.shirleySlopeText = "0";
     if (LeadingNumber(form.tougaardB1Text) == 0) form.tougaardB1Text = "3000";
@@ -147,7 +168,8 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
         parameter = BoxSingle(form.tougaardB1Text);
     } else {
         form.backgroundType = "Shirley";
-        return Refuse(host);
+        Refuse(host);
+        return Status::Error({});
     }
 
     region.EndPointAverage = boxes->averagePoints;
@@ -162,7 +184,7 @@ bool AcceptBackground(Project& project, Host& host, BackgroundForm& form) {
     region.HasBackground = kTrue;
     host.RegionInView();
     project.KeepAreas = kFalse;
-    return true;
+    return Status::Ok();
 }
 
 void CloseBackgroundDialog(BackgroundForm& form) { form.visible = false; }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "base/status.h"
 #include "model/host.h"
 #include "model/records.h"
 
@@ -19,6 +20,7 @@ struct BackgroundForm {
     std::string tougaardB1Text = "3000";  ///< Tougaard B1
     std::string areaText = "-----";       ///< "Area (I*eV)" after an Accept
     std::string caption;
+    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
     bool visible = false;
 };
 
@@ -38,10 +40,16 @@ struct BackgroundBoxes {
 std::optional<BackgroundBoxes> CheckBackgroundBoxes(const Region& region, Host& host,
                                                     BackgroundForm& form);
 
-/// The Accept button: checks the boxes in order (a refusal corrects a box, beeps and
-/// stores nothing), stores the settings and recomputes the region keeping peak areas.
-/// True when the settings were stored.
-bool AcceptBackground(Project& project, Host& host, BackgroundForm& form);
+/// Ok when the boxes that Accept reads hold numbers (Low BE, High BE, and the slope or
+/// B1 box of the chosen type unless it is empty); otherwise the refusal naming the
+/// first that does not, with its field in form.invalidBox.
+Status CheckBackgroundNumbers(BackgroundForm& form);
+
+/// The Accept button: refuses a box that holds no number with a message naming it, then
+/// checks the boxes in order (such a refusal corrects a box and beeps; its Status has no
+/// message); a refusal stores nothing. Otherwise stores the settings and recomputes the
+/// region keeping peak areas.
+Status AcceptBackground(Project& project, Host& host, BackgroundForm& form);
 
 /// The Close button: hides the dialog; nothing is stored.
 void CloseBackgroundDialog(BackgroundForm& form);

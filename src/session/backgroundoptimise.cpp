@@ -48,7 +48,7 @@ void OptimiseShirleySlope(Project& project, Host& host, BackgroundForm& form) {
         host.Beep();
         return;
     }
-    if (!BackgroundCrosses(region)) return;
+    if (!BackgroundCrosses(region) || !CheckBackgroundNumbers(form)) return;
 
     float s = BoxSingle(form.shirleySlopeText);
     region.BackgroundParameter = s;
@@ -117,7 +117,8 @@ void OptimiseTougaardBackground(Project& project, SessionHost& host, BackgroundF
         return;
     }
     Region& region = project.Current();
-    const std::optional<BackgroundBoxes> boxes = CheckBackgroundBoxes(region, host, form);
+    const std::optional<BackgroundBoxes> boxes =
+        CheckBackgroundNumbers(form) ? CheckBackgroundBoxes(region, host, form) : std::nullopt;
     if (!boxes) {
         EndBusy(project, host);
         return;

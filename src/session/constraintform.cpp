@@ -5,6 +5,7 @@
 #include "base/messages.h"
 #include "base/numtext.h"
 #include "model/project.h"
+#include "session/formnumber.h"
 
 namespace molvera {
 
@@ -143,6 +144,18 @@ Status AcceptConstraint(Project& project, ConstraintForm& form) {
     const int p = project.CurrentPeak;
     if (!IsSlot(p)) return Status::Error(msg::kWrongReferencePeak);
     const PeakParameter g = form.kind;
+    // The boxes in use must hold numbers before anything is stored.
+    const std::string unused = "0";
+    const bool relation = form.useRelation;
+    const bool limits = form.useLimits;
+    if (Status st = CheckNumberBoxes(
+            {{"Reference peak", "referencePeakText", relation ? form.referencePeakText : unused},
+             {"Argument", "argumentText", relation ? form.argumentText : unused},
+             {"Low limit", "lowLimitText", limits ? form.lowLimitText : unused},
+             {"High limit", "highLimitText", limits ? form.highLimitText : unused}},
+            form.invalidBox);
+        !st)
+        return st;
 
     // A reference outside the slots is refused whether or not the relation is on:
     // the recount below indexes the slots with it.

@@ -21,6 +21,7 @@ struct ConstraintForm {
     bool useLimits = false;  ///< "Limits of Search Range"
     std::string lowLimitText;
     std::string highLimitText;
+    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
     bool visible = false;
 };
 

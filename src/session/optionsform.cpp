@@ -6,6 +6,7 @@
 #include "base/numtext.h"
 #include "fileio/optionfile.h"
 #include "model/records.h"
+#include "session/formnumber.h"
 
 namespace molvera {
 
@@ -19,6 +20,8 @@ struct SearchRows {
     std::array<SearchLevel, kLevels>& levels;
     const char* rangePrefix;
     const char* stepPrefix;
+    const char* rangeField;  // the form's field, the level's index after it
+    const char* stepField;
 };
 
 struct NewtonRows {
@@ -26,21 +29,24 @@ struct NewtonRows {
     std::array<std::string, kLevels>& delta;
     std::array<NewtonLevel, kLevels>& levels;
     const char* deltaPrefix;
+    const char* deltaField;
 };
 
 std::array<SearchRows, 3> SearchRowsOf(OptionsForm& f, FitOptions& o) {
     return {{{f.usePositionSearch, f.positionRangeText, f.positionStepText, o.PositionSearch,
-              msg::kPosRangePrefix, msg::kPosStepPrefix},
+              msg::kPosRangePrefix, msg::kPosStepPrefix, "positionRangeText", "positionStepText"},
              {f.useAreaSearch, f.areaRangeText, f.areaStepText, o.AreaSearch, msg::kAreaRangePrefix,
-              msg::kAreaStepPrefix},
+              msg::kAreaStepPrefix, "areaRangeText", "areaStepText"},
              {f.useFWHMSearch, f.fwhmRangeText, f.fwhmStepText, o.FWHMSearch, msg::kFWHMRangePrefix,
-              msg::kFWHMStepPrefix}}};
+              msg::kFWHMStepPrefix, "fwhmRangeText", "fwhmStepText"}}};
 }
 
 std::array<NewtonRows, 3> NewtonRowsOf(OptionsForm& f, FitOptions& o) {
-    return {{{f.usePositionNewton, f.positionDeltaText, o.PositionNewton, msg::kPosDeltaPrefix},
-             {f.useAreaNewton, f.areaDeltaText, o.AreaNewton, msg::kAreaDeltaPrefix},
-             {f.useFWHMNewton, f.fwhmDeltaText, o.FWHMNewton, msg::kFWHMDeltaPrefix}}};
+    return {
+        {{f.usePositionNewton, f.positionDeltaText, o.PositionNewton, msg::kPosDeltaPrefix,
+          "positionDeltaText"},
+         {f.useAreaNewton, f.areaDeltaText, o.AreaNewton, msg::kAreaDeltaPrefix, "areaDeltaText"},
+         {f.useFWHMNewton, f.fwhmDeltaText, o.FWHMNewton, msg::kFWHMDeltaPrefix, "fwhmDeltaText"}}};
 }
 
 // A trial count typed into a box: 1..200 after rounding halves to even.
@@ -59,6 +65,42 @@ bool ReadPositive(const std::string& text, float& target) {
     return true;
 }
 
+// The boxes in use, each of which must hold a number.
+std::vector<NumberBox> NumberBoxesInUse(OptionsForm& form, FitOptions& options) {
+    std::vector<NumberBox> boxes = {
+        {"No. of trials for Search method", "searchTrialsText", form.searchTrialsText},
+        {"No. of trials for Newton's method", "newtonTrialsText", form.newtonTrialsText},
+        {"% Tolerance", "toleranceText", form.toleranceText}};
+    for (int i = 0; i < kLevels; ++i) {
+        const std::string level = std::to_string(i + 1);
+        const std::string index = std::to_string(i);
+        for (SearchRows rows : SearchRowsOf(form, options)) {
+            if (!rows.check[i]) continue;
+            boxes.push_back({std::string(rows.rangePrefix) + " " + level, rows.rangeField + index,
+                             rows.range[i]});
+            boxes.push_back(
+                {std::string(rows.stepPrefix) + " " + level, rows.stepField + index, rows.step[i]});
+        }
+        for (NewtonRows rows : NewtonRowsOf(form, options)) {
+            if (!rows.check[i]) continue;
+            boxes.push_back({std::string(rows.deltaPrefix) + " " + level, rows.deltaField + index,
+                             rows.delta[i]});
+        }
+    }
+    return boxes;
+}
+
+// The tolerance in per cent as a user types it: the fewest decimals that OK reads back to
+// the same Single ("0.001", not the Single's "0.00099999993108").
+std::string ToleranceText(float tolerance) {
+    const double perCent = static_cast<double>(tolerance) * 100;
+    for (int decimals = 0; decimals < 14; ++decimals) {
+        std::string text = FormatTrimmed(perCent, decimals);
+        if (static_cast<float>(LeadingNumber(text) / 100) == tolerance) return text;
+    }
+    return FormatTrimmed(static_cast<float>(perCent));
+}
+
 Status MustBePositive(const char* prefix, int level) {
     return Status::Error(std::string(prefix) + " " + std::to_string(level) +
                          msg::kMustBePositiveSuffix);
@@ -72,8 +114,7 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
     form.useNewton = !form.useSearch && !form.useLevenbergMarquardt;
     form.searchTrialsText = std::to_string(options.SearchTrials);
     form.newtonTrialsText = std::to_string(options.NewtonTrials);
-    form.toleranceText =
-        FormatTrimmed(static_cast<float>(static_cast<double>(options.Tolerance) * 100));
+    form.toleranceText = ToleranceText(options.Tolerance);
     form.glSum = options.GLSum != 0;
     form.glProduct = !form.glSum;
     form.asymmetryFrameEnabled = form.glSum;
@@ -93,6 +134,8 @@ void FillOptionsDialog(const FitOptions& options, OptionsForm& form) {
 }
 
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
+    if (Status st = CheckNumberBoxes(NumberBoxesInUse(form, options), form.invalidBox); !st)
+        return st;
     options.Method = form.useSearch ? 0.0f : form.useLevenbergMarquardt ? 2.0f : 1.0f;
     if (!ReadTrials(form.searchTrialsText, options.SearchTrials))
         return Status::Error(msg::kSearchTrialsRange);
@@ -128,6 +171,13 @@ Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options) {
     }
     form.visible = false;
     return Status::Ok();
+}
+
+void CancelOptionsDialog(OptionsForm& form, FitOptions& options, const FitOptions& opened) {
+    options = opened;
+    FillOptionsDialog(options, form);
+    form.invalidBox.clear();
+    form.visible = false;
 }
 
 void ApplyNewtonChoice(OptionsForm& form, FitOptions& options) {

@@ -37,14 +37,21 @@ struct OptionsForm {
     bool glProduct = false;
     /// Output: whether the peak editor's asymmetry frame is enabled (GL sum only).
     bool asymmetryFrameEnabled = false;
+    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
 };
 
 /// Copies the options into the dialog and shows it.
 void FillOptionsDialog(const FitOptions& options, OptionsForm& form);
 
-/// OK: reads the dialog back with its checks, in order; the first failure returns its
-/// message, keeping what earlier steps stored. On success the dialog is hidden.
+/// OK: a box in use that holds no number is refused with a message naming it and
+/// nothing is stored; then reads the dialog back with its checks, in order; the first
+/// failure returns its message, keeping what earlier steps stored. On success the
+/// dialog is hidden.
 Status ApplyOptionsDialog(OptionsForm& form, FitOptions& options);
+
+/// Cancel, or Esc: the options go back to `opened`, as they were when the dialog was
+/// opened (the method and line-shape buttons act at once), and the dialog is hidden.
+void CancelOptionsDialog(OptionsForm& form, FitOptions& options, const FitOptions& opened);
 
 /// A method or line-shape button was clicked (the toolkit has already changed its
 /// state): the options follow that button at once, and its partner shows the opposite.

@@ -101,15 +101,16 @@ Int16 CheckValue(bool checked) { return checked ? 1 : 0; }
 void HideEditor(PeakForm& form) { form.visible = false; }
 
 // Accept and ReDraw share everything but hiding the editor.
-void ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
+Status ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
     const int slot = project.CurrentPeak;
-    if (!ValidSlot(slot)) return;
-    ApplyPeakEditor(project, form);
+    if (!ValidSlot(slot)) return Status::Ok();
+    if (Status st = ApplyPeakEditor(project, form); !st) return st;
     ApplyAllRelations(project);
     FillPeakEditor(project, form, slot);
     project.AreaScale = form.areaScale;
     if (IsSet(project.Current().HasBackground)) ComputeRegionEnvelope(project, host);
     host.CurvesChanged();
+    return Status::Ok();
 }
 
 // Cancel and close: the peak as the editor found it.
@@ -204,9 +205,33 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     }
 }
 
-void ApplyPeakEditor(Project& project, PeakForm& form) {
+NumberBox PeakBox(const PeakForm& form, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            return {"Position", "positionText", form.positionText};
+        case PeakParameter::FWHM:
+            return {"FWHM", "fwhmText", form.fwhmText};
+        case PeakParameter::Area:
+            return {"Area", "areaText", form.areaText};
+        case PeakParameter::GL:
+            break;
+    }
+    return {"%GL", "glText", form.glText};
+}
+
+Status ApplyPeakEditor(Project& project, PeakForm& form) {
     const int slot = project.CurrentPeak;
-    if (!ValidSlot(slot)) return;
+    if (!ValidSlot(slot)) return Status::Ok();
+    if (Status st = CheckNumberBoxes({PeakBox(form, PeakParameter::Position),
+                                      PeakBox(form, PeakParameter::FWHM),
+                                      PeakBox(form, PeakParameter::Area),
+                                      PeakBox(form, PeakParameter::GL),
+                                      {"S.O.S.", "splittingText", form.splittingText},
+                                      {"TS", "tailScaleText", form.tailScaleText},
+                                      {"TL", "tailLengthText", form.tailLengthText}},
+                                     form.invalidBox);
+        !st)
+        return st;
     Peak& peak = project.Peaks[slot];
 
     peak.Position = BoxSingle(form.positionText);
@@ -232,6 +257,7 @@ void ApplyPeakEditor(Project& project, PeakForm& form) {
     peak.FixFWHM = CheckValue(form.fixFWHM);
     peak.FixArea = CheckValue(form.fixArea);
     peak.FixGL = CheckValue(form.fixGL);
+    return Status::Ok();
 }
 
 bool MoveScrollBar(PeakForm& form, PeakParameter which, int position) {
@@ -267,13 +293,14 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
     }
 }
 
-void AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
-    ApplyAndRecompute(project, host, form);
+Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
+    if (Status st = ApplyAndRecompute(project, host, form); !st) return st;
     HideEditor(form);
+    return Status::Ok();
 }
 
-void RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
-    ApplyAndRecompute(project, host, form);
+Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
+    return ApplyAndRecompute(project, host, form);
 }
 
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form) {

@@ -5,8 +5,10 @@
 #include <array>
 #include <string>
 
+#include "base/status.h"
 #include "model/host.h"
 #include "model/records.h"
+#include "session/formnumber.h"
 #include "spectral/lineshape.h"
 
 namespace molvera {
@@ -41,6 +43,7 @@ struct PeakForm {
     std::string tailScaleText;   ///< "TS"
     std::string tailLengthText;  ///< "TL"
     std::string caption;
+    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
     bool visible = false;
     float positionBase = 0;  ///< BackgroundLowBE: the energy of positionBar's position 0
     float areaScale = 1;     ///< area of one step of areaBar
@@ -58,8 +61,12 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
 /// boxes; sets form.areaScale (the caller keeps it as the project's AreaScale).
 void FillPeakEditor(const Project& project, PeakForm& form, int slot);
 
-/// Reads the controls into CurrentPeak (TS and TL limited and written back).
-void ApplyPeakEditor(Project& project, PeakForm& form);
+/// The value box of a parameter, as a box that must hold a number.
+NumberBox PeakBox(const PeakForm& form, PeakParameter which);
+
+/// Reads the controls into CurrentPeak (TS and TL limited and written back). A box that
+/// holds no number is refused ("Position: 'abc' is not a number") and nothing is stored.
+Status ApplyPeakEditor(Project& project, PeakForm& form);
 
 /// Moves a scroll bar as the user does and rewrites its box; a position outside the
 /// bar's range is ignored (false).
@@ -68,10 +75,11 @@ bool MoveScrollBar(PeakForm& form, PeakParameter which, int position);
 /// A Fix check box changed: the flag goes into CurrentPeak at once.
 void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool checked);
 
-/// Accept: apply, relations, refill, envelope, redraw, hide.
-void AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
+/// Accept: apply, relations, refill, envelope, redraw, hide; a refusal of ApplyPeakEditor
+/// changes nothing and is returned for the caller to show.
+Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
 /// ReDraw: as Accept, but the editor stays open.
-void RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
+Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Cancel: the peak as it was when the editor opened; hide; envelope; redraw.
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Closing the window: as Cancel, with the quiet recompute that leaves the total alone.

@@ -67,23 +67,26 @@ void ScoreTypedValues(Project& project, Host& host, Peak& peak) {
 
 }  // namespace
 
-void OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakParameter which) {
+Status OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakParameter which) {
     Peak* peak = EditedPeak(project);
-    if (peak == nullptr) return;
+    if (peak == nullptr) return Status::Ok();
+    if (Status st = CheckNumberBoxes({PeakBox(form, which)}, form.invalidBox); !st) return st;
     ReadBox(*peak, form, which);
     ScoreTypedValues(project, host, *peak);
     OptimisePeakParameter(project, host, project.CurrentPeak, which);
     WriteBox(*peak, form, which);
+    return Status::Ok();
 }
 
-void OptimiseEditedPeak(Project& project, Host& host, PeakForm& form) {
+Status OptimiseEditedPeak(Project& project, Host& host, PeakForm& form) {
     Peak* peak = EditedPeak(project);
-    if (peak == nullptr) return;
-    ApplyPeakEditor(project, form);
+    if (peak == nullptr) return Status::Ok();
+    if (Status st = ApplyPeakEditor(project, form); !st) return st;
     ScoreTypedValues(project, host, *peak);
     OptimisePeak(project, host, project.CurrentPeak);
     for (const PeakParameter which : kPeakParameters) WriteBox(*peak, form, which);
     form.actualFWHM = ActualFWHMText(ActualFWHM(project, project.CurrentPeak));
+    return Status::Ok();
 }
 
 }  // namespace molvera

@@ -10,11 +10,13 @@ namespace molvera {
 
 /// A frame's Optimise button: that one box is read into CurrentPeak, the
 /// parameter is fitted (Newton when Method is 1, otherwise Search; %GL always by
-/// Search) and the result is written back into the box.
-void OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakParameter which);
+/// Search) and the result is written back into the box. A box that holds no number is
+/// refused and nothing is done.
+Status OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, PeakParameter which);
 
 /// "Optimise Peak": the whole editor is applied, all parameters of CurrentPeak are
-/// fitted by the chosen method, the four value boxes and the actual FWHM are refreshed.
-void OptimiseEditedPeak(Project& project, Host& host, PeakForm& form);
+/// fitted by the chosen method, the four value boxes and the actual FWHM are refreshed;
+/// a refusal of ApplyPeakEditor changes nothing.
+Status OptimiseEditedPeak(Project& project, Host& host, PeakForm& form);
 
 }  // namespace molvera

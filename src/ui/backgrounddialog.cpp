@@ -44,7 +44,7 @@ BackgroundDialog::BackgroundDialog(Project& project, QtHost& host, QWidget* pare
     backgroundType_ = Choice("backgroundType", {QStringLiteral("Shirley"), QStringLiteral("Linear"),
                                                 QStringLiteral("Tougaard")});
     choices->addRow(QStringLiteral("No. of Ave. Pts at end-points"), averagePoints_);
-    choices->addRow(QStringLiteral("Backgound Type"), backgroundType_);
+    choices->addRow(QStringLiteral("Background Type"), backgroundType_);
 
     auto* shirley = new QGroupBox(QStringLiteral("Shirley+Linear (0 for Shir.)"), this);
     auto* shirleyRow = new QHBoxLayout(shirley);
@@ -138,6 +138,8 @@ void BackgroundDialog::ReadForm() {
 
 void BackgroundDialog::Open() {
     ShowBackgroundDialog(project_, form_);
+    form_.invalidBox.clear();
+    MarkInvalidBox(*this, form_.invalidBox);
     ShowForm();
 }
 
@@ -160,7 +162,17 @@ void BackgroundDialog::Run(void (*handler)(Project&, SessionHost&, BackgroundFor
     ShowForm();
 }
 
+bool BackgroundDialog::NumbersChecked() {
+    ReadForm();
+    const Status st = CheckBackgroundNumbers(form_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!st) host_.Show(st);
+    return st.ok();
+}
+
 void BackgroundDialog::AcceptClicked() {
+    if (!NumbersChecked()) return;
+    // Its other refusals beep.
     Run([](Project& p, SessionHost& h, BackgroundForm& f) { (void)AcceptBackground(p, h, f); });
 }
 
@@ -170,10 +182,13 @@ void BackgroundDialog::CloseClicked() {
 }
 
 void BackgroundDialog::ShirleySlopeSearchClicked() {
+    if (!NumbersChecked()) return;
     Run([](Project& p, SessionHost& h, BackgroundForm& f) { OptimiseShirleySlope(p, h, f); });
 }
 
-void BackgroundDialog::TougaardB1SearchClicked() { Run(&OptimiseTougaardBackground); }
+void BackgroundDialog::TougaardB1SearchClicked() {
+    if (NumbersChecked()) Run(&OptimiseTougaardBackground);
+}
 
 void BackgroundDialog::closeEvent(QCloseEvent* event) {
     // Closing the window is the Close button: hidden, not destroyed.

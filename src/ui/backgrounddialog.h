@@ -46,6 +46,8 @@ protected:
 private:
     QLineEdit* Box(const char* name);
     QComboBox* Choice(const char* name, const QStringList& items);
+    /// Reads the form; a box that holds no number is marked and its refusal shown (false).
+    bool NumbersChecked();
     /// Runs one button's logic on the form read from the controls, then shows the form.
     void Run(void (*handler)(Project&, SessionHost&, BackgroundForm&));
 

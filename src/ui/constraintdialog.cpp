@@ -107,6 +107,8 @@ void ConstraintDialog::ReadForm() {
 
 void ConstraintDialog::Open(PeakParameter kind) {
     OpenConstraint(project_, form_, kind);
+    form_.invalidBox.clear();
+    MarkInvalidBox(*this, form_.invalidBox);
     ShowForm();
 }
 
@@ -118,6 +120,7 @@ void ConstraintDialog::HideDialog() {
 void ConstraintDialog::OkClicked() {
     ReadForm();
     const Status st = AcceptConstraint(project_, form_);
+    MarkInvalidBox(*this, form_.invalidBox);
     // The dialog keeps the user's entries after a refusal.
     if (!st) {
         host_.Show(st);

@@ -21,7 +21,8 @@
 
 namespace molvera::ui {
 namespace {
-constexpr const char* kProjectTitle = "Open file";
+constexpr const char* kOpenProjectTitle = "Open file";
+constexpr const char* kSaveProjectTitle = "Save file";
 constexpr const char* kProjectFilter = "Data Files (*.xps) |*.xps|";
 
 QPushButton* Button(const QString& caption, const char* name, QWidget* parent) {
@@ -150,14 +151,17 @@ void MainWindow::PeakButtonClicked(int i) {
 }
 
 void MainWindow::OpenProjectCommand() {
-    const std::string path = files_.Open(kProjectTitle, kProjectFilter);
+    const std::string path = files_.Open(kOpenProjectTitle, kProjectFilter);
     if (path.empty()) return;
+    if (Status st = LoadProject(project_, host_, path); !st) {
+        host_.Show(st);
+        return;
+    }
     project_.FileName = path;
-    if (Status st = LoadProject(project_, host_, path); !st) host_.Show(st);
 }
 
 void MainWindow::SaveProjectCommand() {
-    const std::string path = files_.Save(kProjectTitle, kProjectFilter, "xps");
+    const std::string path = files_.Save(kSaveProjectTitle, kProjectFilter, "xps");
     if (path.empty()) return;
     project_.FileName = path;
     if (Status st = SaveProject(project_, path); !st) {

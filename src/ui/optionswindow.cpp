@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -58,11 +59,14 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     bottom->addStretch();
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
     ok->setObjectName(QStringLiteral("okButton"));
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
+    cancel->setObjectName(QStringLiteral("cancelButton"));
     auto* load = new QPushButton(QStringLiteral("Load Parameters"), this);
     load->setObjectName(QStringLiteral("loadParametersButton"));
     auto* save = new QPushButton(QStringLiteral("Save Parameters"), this);
     save->setObjectName(QStringLiteral("saveParametersButton"));
     bottom->addWidget(ok);
+    bottom->addWidget(cancel);
     bottom->addWidget(load);
     bottom->addWidget(save);
 
@@ -79,6 +83,7 @@ OptionsWindow::OptionsWindow(OptionsForm& form, FitOptions& options, QtHost& hos
     connect(glProduct_, &QRadioButton::clicked, this,
             [this] { RunHandler(&ApplyGLProductChoice); });
     connect(ok, &QPushButton::clicked, this, &OptionsWindow::OkClicked);
+    connect(cancel, &QPushButton::clicked, this, &OptionsWindow::CancelClicked);
     connect(load, &QPushButton::clicked, this, &OptionsWindow::LoadParametersClicked);
     connect(save, &QPushButton::clicked, this, &OptionsWindow::SaveParametersClicked);
 }
@@ -222,7 +227,10 @@ void OptionsWindow::ShowForm() {
 }
 
 void OptionsWindow::Open() {
+    opened_ = options_;
     FillOptionsDialog(options_, form_);
+    form_.invalidBox.clear();
+    MarkInvalidBox(*this, form_.invalidBox);
     ShowForm();
 }
 
@@ -234,8 +242,24 @@ void OptionsWindow::RunHandler(void (*handler)(OptionsForm&, FitOptions&)) {
 
 void OptionsWindow::OkClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
+    const Status st = ApplyOptionsDialog(form_, options_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!st) host_.Show(st);
     ShowForm();
+}
+
+void OptionsWindow::CancelClicked() {
+    CancelOptionsDialog(form_, options_, opened_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    ShowForm();
+}
+
+void OptionsWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        CancelClicked();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void OptionsWindow::LoadParametersClicked() {
@@ -252,8 +276,11 @@ void OptionsWindow::LoadParametersClicked() {
 
 void OptionsWindow::SaveParametersClicked() {
     ReadForm();
-    if (Status st = ApplyOptionsDialog(form_, options_); !st) host_.Show(st);
+    const Status st = ApplyOptionsDialog(form_, options_);
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!st) host_.Show(st);
     ShowForm();
+    if (!form_.invalidBox.empty()) return;  // a box holds no number: nothing to save
     const std::string path = files_.Save("Save Parameters", kOptionFilter, "opa");
     if (path.empty()) return;
     if (Status st = WriteOptionFile(options_, path); !st) host_.Show(st);

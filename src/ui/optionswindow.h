@@ -33,11 +33,17 @@ public:
     void ReadForm();
 
     void OkClicked();
+    /// Cancel and Esc: CancelOptionsDialog back to the options as opened.
+    void CancelClicked();
     void LoadParametersClicked();
     void SaveParametersClicked();
 
     /// Enables or disables the peak editor's asymmetry frame (set by the peak editor).
     std::function<void(bool)> setAsymmetryFrameEnabled;
+
+protected:
+    /// Esc is Cancel.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QGroupBox* SearchFrame();
@@ -52,6 +58,7 @@ private:
 
     OptionsForm& form_;
     FitOptions& options_;
+    FitOptions opened_;  // as they were when the dialog was opened
     QtHost& host_;
     FileDialog& files_;
     QRadioButton* useSearch_ = nullptr;

@@ -186,6 +186,8 @@ bool PeakEditor::Open(int buttonIndex) {
     if (!OpenPeakEditor(project_, host_, form_, buttonIndex)) return false;
     SetAsymmetryEnabled(project_.Options.GLSum != 0);
     ShowForm();
+    form_.invalidBox.clear();
+    Report(Status::Ok());
     return true;
 }
 
@@ -213,16 +215,23 @@ void PeakEditor::FixToggled(ParameterRow& row, bool checked) {
     SetFixCheck(project_, form_, row.which, checked);
 }
 
+void PeakEditor::Report(const Status& status) {
+    MarkInvalidBox(*this, form_.invalidBox);
+    if (!status) host_.Show(status);
+}
+
 void PeakEditor::AcceptClicked() {
     ReadForm();
-    AcceptPeakEditor(project_, host_, form_);
+    const Status st = AcceptPeakEditor(project_, host_, form_);
     ShowForm();
+    Report(st);
 }
 
 void PeakEditor::ReDrawClicked() {
     ReadForm();
-    RedrawPeakEditor(project_, host_, form_);
+    const Status st = RedrawPeakEditor(project_, host_, form_);
     ShowForm();
+    Report(st);
 }
 
 void PeakEditor::CancelClicked() {
@@ -237,14 +246,16 @@ void PeakEditor::DeleteClicked() {
 
 void PeakEditor::OptimiseClicked(PeakParameter which) {
     ReadForm();
-    OptimiseEditedParameter(project_, host_, form_, which);
+    const Status st = OptimiseEditedParameter(project_, host_, form_, which);
     ShowForm();
+    Report(st);
 }
 
 void PeakEditor::OptimisePeakClicked() {
     ReadForm();
-    OptimiseEditedPeak(project_, host_, form_);
+    const Status st = OptimiseEditedPeak(project_, host_, form_);
     ShowForm();
+    Report(st);
 }
 
 void PeakEditor::ConstraintsClicked(PeakParameter kind) { constraints_.Open(kind); }

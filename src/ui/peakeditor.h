@@ -74,6 +74,8 @@ private:
     void BarMoved(ParameterRow& row, int position);
     void FixToggled(ParameterRow& row, bool checked);
     void SyncHighlight();
+    /// Marks the box the last check refused (or none) and shows a refusal.
+    void Report(const Status& status);
 
     Project& project_;
     QtHost& host_;

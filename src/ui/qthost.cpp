@@ -24,9 +24,20 @@ void QtHost::Attach(MainWindow* main, RegionWindow* region, FittingWindow* fitti
     fitting_ = fitting;
 }
 
-void QtHost::Show(const Status& status) { sink_.Message(QString::fromStdString(status.Text())); }
+void QtHost::Show(const Status& status) {
+    sink_.Message(QString::fromStdString(status.Text()), !status.ok());
+}
 
-void QtHost::Show(const std::string& text) { sink_.Message(QString::fromStdString(text)); }
+void QtHost::Show(const std::string& text) { sink_.Message(QString::fromStdString(text), false); }
+
+void QtHost::ShowError(const std::string& text) {
+    sink_.Message(QString::fromStdString(text), true);
+}
+
+void QtHost::ShowOutcome(const Status& outcome, const std::string& done,
+                         const std::string& failed) {
+    sink_.Message(QString::fromStdString(outcome ? done : failed), !outcome);
+}
 
 bool QtHost::AskYesNo(const std::string& title, const std::string& text) {
     return sink_.AskYesNo(QString::fromStdString(title), QString::fromStdString(text));

@@ -26,10 +26,15 @@ public:
     /// The windows the host acts on; any of them may be null.
     void Attach(MainWindow* main, RegionWindow* region, FittingWindow* fitting);
 
-    /// A message box with a status's message and, as a second line, its detail.
+    /// A message box with a status's message and, as a second line, its detail; a refusal
+    /// shows as an error.
     void Show(const Status& status);
-    /// A message box with a fixed text.
+    /// A message box with a fixed text that reports no error.
     void Show(const std::string& text);
+    /// A message box with a fixed text that reports an error.
+    void ShowError(const std::string& text);
+    /// `done` when `outcome` is ok, otherwise the error `failed`.
+    void ShowOutcome(const Status& outcome, const std::string& done, const std::string& failed);
 
     bool AskYesNo(const std::string& title, const std::string& text) override;
     void Beep() override;

@@ -30,7 +30,7 @@ bool RegionWindow::SaveDialog(std::string_view title, std::string_view filter,
                               const char* extension, std::string& path) {
     path = files_.Save(title, filter, extension);
     if (path.empty()) {
-        host_.Show(msg::kErrorSavingFile);
+        host_.ShowError(msg::kErrorSavingFile);
         return false;
     }
     project_.FileName = path;
@@ -43,7 +43,8 @@ void RegionWindow::ExportSpectrumCommand() {
     if (!SaveDialog("Export Spectral and Fitted data in Ascii format", "Data Files (*.dat) |*.dat|",
                     "dat", path))
         return;
-    host_.Show(ExportSpectrum(project_, path) ? msg::kDataFileExported : msg::kErrorSavingFile);
+    host_.ShowOutcome(ExportSpectrum(project_, path), msg::kDataFileExported,
+                      msg::kErrorSavingFile);
 }
 
 void RegionWindow::ExportPeakParametersCommand() {
@@ -51,15 +52,15 @@ void RegionWindow::ExportPeakParametersCommand() {
     if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return;
     std::string path;
     if (!SaveDialog("Export peak parameters", "Data Files (*.par) |*.par|", "par", path)) return;
-    host_.Show(ExportPeakParameters(project_, path) ? msg::kDataFileExported
-                                                    : msg::kErrorSavingFile);
+    host_.ShowOutcome(ExportPeakParameters(project_, path), msg::kDataFileExported,
+                      msg::kErrorSavingFile);
 }
 
 void RegionWindow::LoadRegionParametersCommand() {
     const std::string path =
         files_.Open("Load Region Parameters", "Region Parameter Files (*.rpa) |*.rpa|");
     if (path.empty()) {
-        host_.Show(msg::kErrorReadingFile);
+        host_.ShowError(msg::kErrorReadingFile);
         return;
     }
     project_.FileName = path;
@@ -72,8 +73,8 @@ void RegionWindow::SaveRegionParametersCommand() {
     if (!SaveDialog("Save region parameters", "Region Parameter Files (*.rpa) |*.rpa|", "rpa",
                     path))
         return;
-    host_.Show(SaveRegionParameters(project_, path) ? msg::kParameterFileSaved
-                                                    : msg::kErrorSavingFile);
+    host_.ShowOutcome(SaveRegionParameters(project_, path), msg::kParameterFileSaved,
+                      msg::kErrorSavingFile);
 }
 
 void RegionWindow::ExportClipboardCommand() {
@@ -90,10 +91,10 @@ void RegionWindow::PrintCommand(bool withPeakTable) {
                                         : QStringLiteral("Print Spectrum"));
     if (dialog.exec() != QDialog::Accepted) return;
     if (!PrinterAvailable(printer)) {
-        host_.Show(msg::kNoPrinter);
+        host_.ShowError(msg::kNoPrinter);
         return;
     }
-    if (!PrintRegion(project_, printer, withPeakTable)) host_.Show(msg::kPrintingFailed);
+    if (!PrintRegion(project_, printer, withPeakTable)) host_.ShowError(msg::kPrintingFailed);
 }
 
 void RegionWindow::BackgroundCommand() {

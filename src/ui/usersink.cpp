@@ -5,8 +5,12 @@
 
 namespace molvera::ui {
 
-void DialogSink::Message(const QString& text) {
-    QMessageBox::information(QApplication::activeWindow(), QStringLiteral("Molvera"), text);
+void DialogSink::Message(const QString& text, bool error) {
+    if (error) {
+        QMessageBox::critical(QApplication::activeWindow(), QStringLiteral("Molvera"), text);
+    } else {
+        QMessageBox::information(QApplication::activeWindow(), QStringLiteral("Molvera"), text);
+    }
 }
 
 bool DialogSink::AskYesNo(const QString& title, const QString& text) {

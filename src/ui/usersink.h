@@ -12,8 +12,9 @@ namespace molvera::ui {
 class UserSink {
 public:
     virtual ~UserSink() = default;
-    /// A modal message box with an OK button.
-    virtual void Message(const QString& text) = 0;
+    /// A modal message box with an OK button; `error`: with the error icon, otherwise the
+    /// information icon.
+    virtual void Message(const QString& text, bool error) = 0;
     /// A modal Yes/No question; true for Yes.
     virtual bool AskYesNo(const QString& title, const QString& text) = 0;
     /// The system beep.
@@ -23,7 +24,7 @@ public:
 /// QMessageBox and QApplication::beep.
 class DialogSink : public UserSink {
 public:
-    void Message(const QString& text) override;
+    void Message(const QString& text, bool error) override;
     bool AskYesNo(const QString& title, const QString& text) override;
     void Beep() override;
 };

@@ -16,6 +16,28 @@ QString FromLatin1(const std::string& latin1) {
 
 std::string ToLatin1(const QString& text) { return text.toLatin1().toStdString(); }
 
+namespace {
+
+void SetInvalid(QLineEdit* box, bool invalid) {
+    if (box->property("invalid").toBool() == invalid) return;
+    box->setProperty("invalid", invalid);
+    box->setStyleSheet(invalid ? QStringLiteral("QLineEdit { border: 2px solid red; }")
+                               : QString());
+}
+
+}  // namespace
+
+void MarkInvalidBox(QWidget& window, const std::string& field) {
+    for (QLineEdit* box : window.findChildren<QLineEdit*>()) {
+        const bool invalid = !field.empty() && box->objectName() == QString::fromStdString(field);
+        SetInvalid(box, invalid);
+        if (invalid)
+            QObject::connect(
+                box, &QLineEdit::textEdited, box, [box] { SetInvalid(box, false); },
+                Qt::SingleShotConnection);
+    }
+}
+
 QLineEdit* NamedBox(QWidget* parent, const QString& name, int width) {
     auto* box = new QLineEdit(parent);
     box->setObjectName(name);

@@ -31,6 +31,9 @@ QLineEdit* NamedBox(QWidget* parent, const QString& name, int width);
 void SetBoxText(QLineEdit* box, const std::string& text);
 /// A button with an object name; Enter in a text box does not press it.
 QPushButton* NamedButton(QWidget* parent, const QString& caption, const QString& name);
+/// Marks the text box of `window` whose object name is `field` with a red frame (its
+/// "invalid" property set) and unmarks the others; the mark goes when the box is edited.
+void MarkInvalidBox(QWidget& window, const std::string& field);
 /// Shows and raises `window`, or hides it.
 void ShowOrHide(QWidget& window, bool visible);
 

@@ -14,7 +14,7 @@
 namespace molvera {
 namespace {
 
-// Region 2 holds 11 points 290..280 eV, 1 eV apart, without a background.
+// Region 2 (the third) holds 11 points 290..280 eV, 1 eV apart, without a background.
 class BackgroundFormTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -47,7 +47,7 @@ protected:
 TEST_F(BackgroundFormTest, RefusalsCorrectTheirBoxAndStoreNothing) {
     EXPECT_EQ(std::tuple(form.visible, form.caption, form.lowBEText, form.highBEText,
                          form.averagePoints, form.backgroundType, form.areaText),
-              std::tuple(true, "Region 2", "280", "290", "None", "Shirley", "-----"));
+              std::tuple(true, "Region 3", "280", "290", "None", "Shirley", "-----"));
     struct Case {
         const char *low, *high, *average, *type;
         const char *lowAfter, *highAfter, *averageAfter, *typeAfter, *slopeAfter = "";
@@ -85,6 +85,23 @@ TEST_F(BackgroundFormTest, RefusalsCorrectTheirBoxAndStoreNothing) {
 }
 
 // Accepted settings are stored, and shown when the dialog opens again.
+// A box that holds no number is refused by name, without a beep, and nothing is stored;
+// the slope box of a Tougaard background is not read.
+TEST_F(BackgroundFormTest, BoxesWithoutANumberAreRefusedByName) {
+    const Region before = project.Regions[2];
+    test::RecordingHost host;
+    form.lowBEText = "x280";
+    EXPECT_EQ(AcceptBackground(project, host, form).message(), "Low BE: 'x280' is not a number");
+    form.lowBEText = "280";
+    form.shirleySlopeText = "1e999";
+    EXPECT_EQ(AcceptBackground(project, host, form).message(), "Slope: '1e999' is not a number");
+    EXPECT_EQ(std::tuple(form.invalidBox, host.beeps), std::tuple("shirleySlopeText", 0));
+    EXPECT_EQ(project.Regions[2], before);
+    form.backgroundType = "Tougaard";
+    EXPECT_TRUE(AcceptBackground(project, host, form).ok());
+    EXPECT_EQ(form.invalidBox, "");
+}
+
 TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
     struct Case {
         const char *type, *average, *slope, *b1;
@@ -96,7 +113,7 @@ TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
         {"Shirley", "None", "", "3000", BackgroundKind::Shirley, 0, "0", "3000", "3000|0"},
         {"Shirley", "7", "0.5", "1", BackgroundKind::Shirley, 0.5f, "0.5", "1", "3000|0.5"},
         {"Tougaard", "None", "", "0", BackgroundKind::Tougaard, 3000, "0", "3000", "3000|"},
-        {"Tougaard", "5", "2", "abc", BackgroundKind::Tougaard, 3000, "2", "3000", "3000|"},
+        {"Tougaard", "5", "2", "", BackgroundKind::Tougaard, 3000, "2", "3000", "3000|"},
         {"Tougaard", "3", "2", "2500", BackgroundKind::Tougaard, 2500, "2", "2500", "2500|"},
         {"Linear", "9", "4", "3000", BackgroundKind::Linear, 7.5f, "4", "3000", "3000|"},
     };

@@ -34,7 +34,7 @@ OptionsForm ValidForm() {
 
 TEST(OptionsDialog, FillShowsTolerancePerCentMethodTwoAsLevenbergMarquardtOtherNonZeroAsNewton) {
     FitOptions o;
-    o.Tolerance = 0.0001f;  // times 100 as a Single, then up to 14 decimals
+    o.Tolerance = 0.0001f;  // in per cent, as typed
     for (float method : {1.0f, 2.0f, 2.5f, 3.0f, -1.0f}) {
         SCOPED_TRACE(method);
         o.Method = method;
@@ -44,7 +44,16 @@ TEST(OptionsDialog, FillShowsTolerancePerCentMethodTwoAsLevenbergMarquardtOtherN
         EXPECT_EQ(f.useLevenbergMarquardt, method == 2.0f);
         EXPECT_EQ(f.useNewton, method != 2.0f);
         EXPECT_TRUE(f.visible);
-        EXPECT_EQ(f.toleranceText, "0.00999999977648");
+        EXPECT_EQ(f.toleranceText, "0.01");
+    }
+    // OK without typing stores the tolerance shown as it was.
+    o.SearchTrials = o.NewtonTrials = 10;
+    for (float tolerance : {1e-5f, 0.00123456789f, 0.5f, 3e-9f}) {
+        o.Tolerance = tolerance;
+        OptionsForm f;
+        FillOptionsDialog(o, f);
+        ASSERT_TRUE(ApplyOptionsDialog(f, o).ok());
+        EXPECT_EQ(o.Tolerance, tolerance) << f.toleranceText;
     }
 }
 
@@ -74,15 +83,15 @@ TEST(OptionsDialog, TrialsAndToleranceInOrder) {
     struct Case {
         Box box;
         const char* text;
-        float stored;  ///< -1: refused
+        float stored;  ///< -1: refused by its range; -2: as no number, nothing stored
     };
     const Case cases[] = {
         {search, "200", 200},       {search, "1", 1},           {search, "2.5", 2},
-        {search, "3.5", 4},         {search, "7 trials", 7},    {search, "201", -1},
-        {search, "0.5", -1},        {search, "-3", -1},         {search, "", -1},
-        {search, "40000", -1},      {search, "1e300", -1},      {newton, "200", 200},
+        {search, "3.5", 4},         {search, "7 trials", -2},   {search, "201", -1},
+        {search, "0.5", -1},        {search, "-3", -1},         {search, "", -2},
+        {search, "40000", -1},      {search, "1e300", -2},      {newton, "200", 200},
         {newton, "2.5", 2},         {newton, "201", -1},        {newton, "0.5", -1},
-        {tolerance, "0.01", 1e-4f}, {tolerance, "abc", 0},      {tolerance, "100", 1},
+        {tolerance, "0.01", 1e-4f}, {tolerance, "abc", -2},     {tolerance, "100", 1},
         {tolerance, "-0.5", -1},    {tolerance, "100.001", -1}, {tolerance, "1e5", -1},
     };
     for (const Case& c : cases) {
@@ -93,9 +102,16 @@ TEST(OptionsDialog, TrialsAndToleranceInOrder) {
         o.SearchTrials = o.NewtonTrials = 99;
         o.Tolerance = 7;
         const bool refused = c.stored < 0;
-        const char* refusal = c.box == search   ? msg::kSearchTrialsRange
-                              : c.box == newton ? msg::kNewtonTrialsRange
-                                                : msg::kToleranceRange;
+        const std::string refusal = c.box == search   ? msg::kSearchTrialsRange
+                                    : c.box == newton ? msg::kNewtonTrialsRange
+                                                      : msg::kToleranceRange;
+        if (c.stored == -2) {
+            EXPECT_TRUE(ApplyOptionsDialog(f, o).message().ends_with(": '" + std::string(c.text) +
+                                                                     "' is not a number"));
+            EXPECT_EQ(std::tuple(o.SearchTrials, o.NewtonTrials, o.Tolerance),
+                      std::tuple(99, 99, 7.0f));
+            continue;
+        }
         EXPECT_EQ(ApplyOptionsDialog(f, o).message(), refused ? refusal : "");
         EXPECT_EQ(f.visible, refused);
         const auto expected = [&](Box box, float old, float valid, bool reached) {
@@ -137,12 +153,19 @@ TEST(OptionsDialog, MessagesFollowRowAndLevelOrder) {
     // Level 1 is checked whole before level 2: a bad level-2 position range comes
     // after every row of level 1 has been stored.
     OptionsForm f = ValidForm();
-    f.positionRangeText[1] = "x";
+    f.positionRangeText[1] = "0";
     f.fwhmDeltaText[1] = "0";
     FitOptions o;
     EXPECT_EQ(ApplyOptionsDialog(f, o).message(), "Range value for Position of level 2 must be >0");
     EXPECT_EQ(o.FWHMNewton[0].Delta, 1.0f);
     EXPECT_EQ(o.FWHMNewton[1].Use, kFalse);
+    // A box in use that holds no number is refused before anything is stored.
+    f.positionRangeText[1] = "x";
+    FitOptions untouched;
+    EXPECT_EQ(ApplyOptionsDialog(f, untouched).message(),
+              "Range value for Position of level 2: 'x' is not a number");
+    EXPECT_EQ(f.invalidBox, "positionRangeText1");
+    EXPECT_EQ(untouched, FitOptions());
 }
 
 TEST(OptionsDialog, ProposedNameAndAFailedLoadLeavesTheDialogAlone) {

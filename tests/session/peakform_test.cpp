@@ -81,19 +81,50 @@ TEST_F(PeakFormTest, ApplyLimitsTheBoxesAndKeepsTypedValues) {
         SCOPED_TRACE(c.typed);
         ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
         form.*c.box = c.typed;
-        ApplyPeakEditor(project, form);
+        ASSERT_TRUE(ApplyPeakEditor(project, form));
         EXPECT_EQ(peak().*c.field, c.stored);
         EXPECT_EQ(form.*c.box, c.shown);
     }
     // %GL is limited to 0..100 the same way; an unknown type text leaves the type alone.
     form.glText = "150";
     form.peakType = "p";
-    ApplyPeakEditor(project, form);
+    ASSERT_TRUE(ApplyPeakEditor(project, form));
     EXPECT_EQ(std::tuple(peak().PercentGL, form.glText, peak().PeakType),
               std::tuple(Int16{100}, "100", Subshell::P));
     form.peakType = "q";
-    ApplyPeakEditor(project, form);
+    ASSERT_TRUE(ApplyPeakEditor(project, form));
     EXPECT_EQ(peak().PeakType, Subshell::P);
+}
+
+// Text that is not all one number a Single holds is refused by the box's name, the box
+// is named for the window to mark, and nothing is stored; ReDraw refuses it too.
+TEST_F(PeakFormTest, BoxesWithoutANumberAreRefusedByNameAndStoreNothing) {
+    const std::tuple<std::string PeakForm::*, const char*, const char*> boxes[] = {
+        {&PeakForm::positionText, "Position", "positionText"},
+        {&PeakForm::fwhmText, "FWHM", "fwhmText"},
+        {&PeakForm::areaText, "Area", "areaText"},
+        {&PeakForm::glText, "%GL", "glText"},
+        {&PeakForm::splittingText, "S.O.S.", "splittingText"},
+        {&PeakForm::tailScaleText, "TS", "tailScaleText"},
+        {&PeakForm::tailLengthText, "TL", "tailLengthText"},
+    };
+    for (const auto& [box, name, field] : boxes) {
+        for (const std::string text : {"abc", "x1.2", "1.2x", "1e999", "nan", ""}) {
+            SCOPED_TRACE(std::string(name) + " " + text);
+            ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+            const Peak before = peak();
+            form.*box = text;
+            EXPECT_EQ(AcceptPeakEditor(project, host, form).message(),
+                      std::string(name) + ": '" + text + "' is not a number");
+            EXPECT_EQ(form.invalidBox, field);
+            EXPECT_FALSE(RedrawPeakEditor(project, host, form).ok());
+            EXPECT_TRUE(form.visible);
+            EXPECT_TRUE(peak() == before);
+        }
+    }
+    form.tailLengthText = " 12 ";  // blanks around a number are fine
+    EXPECT_TRUE(AcceptPeakEditor(project, host, form).ok());
+    EXPECT_EQ(std::pair(peak().TailLength, form.invalidBox), std::pair(12.0f, std::string()));
 }
 
 TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
@@ -104,7 +135,7 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     form.positionText = "284";
     form.areaText = "400";
     form.glText = "42.5";  // halves to even
-    AcceptPeakEditor(project, host, form);
+    ASSERT_TRUE(AcceptPeakEditor(project, host, form));
     const Peak& p = peak();
     EXPECT_EQ(std::tuple(form.visible, p.Area, p.PercentGL), std::tuple(false, 400.0f, Int16{42}));
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
@@ -116,7 +147,7 @@ TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
     for (auto leave : {&CancelPeakEditor, &ClosePeakEditor}) {
         ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
         form.areaText = "12345";
-        RedrawPeakEditor(project, host, form);
+        ASSERT_TRUE(RedrawPeakEditor(project, host, form));
         EXPECT_TRUE(form.visible);
         EXPECT_EQ(peak().Area, 12345.0f);
         leave(project, host, form);

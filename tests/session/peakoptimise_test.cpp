@@ -52,7 +52,7 @@ TEST_F(PeakOptimiseTest, SearchStaysOnTheGridNewtonOnlyWhenMethodIsExactlyOne) {
         project.Options.Method = method;
         form.positionText = "284.9";
         form.areaText = "1";  // not read when only the position is optimised
-        OptimiseEditedParameter(project, host, form, PeakParameter::Position);
+        ASSERT_TRUE(OptimiseEditedParameter(project, host, form, PeakParameter::Position));
         EXPECT_NEAR(peak().Position, 285.037, grid ? 0.0051 : 0.002);
         EXPECT_EQ(OffGrid(peak().Position, 284.9, 0.01) < 1e-3, grid);
         EXPECT_EQ(form.positionText, FormatGeneral(peak().Position));
@@ -62,7 +62,7 @@ TEST_F(PeakOptimiseTest, SearchStaysOnTheGridNewtonOnlyWhenMethodIsExactlyOne) {
     // %GL is searched even when Newton is chosen.
     project.Options.Method = 1;
     form.glText = "80";
-    OptimiseEditedParameter(project, host, form, PeakParameter::GL);
+    ASSERT_TRUE(OptimiseEditedParameter(project, host, form, PeakParameter::GL));
     EXPECT_EQ(peak().PercentGL, 30);
     EXPECT_EQ(form.glText, "30");
 }

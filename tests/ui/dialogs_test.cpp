@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QScrollBar>
 #include <QTimer>
+#include <QtTest/QTest>
 
 #include "base/numtext.h"
 #include "spectral/background.h"
@@ -43,6 +44,10 @@ protected:
 
 TEST_F(BackgroundDialogTest, ControlsReachTheRegionAndTheAreaComesBack) {
     EXPECT_EQ(Box("highBEText"), FormatGeneral(reg().MaxBE));
+    EXPECT_EQ(dialog().windowTitle(), "Region 4");
+    std::set<QString> labels;
+    for (const QLabel* label : dialog().findChildren<QLabel*>()) labels.insert(label->text());
+    EXPECT_TRUE(labels.contains(QStringLiteral("Background Type")));
     Type(dialog(), "lowBEText", "270");
     Type(dialog(), "highBEText", "295.5");
     Combo("averagePoints")->setCurrentText("5");
@@ -70,6 +75,16 @@ TEST_F(BackgroundDialogTest, ControlsReachTheRegionAndTheAreaComesBack) {
     EXPECT_EQ(r.BackgroundParameter, 0.5f);
     Click(dialog(), "closeButton");
     EXPECT_FALSE(dialog().isVisible());
+}
+
+TEST_F(BackgroundDialogTest, OptimiseRefusesABoxWithoutANumberAndStoresNothing) {
+    Combo("backgroundType")->setCurrentText("Tougaard");
+    Type(dialog(), "tougaardB1Text", "abc");
+    const Region before = reg();
+    Click(dialog(), "tougaardB1SearchButton");
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"B1: 'abc' is not a number"});
+    EXPECT_TRUE(reg() == before);
+    EXPECT_TRUE(Child<QLineEdit>(dialog(), "tougaardB1Text")->property("invalid").toBool());
 }
 
 // While the B1 search runs: hourglass, no window takes input, the box shows the trials.
@@ -134,6 +149,23 @@ TEST_F(GuiTest, OptionsWindowReachesTheOptions) {
     EXPECT_EQ(chooser.requests.back().name, "");  // the dialog's name is emptied first
     EXPECT_EQ(std::tuple(o.NewtonTrials, Text(w, "newtonTrialsText")), std::tuple(Int16{7}, "7"));
     EXPECT_EQ(sink.messages.size(), 1u);
+}
+
+// The tolerance shows as typed; Cancel and Esc give back the options as opened, though
+// the method and line-shape buttons acted at once.
+TEST_F(GuiTest, OptionsCancelAndEscapeRestoreTheOptionsAsOpened) {
+    const FitOptions opened = project().Options;
+    ui::OptionsWindow& w = gui->optionsWindow();
+    Click(main(), "optionsButton");
+    EXPECT_EQ(Text(w, "toleranceText"), "0.001");  // default.opa's 1E-05
+    Child<QAbstractButton>(w, "useSearch")->click();
+    Type(w, "newtonTrialsText", "9");
+    Click(w, "cancelButton");
+    EXPECT_TRUE(project().Options == opened && !w.isVisible());
+    Click(main(), "optionsButton");
+    Child<QAbstractButton>(w, "glSum")->click();
+    QTest::keyClick(Child<QLineEdit>(w, "newtonTrialsText"), Qt::Key_Escape);
+    EXPECT_TRUE(project().Options == opened && !w.isVisible());
 }
 
 TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
@@ -210,6 +242,29 @@ TEST_F(PeakEditorTest, ControlsReachThePeak) {
         Child<QCheckBox>(editor(), fix)->setChecked(true);
         EXPECT_TRUE(IsSet(peak().*flag)) << fix;
     }
+}
+
+// A box without a number: an error naming it, the box framed until it is edited, and
+// nothing stored; the other dialogs mark their boxes the same way.
+TEST_F(PeakEditorTest, ABoxWithoutANumberIsRefusedAndMarked) {
+    const Peak before = peak();
+    Type(editor(), "positionText", "abc");
+    Click(editor(), "acceptButton");
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"Position: 'abc' is not a number"});
+    EXPECT_EQ(sink.errors, 1);
+    EXPECT_TRUE(peak() == before && editor().isVisible());
+    auto* box = Child<QLineEdit>(editor(), "positionText");
+    EXPECT_TRUE(box->property("invalid").toBool());
+    EXPECT_FALSE(Child<QLineEdit>(editor(), "fwhmText")->property("invalid").toBool());
+    QTest::keyClicks(box, "1");
+    EXPECT_FALSE(box->property("invalid").toBool());
+
+    Click(main(), "optionsButton");
+    ui::OptionsWindow& options = gui->optionsWindow();
+    Type(options, "toleranceText", "zz");
+    Click(options, "okButton");
+    EXPECT_EQ(sink.messages.back(), "% Tolerance: 'zz' is not a number");
+    EXPECT_TRUE(Child<QLineEdit>(options, "toleranceText")->property("invalid").toBool());
 }
 
 TEST_F(PeakEditorTest, CancelAndTheTitleBarXRestoreThePeakAsOpened) {

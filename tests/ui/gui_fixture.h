@@ -49,7 +49,11 @@ public:
     std::vector<std::string> questions;
     std::deque<bool> answers;
     int beeps = 0;
-    void Message(const QString& text) override { messages.push_back(text.toStdString()); }
+    int errors = 0;  ///< messages shown as errors
+    void Message(const QString& text, bool error) override {
+        messages.push_back(text.toStdString());
+        errors += error ? 1 : 0;
+    }
     bool AskYesNo(const QString& title, const QString& text) override {
         questions.push_back(title.toStdString() + "|" + text.toStdString());
         const bool a = !answers.empty() && answers.front();

@@ -4,8 +4,11 @@
 #include <tuple>
 
 #include <QApplication>
+#include <QLabel>
 
 #include "base/messages.h"
+#include "fileio/projectfile.h"
+#include "support/files.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
@@ -60,6 +63,24 @@ TEST_F(GuiTest, ExportsNeedDataOrABackgroundProposeNamesAndReport) {
     EXPECT_EQ(sink.messages.back(), msg::kParameterFileSaved);
     Menu("loadRegionParametersAction");  // cancelled
     EXPECT_EQ(sink.messages.back(), msg::kErrorReadingFile);
+}
+
+TEST_F(GuiTest, AFailedOpenChangesNothingAndShowsAnErrorNamingTheFile) {
+    const auto dir = ScratchDir();
+    const std::string wrong = (dir / "notes.xps").string();
+    WriteBytes(wrong, "not a project\n");
+    chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps",
+                     wrong};
+    Click(main(), "openProjectButton");
+    ASSERT_TRUE(sink.messages.empty());
+    const std::string bytes = ProjectFileBytes(project());
+    const QString total = main().TotalLabel()->text();
+    Click(main(), "openProjectButton");
+    EXPECT_EQ(ProjectFileBytes(project()), bytes);
+    EXPECT_EQ(main().TotalLabel()->text(), total);
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_TRUE(sink.messages[0].starts_with(std::string(msg::kWrongFileFormat) + "\nnotes.xps: "));
+    EXPECT_EQ(sink.errors, 1);
 }
 
 TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletesClearParametersDoesNotAsk) {

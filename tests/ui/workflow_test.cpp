@@ -105,6 +105,7 @@ TEST_F(GuiTest, WholeWorkflowOnARealSpectrumSurvivesSaveAndOpen) {
     Click(main(), "saveProjectButton");
     ASSERT_EQ(sink.messages.back(), msg::kFileSaved);
     EXPECT_TRUE(chooser.requests.back().save);
+    EXPECT_EQ(chooser.requests.back().title, "Save file");
     EXPECT_EQ(chooser.requests.back().name, (dir / "c1s.xps").string());
     Click(main(), "saveProjectButton");  // cancelled: nothing happens
     EXPECT_EQ(sink.messages.size(), 2u);
