@@ -113,10 +113,15 @@ Status ApplyAndRecompute(Project& project, Host& host, PeakForm& form) {
     return Status::Ok();
 }
 
-// Cancel and close: the peak as the editor found it.
-bool RestoreSavedPeak(Project& project, PeakForm& form) {
+// Cancel and close: the peak as the editor found it; a peak Add Peak has just made is
+// deleted (false: DeletePeak has recomputed the region).
+bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
     const int slot = project.CurrentPeak;
     if (!ValidSlot(slot)) return false;
+    if (form.addedPeak == slot) {
+        DeleteEditedPeak(project, host, form);
+        return false;
+    }
     project.Peaks[slot] = project.SavedPeaks[slot];
     HideEditor(form);
     return IsSet(project.Current().HasBackground);
@@ -144,6 +149,18 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
     project.AreaScale = form.areaScale;
     host.CurvesChanged();
     form.visible = true;
+    form.addedPeak = -1;
+    return true;
+}
+
+bool AddPeakAndEdit(Project& project, Host& host, PeakForm& form) {
+    const int slot = AddPeak(project, host);
+    if (slot < 0) return false;
+    // The new peak is the last of the current region's list.
+    if (!OpenPeakEditor(project, host, form,
+                        10 * project.CurrentRegion + project.Current().PeakCount - 1))
+        return false;
+    form.addedPeak = slot;
     return true;
 }
 
@@ -296,6 +313,7 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
 Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
     if (Status st = ApplyAndRecompute(project, host, form); !st) return st;
     HideEditor(form);
+    form.addedPeak = -1;
     return Status::Ok();
 }
 
@@ -304,18 +322,19 @@ Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
 }
 
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form) {
-    if (RestoreSavedPeak(project, form)) ComputeRegionEnvelope(project, host);
+    if (RestoreSavedPeak(project, host, form)) ComputeRegionEnvelope(project, host);
     host.CurvesChanged();
 }
 
 void ClosePeakEditor(Project& project, Host& host, PeakForm& form) {
-    if (RestoreSavedPeak(project, form)) ComputeRegionEnvelopeKeepingTotal(project, host);
+    if (RestoreSavedPeak(project, host, form)) ComputeRegionEnvelopeKeepingTotal(project, host);
     host.CurvesChanged();
 }
 
 void DeleteEditedPeak(Project& project, Host& host, PeakForm& form) {
     DeletePeak(project, host);
     form.visible = false;
+    form.addedPeak = -1;
 }
 
 }  // namespace molvera

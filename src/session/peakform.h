@@ -45,6 +45,7 @@ struct PeakForm {
     std::string caption;
     std::string invalidBox;  ///< field of the box last refused as no number; "" when none
     bool visible = false;
+    int addedPeak = -1;      ///< slot Add Peak made and opened, not yet accepted; -1 when none
     float positionBase = 0;  ///< BackgroundLowBE: the energy of positionBar's position 0
     float areaScale = 1;     ///< area of one step of areaBar
 };
@@ -56,6 +57,10 @@ std::string ActualFWHMText(const MeasuredWidth& w);
 /// that peak becomes CurrentPeak, is saved for Cancel, fills the form and is shown.
 /// False (nothing done) when the button lists no peak.
 bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonIndex);
+
+/// Add Peak, then the editor opened on the new peak; Cancel or closing the window
+/// removes that peak again until Accept keeps it. False when Add Peak refused.
+bool AddPeakAndEdit(Project& project, Host& host, PeakForm& form);
 
 /// Writes the values of peak `slot` into the controls, the scroll bars rewriting their
 /// boxes; sets form.areaScale (the caller keeps it as the project's AreaScale).
@@ -80,9 +85,11 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
 Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
 /// ReDraw: as Accept, but the editor stays open.
 Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
-/// Cancel: the peak as it was when the editor opened; hide; envelope; redraw.
+/// Cancel: the peak as it was when the editor opened, or none when Add Peak opened it;
+/// hide; envelope; redraw.
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form);
-/// Closing the window: as Cancel, with the quiet recompute that leaves the total alone.
+/// Closing the window: as Cancel, with the quiet recompute that leaves the total alone
+/// (a peak just added is removed as Delete Peak does).
 void ClosePeakEditor(Project& project, Host& host, PeakForm& form);
 /// Delete Peak: removes CurrentPeak from the project and hides the editor.
 void DeleteEditedPeak(Project& project, Host& host, PeakForm& form);

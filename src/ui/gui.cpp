@@ -39,10 +39,7 @@ void Gui::BuildDialogs() {
     region_->openRegionShift = [this] { shift_->Open(); };
     region_->openRegionCaption = [this] { caption_->Open(); };
     main_->openPeakEditor = [this](int buttonIndex) { peakEditor_->Open(buttonIndex); };
-    // Add Peak has just appended the new peak to the current region.
-    region_->openPeakEditor = [this] {
-        peakEditor_->Open(10 * project_->CurrentRegion + project_->Current().PeakCount - 1);
-    };
+    region_->addPeak = [this] { peakEditor_->AddAndOpen(); };
     options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
 
     host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };

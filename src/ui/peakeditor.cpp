@@ -184,11 +184,21 @@ void PeakEditor::SyncHighlight() {
 
 bool PeakEditor::Open(int buttonIndex) {
     if (!OpenPeakEditor(project_, host_, form_, buttonIndex)) return false;
+    Opened();
+    return true;
+}
+
+bool PeakEditor::AddAndOpen() {
+    if (!AddPeakAndEdit(project_, host_, form_)) return false;
+    Opened();
+    return true;
+}
+
+void PeakEditor::Opened() {
     SetAsymmetryEnabled(project_.Options.GLSum != 0);
     ShowForm();
     form_.invalidBox.clear();
     Report(Status::Ok());
-    return true;
 }
 
 void PeakEditor::HideEditor() {

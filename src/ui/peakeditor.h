@@ -33,6 +33,8 @@ public:
     /// OpenPeakEditor from main-window peak button `buttonIndex`: filled, shown, and its
     /// peak highlighted in the plot. False when the button lists no peak.
     bool Open(int buttonIndex);
+    /// Add Peak (AddPeakAndEdit), the editor opened on the new peak as Open does.
+    bool AddAndOpen();
     /// Hidden by the program (Accept, Delete Peak, a region change): the highlight goes.
     void HideEditor();
     /// The asymmetry frame follows the line shape: enabled only for the GL sum.
@@ -58,6 +60,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    /// After the form was opened on a peak: the controls shown, no box marked.
+    void Opened();
+
     /// One of the four frames: value box, scroll bar, Fix, Optimise, Constraints.
     struct ParameterRow {
         PeakParameter which;

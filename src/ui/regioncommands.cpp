@@ -103,10 +103,7 @@ void RegionWindow::BackgroundCommand() {
 }
 
 void RegionWindow::AddPeakCommand() {
-    const Region& region = project_.Current();
-    if (!IsSet(region.HasData) || !IsSet(region.HasBackground)) return;
-    if (AddPeak(project_, host_) < 0) return;
-    if (openPeakEditor) openPeakEditor();  // the peak editor comes next
+    if (addPeak) addPeak();  // the peak editor comes with the new peak
 }
 
 void RegionWindow::RegionCaptionCommand() {

@@ -57,7 +57,7 @@ public:
     /// Hooks for the windows of the next step (background dialog, peak editor, region
     /// shift and caption dialogs); until they are set these menu items do nothing.
     std::function<void()> openBackgroundDialog;
-    std::function<void()> openPeakEditor;
+    std::function<void()> addPeak;  ///< Add Peak and the peak editor on the new peak
     std::function<void()> openRegionCaption;
     std::function<void()> openRegionShift;
 

@@ -156,5 +156,25 @@ TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
     }
 }
 
+// Add Peak opens the editor on the new peak; leaving without Accept (ReDraw accepts
+// nothing) takes the peak away again, with the region's chi-square as before.
+TEST_F(PeakFormTest, CancelAndCloseRemoveAPeakAddPeakMadeUnlessAccepted) {
+    const float chi = project.Regions[1].ChiSquare;
+    for (auto leave : {&CancelPeakEditor, &ClosePeakEditor}) {
+        ASSERT_TRUE(AddPeakAndEdit(project, host, form));
+        const int slot = project.CurrentPeak;
+        ASSERT_TRUE(RedrawPeakEditor(project, host, form));
+        leave(project, host, form);
+        EXPECT_EQ(std::tuple(project.Regions[1].PeakCount, project.Peaks[slot].InUse,
+                             project.Regions[1].ChiSquare, form.visible),
+                  std::tuple(Int16{1}, kFalse, chi, false));
+    }
+    ASSERT_TRUE(AddPeakAndEdit(project, host, form));
+    ASSERT_TRUE(AcceptPeakEditor(project, host, form));
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 11));
+    CancelPeakEditor(project, host, form);
+    EXPECT_EQ(project.Regions[1].PeakCount, 2);
+}
+
 }  // namespace
 }  // namespace molvera
