@@ -211,6 +211,8 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     SetBarRange(form.glBar, 0, 100);
     SetBarFromPeak(form, PeakParameter::GL, true, peak.PercentGL);
 
+    for (const NumberBox& box : PeakBoxes(form)) form.shownText[box.field] = box.text;
+
     form.sigmaText = {};
     if (IsSet(region.HasData) && IsSet(region.HasBackground)) {
         const Uncertainties u = ComputeUncertainties(project, {r});
@@ -220,6 +222,16 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
             form.sigmaText[i] = SigmaText(sigmas.parameters[i]);
         }
     }
+}
+
+std::vector<NumberBox> PeakBoxes(const PeakForm& form) {
+    return {PeakBox(form, PeakParameter::Position),
+            PeakBox(form, PeakParameter::FWHM),
+            PeakBox(form, PeakParameter::Area),
+            PeakBox(form, PeakParameter::GL),
+            {"S.O.S.", "splittingText", form.splittingText},
+            {"TS", "tailScaleText", form.tailScaleText},
+            {"TL", "tailLengthText", form.tailLengthText}};
 }
 
 NumberBox PeakBox(const PeakForm& form, PeakParameter which) {
@@ -236,35 +248,43 @@ NumberBox PeakBox(const PeakForm& form, PeakParameter which) {
     return {"%GL", "glText", form.glText};
 }
 
+bool BoxTyped(const PeakForm& form, const NumberBox& box) {
+    const auto shown = form.shownText.find(box.field);
+    return shown == form.shownText.end() || shown->second != box.text;
+}
+
 Status ApplyPeakEditor(Project& project, PeakForm& form) {
     const int slot = project.CurrentPeak;
     if (!ValidSlot(slot)) return Status::Ok();
-    if (Status st = CheckNumberBoxes({PeakBox(form, PeakParameter::Position),
-                                      PeakBox(form, PeakParameter::FWHM),
-                                      PeakBox(form, PeakParameter::Area),
-                                      PeakBox(form, PeakParameter::GL),
-                                      {"S.O.S.", "splittingText", form.splittingText},
-                                      {"TS", "tailScaleText", form.tailScaleText},
-                                      {"TL", "tailLengthText", form.tailLengthText}},
-                                     form.invalidBox);
-        !st)
-        return st;
+    const std::vector<NumberBox> boxes = PeakBoxes(form);
+    std::vector<NumberBox> typed;
+    for (const NumberBox& box : boxes)
+        if (BoxTyped(form, box)) typed.push_back(box);
+    if (Status st = CheckNumberBoxes(typed, form.invalidBox); !st) return st;
     Peak& peak = project.Peaks[slot];
+    auto read = [&](std::size_t i, float& field) {
+        if (BoxTyped(form, boxes[i])) field = BoxSingle(boxes[i].text);
+    };
 
-    peak.Position = BoxSingle(form.positionText);
-    peak.FWHM = BoxSingle(form.fwhmText);
-    peak.Area = BoxSingle(form.areaText);
-    peak.Splitting = BoxSingle(form.splittingText);
+    read(0, peak.Position);
+    read(1, peak.FWHM);
+    read(2, peak.Area);
+    read(4, peak.Splitting);
     // %GL indexes the line-shape tables: it is kept inside 0..100 like TS and TL.
-    const double typedGL = RoundHalfEven(LeadingNumber(form.glText));
-    const double gl = std::clamp(typedGL, 0.0, 100.0);
-    peak.PercentGL = static_cast<Int16>(gl);
-    if (gl != typedGL) form.glText = std::to_string(peak.PercentGL);
-
-    peak.TailScale = std::clamp(BoxSingle(form.tailScaleText), 0.0f, 1.0f);
-    peak.TailLength = std::clamp(BoxSingle(form.tailLengthText), 0.01f, 200.0f);
-    form.tailScaleText = FormatGeneral(peak.TailScale);
-    form.tailLengthText = FormatGeneral(peak.TailLength);
+    if (BoxTyped(form, boxes[3])) {
+        const double typedGL = RoundHalfEven(LeadingNumber(form.glText));
+        const double gl = std::clamp(typedGL, 0.0, 100.0);
+        peak.PercentGL = static_cast<Int16>(gl);
+        if (gl != typedGL) form.glText = std::to_string(peak.PercentGL);
+    }
+    if (BoxTyped(form, boxes[5])) {
+        peak.TailScale = std::clamp(BoxSingle(form.tailScaleText), 0.0f, 1.0f);
+        form.tailScaleText = FormatGeneral(peak.TailScale);
+    }
+    if (BoxTyped(form, boxes[6])) {
+        peak.TailLength = std::clamp(BoxSingle(form.tailLengthText), 0.01f, 200.0f);
+        form.tailLengthText = FormatGeneral(peak.TailLength);
+    }
 
     if (const Subshell type = PeakTypeFromText(form.peakType); type != Subshell::None)
         peak.PeakType = type;

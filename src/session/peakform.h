@@ -3,7 +3,9 @@
 // a peak, reading them back, and its buttons.
 
 #include <array>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "base/status.h"
 #include "model/host.h"
@@ -44,6 +46,9 @@ struct PeakForm {
     std::string tailLengthText;  ///< "TL"
     std::string caption;
     std::string invalidBox;  ///< field of the box last refused as no number; "" when none
+    /// The number boxes' texts as the program last wrote them, by field ("positionText"):
+    /// Apply reads only boxes whose text differs, so a value shown rounded stays exact.
+    std::map<std::string, std::string> shownText;
     bool visible = false;
     int addedPeak = -1;      ///< slot Add Peak made and opened, not yet accepted; -1 when none
     float positionBase = 0;  ///< BackgroundLowBE: the energy of positionBar's position 0
@@ -69,8 +74,15 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot);
 /// The value box of a parameter, as a box that must hold a number.
 NumberBox PeakBox(const PeakForm& form, PeakParameter which);
 
-/// Reads the controls into CurrentPeak (TS and TL limited and written back). A box that
-/// holds no number is refused ("Position: 'abc' is not a number") and nothing is stored.
+/// Every number box: Position, FWHM, Area, %GL, S.O.S., TS, TL, in this order.
+std::vector<NumberBox> PeakBoxes(const PeakForm& form);
+
+/// True when the user changed the box's text since the program wrote it.
+bool BoxTyped(const PeakForm& form, const NumberBox& box);
+
+/// Reads the controls into CurrentPeak (TS and TL limited and written back); a number
+/// box is read only when the user changed its text. A changed box that holds no number
+/// is refused ("Position: 'abc' is not a number") and nothing is stored.
 Status ApplyPeakEditor(Project& project, PeakForm& form);
 
 /// Moves a scroll bar as the user does and rewrites its box; a position outside the

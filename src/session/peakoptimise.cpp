@@ -22,7 +22,8 @@ Peak* EditedPeak(Project& project) {
     return &peak;
 }
 
-// One box into the peak. %GL is a whole number kept inside 0..100, as in ApplyPeakEditor.
+// One box the user changed into the peak. %GL is a whole number kept inside 0..100, as in
+// ApplyPeakEditor.
 void ReadBox(Peak& peak, PeakForm& form, PeakParameter which) {
     switch (which) {
         case PeakParameter::Position:
@@ -56,6 +57,8 @@ void WriteBox(const Peak& peak, PeakForm& form, PeakParameter which) {
             form.glText = std::to_string(peak.PercentGL);
             break;
     }
+    const NumberBox box = PeakBox(form, which);
+    form.shownText[box.field] = box.text;  // the fitted value, not a typed one
 }
 
 // The optimisers start from the region's chi-square: score the values just typed, so
@@ -71,7 +74,7 @@ Status OptimiseEditedParameter(Project& project, Host& host, PeakForm& form, Pea
     Peak* peak = EditedPeak(project);
     if (peak == nullptr) return Status::Ok();
     if (Status st = CheckNumberBoxes({PeakBox(form, which)}, form.invalidBox); !st) return st;
-    ReadBox(*peak, form, which);
+    if (BoxTyped(form, PeakBox(form, which))) ReadBox(*peak, form, which);
     ScoreTypedValues(project, host, *peak);
     OptimisePeakParameter(project, host, project.CurrentPeak, which);
     WriteBox(*peak, form, which);

@@ -156,6 +156,22 @@ TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
     }
 }
 
+// The bars show 1.066 eV as "1.07" and 284.567 eV as "284.57": Accept reads only the
+// boxes the user changed, by typing or by a bar, and the others keep their exact values.
+TEST_F(PeakFormTest, AcceptReadsOnlyTheBoxesTheUserChanged) {
+    peak().FWHM = 1.066f;
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    ASSERT_EQ(form.fwhmText + " " + form.positionText, "1.07 284.57");
+    form.areaText = "300";
+    ASSERT_TRUE(AcceptPeakEditor(project, host, form));
+    EXPECT_EQ(std::tuple(peak().FWHM, peak().Position, peak().Area),
+              std::tuple(1.066f, 284.567f, 300.0f));
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 10));
+    ASSERT_TRUE(MoveScrollBar(form, PeakParameter::FWHM, 120));
+    ASSERT_TRUE(AcceptPeakEditor(project, host, form));
+    EXPECT_EQ(std::pair(peak().FWHM, peak().Position), std::pair(1.2f, 284.567f));
+}
+
 // Add Peak opens the editor on the new peak; leaving without Accept (ReDraw accepts
 // nothing) takes the peak away again, with the region's chi-square as before.
 TEST_F(PeakFormTest, CancelAndCloseRemoveAPeakAddPeakMadeUnlessAccepted) {
