@@ -1,5 +1,6 @@
 #include "spectral/lineshape.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -370,11 +371,50 @@ float AreaToHeightPercent(const Project& project, const Peak& peak) {
                                peak.TailLength);
 }
 
+namespace {
+
+// A doublet's width as drawn: between the outermost energies where the curve reaches half
+// its highest value, found on a grid of FWHM / 50 over both lines +-5 FWHM and bisected.
+// Nothing when the curve does not fall below half its maximum inside that span.
+MeasuredWidth DoubletWidth(const PeakShape& shape, double p, double w, double S) {
+    const double lo = std::min(p, p + S) - 5 * w;
+    const double hi = std::max(p, p + S) + 5 * w;
+    const double steps = std::ceil((hi - lo) / (w / 50));
+    if (!(steps >= 1 && steps <= 1e6)) return {};  // w <= 0, not finite, or S >> w
+    const int n = static_cast<int>(steps);
+    const double step = (hi - lo) / n;
+    auto at = [&](int i) { return static_cast<double>(shape(lo + i * step)); };
+    double top = std::max<double>(shape(p), shape(p + S));
+    for (int i = 0; i <= n; ++i) top = std::max(top, at(i));
+    const double half = top / 2;
+    if (!(half > 0) || !std::isfinite(half)) return {};
+    int first = 0;
+    while (first <= n && at(first) < half) ++first;
+    int last = n;
+    while (last >= 0 && at(last) < half) --last;
+    if (first == 0 || last == n || first > last) return {};
+    auto crossing = [&](double below, double above) {
+        for (int k = 0; k < 60; ++k) {
+            const double mid = (below + above) / 2;
+            (shape(mid) < half ? below : above) = mid;
+        }
+        return (below + above) / 2;
+    };
+    const double left = crossing(lo + (first - 1) * step, lo + first * step);
+    const double right = crossing(lo + (last + 1) * step, lo + last * step);
+    return {true, static_cast<float>(right - left)};
+}
+
+}  // namespace
+
 MeasuredWidth ActualFWHM(const Project& project, int slot) {
     if (slot < 0 || slot >= kPeakSlots) return {};
     const Peak& peak = project.Peaks[slot];
     // The region shift is not added: the width does not depend on it.
     const PeakShape shape(IsSet(project.Options.GLSum), peak, 0.0);
+    if (peak.PeakType == Subshell::P || peak.PeakType == Subshell::D ||
+        peak.PeakType == Subshell::F)
+        return DoubletWidth(shape, peak.Position, peak.FWHM, peak.Splitting);
     const float p = peak.Position;
     const float w = peak.FWHM;
     const float S = peak.Splitting;

@@ -127,7 +127,10 @@ float AreaToHeightPercent(bool glSum, float netScale, double A, double w, int g,
 float HeightPercentToArea(const Project& project, const Peak& peak);
 float AreaToHeightPercent(const Project& project, const Peak& peak);
 
-/// The measured width of a peak; `converged` is false when the search ran 1000 steps.
+/// The measured width of a peak; `converged` is false when it cannot be measured (the
+/// search ran 1000 steps, or a doublet's curve stays above half its maximum). A singlet's
+/// right half is searched and its left half taken as FWHM / 2; a doublet is measured
+/// between its outermost half-maximum points.
 struct MeasuredWidth {
     bool converged = false;
     float width = 0;

@@ -192,7 +192,7 @@ TEST(HeightConversion, MainLineHeightIsHPercentOfNetScaleAndRoundTrips) {
     }
 }
 
-TEST(ActualFWHM, MeasuresTheRightHalfAndFormatsTheLabel) {
+TEST(ActualFWHM, MeasuresSingletsAndDoubletsAndFormatsTheLabel) {
     Project project;
     Peak& peak = project.Peaks[7];
     peak.PeakType = Subshell::S;
@@ -204,6 +204,17 @@ TEST(ActualFWHM, MeasuresTheRightHalfAndFormatsTheLabel) {
         ASSERT_TRUE(m.converged);
         EXPECT_NEAR(m.width, 1.5, 5e-4);
         EXPECT_EQ(ActualFWHMText(m), "1.500eV   ");
+    }
+    // A d doublet of Gaussians (FWHM 1): the second line, 2/3 as high, crosses half the
+    // main line's height 0.5 * sqrt(log2(4/3)) eV beyond its centre, on either side.
+    project.Options.GLSum = kFalse;
+    std::tie(peak.PeakType, peak.FWHM, peak.PercentGL) = std::tuple(Subshell::D, 1.0f, Int16{0});
+    const double apart = 3.5 + 0.5 * std::sqrt(std::log2(4.0 / 3.0));
+    for (const auto& [S, width] : {std::pair(0.0f, 1.0), {3.0f, apart}, {-3.0f, apart}}) {
+        peak.Splitting = S;
+        const MeasuredWidth m = ActualFWHM(project, 7);
+        EXPECT_TRUE(m.converged) << S;
+        EXPECT_NEAR(m.width, width, 1e-4) << S;
     }
     peak.FWHM = std::nanf("");
     const MeasuredWidth bad = ActualFWHM(project, 7);
