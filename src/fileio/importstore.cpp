@@ -106,7 +106,9 @@ ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
         host.RegionInView();
         host.RegionListChanged();
     } else {
-        if (data.description) SetDescription(project, host, *data.description);
+        // The file's description fills an empty description box; one already there stays.
+        if (data.description && project.Description.empty())
+            SetDescription(project, host, *data.description);
         StoreRegions(project, host, data.spectra, policy, result.notices);
         host.RegionInView();
         RefreshMainWindow(project, host);

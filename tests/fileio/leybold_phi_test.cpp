@@ -2,6 +2,7 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -47,6 +48,12 @@ TEST_F(Leybold, ReadsRegionsDescriptionAndCaptions) {
     EXPECT_EQ(a.RawIntensity, (SingleArray{0, 12, 11, 10}));
     EXPECT_EQ(project.Regions[1].BindingEnergy, (SingleArray{0, 531, 530}));
     EXPECT_EQ(project.CurrentRegion, 0);
+    // An import into a project with a description keeps it.
+    project.Description = "typed";
+    project.CurrentRegion = 2;
+    ASSERT_TRUE(test::ImportText(project, host, "leybold", LeyboldFile(1)).Messages().empty());
+    EXPECT_EQ(std::pair(project.Description, IsSet(project.Regions[2].HasData)),
+              std::pair(std::string("typed"), true));
 }
 
 // From slot 7 on, wrapping; data and peaks that stood there go; ten regions already warn.
