@@ -53,6 +53,12 @@ void PlotWidget::SetSelectedPeak(int slot) {
     RequestRedraw();
 }
 
+void PlotWidget::ClearReadout() {
+    if (!hasPointer_) return;
+    hasPointer_ = false;
+    RequestRedraw();
+}
+
 QPointF PlotWidget::ToPlotUnits(const QPointF& position) const {
     if (width() <= 0 || height() <= 0) return userTopLeft_;
     const double fx = position.x() / width();

@@ -27,6 +27,10 @@ public:
     int SelectedPeak() const { return selectedPeak_; }
     /// Number of paints so far (for tests of the coalescing).
     int PaintCount() const { return paintCount_; }
+    /// Forgets the pointer: no read-out until the pointer moves again (another region or
+    /// another project is shown).
+    void ClearReadout();
+    bool HasReadout() const { return hasPointer_; }
     /// The plot-unit point under a widget position, as of the last paint.
     QPointF ToPlotUnits(const QPointF& position) const;
 

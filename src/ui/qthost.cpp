@@ -100,6 +100,12 @@ void QtHost::HidePeakEditor() {
 void QtHost::HideRegionDialogs() {
     HidePeakEditor();
     if (hideRegionDialogs) hideRegionDialogs();
+    if (region_) region_->Plot()->ClearReadout();  // another region is chosen
+}
+
+void QtHost::ProjectCleared() {
+    SessionHost::ProjectCleared();
+    if (region_) region_->Plot()->ClearReadout();
 }
 
 void QtHost::PeakDeleted(int) { HidePeakEditor(); }

@@ -39,6 +39,7 @@ public:
     bool AskYesNo(const std::string& title, const std::string& text) override;
     void Beep() override;
     void Yield() override;
+    void ProjectCleared() override;
     void DescriptionChanged(const std::string& latin1) override;
     void CurvesChanged() override;
     void RegionInView() override;

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMouseEvent>
 
 #include "base/messages.h"
 #include "fileio/projectfile.h"
@@ -13,6 +14,7 @@
 #include "ui/constraintdialog.h"
 #include "ui/gui_fixture.h"
 #include "ui/peakeditor.h"
+#include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
 
 namespace molvera::test {
@@ -81,6 +83,28 @@ TEST_F(GuiTest, AFailedOpenChangesNothingAndShowsAnErrorNamingTheFile) {
     ASSERT_EQ(sink.messages.size(), 1u);
     EXPECT_TRUE(sink.messages[0].starts_with(std::string(msg::kWrongFileFormat) + "\nnotes.xps: "));
     EXPECT_EQ(sink.errors, 1);
+}
+
+// The cursor read-out belongs to the plot it was read on: another region or another
+// project clears it.
+TEST_F(GuiTest, CursorReadOutClearsOnAnotherRegionOrProject) {
+    ImportSample();
+    ui::PlotWidget& plot = *region().Plot();
+    auto point = [&] {
+        plot.RedrawNow();
+        QMouseEvent move(QEvent::MouseMove, QPointF(100, 100), plot.mapToGlobal(QPointF(100, 100)),
+                         Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&plot, &move);
+        return plot.HasReadout();
+    };
+    ASSERT_TRUE(point());
+    main().RegionButton(1)->click();
+    EXPECT_FALSE(plot.HasReadout());
+    main().RegionButton(0)->click();
+    ASSERT_TRUE(point());
+    chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps"};
+    Click(main(), "openProjectButton");
+    EXPECT_FALSE(plot.HasReadout());
 }
 
 TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletesClearParametersDoesNotAsk) {
