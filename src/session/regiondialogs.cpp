@@ -2,6 +2,7 @@
 
 #include "base/numtext.h"
 #include "session/formnumber.h"
+#include "spectral/envelope.h"
 
 namespace molvera {
 
@@ -10,9 +11,12 @@ void OpenRegionShift(const Project& project, RegionShiftForm& form) {
     form.visible = true;
 }
 
-void AcceptRegionShift(Project& project, RegionShiftForm& form) {
-    project.Current().Shift = BoxSingle(form.shiftText);
+void AcceptRegionShift(Project& project, Host& host, RegionShiftForm& form) {
+    Region& region = project.Current();
+    region.Shift = BoxSingle(form.shiftText);
     form.visible = false;
+    if (IsSet(region.HasBackground) && region.PeakCount > 0) ComputeRegionEnvelope(project, host);
+    if (IsSet(region.HasData)) host.CurvesChanged();
 }
 
 void OpenRegionCaption(const Project& project, RegionCaptionForm& form) {

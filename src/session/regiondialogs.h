@@ -22,9 +22,10 @@ struct RegionCaptionForm {
 
 /// Shows the shift dialog with the current region's Shift.
 void OpenRegionShift(const Project& project, RegionShiftForm& form);
-/// Accept: Shift = the leading number of the box (0 without one); hides the dialog.
-/// Nothing is recomputed or redrawn.
-void AcceptRegionShift(Project& project, RegionShiftForm& form);
+/// Accept: Shift = the leading number of the box (0 without one); hides the dialog. The
+/// shift moves the drawn peaks at once: a region with a background and peaks has its
+/// curves and chi-square recomputed, and a region with data is redrawn.
+void AcceptRegionShift(Project& project, Host& host, RegionShiftForm& form);
 
 /// Shows the caption dialog with the current region's 20-character Caption.
 void OpenRegionCaption(const Project& project, RegionCaptionForm& form);

@@ -29,7 +29,7 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
 
 void Gui::BuildDialogs() {
     background_ = std::make_unique<BackgroundDialog>(*project_, host_);
-    shift_ = std::make_unique<RegionShiftDialog>(*project_);
+    shift_ = std::make_unique<RegionShiftDialog>(*project_, host_);
     caption_ = std::make_unique<RegionCaptionDialog>(*project_, host_);
     constraints_ = std::make_unique<ConstraintDialog>(*project_, host_);
     peakEditor_ = std::make_unique<PeakEditor>(*project_, host_, *region_->Plot(), *constraints_);

@@ -11,8 +11,8 @@
 
 namespace molvera::ui {
 
-RegionShiftDialog::RegionShiftDialog(Project& project, QWidget* parent)
-    : QWidget(parent, Qt::Window), project_(project), shiftText_(new QLineEdit(this)) {
+RegionShiftDialog::RegionShiftDialog(Project& project, QtHost& host, QWidget* parent)
+    : QWidget(parent, Qt::Window), project_(project), host_(host), shiftText_(new QLineEdit(this)) {
     setObjectName(QStringLiteral("regionShiftDialog"));
     setWindowTitle(QStringLiteral("Region Shift"));
     shiftText_->setObjectName(QStringLiteral("shiftText"));
@@ -39,7 +39,7 @@ void RegionShiftDialog::Open() {
 
 void RegionShiftDialog::AcceptClicked() {
     form_.shiftText = ToLatin1(shiftText_->text());
-    AcceptRegionShift(project_, form_);
+    AcceptRegionShift(project_, host_, form_);
     ShowForm();
 }
 

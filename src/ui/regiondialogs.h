@@ -17,7 +17,7 @@ class QtHost;
 class RegionShiftDialog : public QWidget {
     Q_OBJECT
 public:
-    explicit RegionShiftDialog(Project& project, QWidget* parent = nullptr);
+    RegionShiftDialog(Project& project, QtHost& host, QWidget* parent = nullptr);
     /// Shown with the current region's Shift in the shift box.
     void Open();
     void AcceptClicked();
@@ -30,6 +30,7 @@ private:
     void ShowForm();
 
     Project& project_;
+    QtHost& host_;
     RegionShiftForm form_;
     QLineEdit* shiftText_;
 };
