@@ -19,6 +19,17 @@ namespace {
 
 bool ValidSlot(int slot) { return slot >= 0 && slot < kPeakSlots; }
 
+// Where each box stands in PeakBoxes.
+enum PeakBoxIndex : std::size_t {
+    kPositionBox,
+    kFWHMBox,
+    kAreaBox,
+    kGLBox,
+    kSplittingBox,
+    kTailScaleBox,
+    kTailLengthBox
+};
+
 const char* PeakTypeText(Subshell type) {
     switch (type) {
         case Subshell::S:
@@ -266,22 +277,22 @@ Status ApplyPeakEditor(Project& project, PeakForm& form) {
         if (BoxTyped(form, boxes[i])) field = BoxSingle(boxes[i].text);
     };
 
-    read(0, peak.Position);
-    read(1, peak.FWHM);
-    read(2, peak.Area);
-    read(4, peak.Splitting);
+    read(kPositionBox, peak.Position);
+    read(kFWHMBox, peak.FWHM);
+    read(kAreaBox, peak.Area);
+    read(kSplittingBox, peak.Splitting);
     // %GL indexes the line-shape tables: it is kept inside 0..100 like TS and TL.
-    if (BoxTyped(form, boxes[3])) {
+    if (BoxTyped(form, boxes[kGLBox])) {
         const double typedGL = RoundHalfEven(LeadingNumber(form.glText));
         const double gl = std::clamp(typedGL, 0.0, 100.0);
         peak.PercentGL = static_cast<Int16>(gl);
         if (gl != typedGL) form.glText = std::to_string(peak.PercentGL);
     }
-    if (BoxTyped(form, boxes[5])) {
+    if (BoxTyped(form, boxes[kTailScaleBox])) {
         peak.TailScale = std::clamp(BoxSingle(form.tailScaleText), 0.0f, 1.0f);
         form.tailScaleText = FormatGeneral(peak.TailScale);
     }
-    if (BoxTyped(form, boxes[6])) {
+    if (BoxTyped(form, boxes[kTailLengthBox])) {
         peak.TailLength = std::clamp(BoxSingle(form.tailLengthText), 0.01f, 200.0f);
         form.tailLengthText = FormatGeneral(peak.TailLength);
     }
