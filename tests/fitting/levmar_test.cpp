@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -39,13 +40,6 @@ void Link(Project& project, int follower, PeakParameter g, int reference, Op op,
     project.Constraints[reference][g].IsReference = kTrue;
 }
 
-void Limit(Project& project, int slot, PeakParameter g, float low, float high) {
-    ParameterConstraint& c = project.Constraints[slot][g];
-    c.UseLimits = kTrue;
-    c.LowLimit = low;
-    c.HighLimit = high;
-}
-
 /// Region 0 holding `truth`, with `guess` as its peaks, fitted by Levenberg-Marquardt.
 struct LmFit {
     LmFit(const std::vector<KnownPeak>& truth, const std::vector<KnownPeak>& guess,
@@ -71,19 +65,18 @@ struct LmFit {
 TEST(LevenbergMarquardt, DerivativesMatchFiniteDifferencesForEveryShape) {
     struct Case {
         const char* name;
-        bool glSum;
+        bool glSum, linked;
         Subshell type;
         float tailScale, tailLength;
-        bool linked;
     };
     const Case cases[] = {
-        {"product", false, Subshell::S, 0, 0, false},
-        {"sum", true, Subshell::S, 0, 0, false},
-        {"sum with tail", true, Subshell::S, 0.4f, 1.5f, false},
-        {"product p doublet", false, Subshell::P, 0, 0, false},
-        {"sum d doublet with tail", true, Subshell::D, 0.3f, 2.0f, false},
-        {"product f doublet", false, Subshell::F, 0, 0, false},
-        {"links +, x and /", true, Subshell::S, 0, 0, true},
+        {"product", false, false, Subshell::S, 0, 0},
+        {"sum", true, false, Subshell::S, 0, 0},
+        {"sum with tail", true, false, Subshell::S, 0.4f, 1.5f},
+        {"product p doublet", false, false, Subshell::P, 0, 0},
+        {"sum d doublet with tail", true, false, Subshell::D, 0.3f, 2.0f},
+        {"product f doublet", false, false, Subshell::F, 0, 0},
+        {"links +, x and /", true, true, Subshell::S, 0, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -92,11 +85,9 @@ TEST(LevenbergMarquardt, DerivativesMatchFiniteDifferencesForEveryShape) {
         f.project.Options.GLSum = c.glSum ? kTrue : kFalse;
         for (int p : {0, 1}) {
             Peak& peak = f.project.Peaks[p];
-            peak.FixGL = 0;
-            peak.PeakType = c.type;
+            std::tie(peak.FixGL, peak.PeakType, peak.TailScale, peak.TailLength) =
+                std::tuple(0, c.type, c.tailScale, c.tailLength);
             peak.Splitting = 1.1f + 0.4f * static_cast<float>(p);
-            peak.TailScale = c.tailScale;
-            peak.TailLength = c.tailLength;
         }
         if (c.linked) {
             Link(f.project, 1, PeakParameter::Position, 0, kPlus, 1.9f);
@@ -104,16 +95,13 @@ TEST(LevenbergMarquardt, DerivativesMatchFiniteDifferencesForEveryShape) {
             Link(f.project, 1, PeakParameter::Area, 0, kDivide, 2.0f);
         }
         ApplyAllRelations(f.project);
-        test::Settle(f.project);
-
         const FitModel model(f.project, {0}, {0});
         ASSERT_EQ(model.FreeCount(), c.linked ? 5 : 8);
         // Away from the whole-number %GL where the tables' interpolation has a kink.
         std::vector<double> theta = model.Start();
         for (int i = 0; i < model.FreeCount(); ++i)
             theta[i] += model.Free()[i].which == PeakParameter::GL ? 0.37 : 0.013 * (1 + i % 3);
-        const int m = model.ResidualCount();
-        const int n = model.FreeCount();
+        const int m = model.ResidualCount(), n = model.FreeCount();
         std::vector<double> r(m), jac(static_cast<std::size_t>(m) * n), up(m), down(m);
         ASSERT_TRUE(model.Evaluate(theta.data(), r.data(), jac.data()));
         for (int i = 0; i < n; ++i) {
@@ -143,37 +131,31 @@ TEST(LevenbergMarquardt, RecoversKnownPeaksWithinThreeSigmaWithLinksAndLimits) {
     AddNoise(f.project.Regions[0], 7);
     Link(f.project, 1, PeakParameter::FWHM, 0, kTimes, 1.0f);
     Link(f.project, 1, PeakParameter::Area, 0, kDivide, 2.0f);
-    Limit(f.project, 0, PeakParameter::FWHM, 0.8f, 2.0f);
-    Limit(f.project, 2, PeakParameter::Position, 288.0f, 290.0f);
+    f.project.Constraints[0].FWHM = {kFalse, 0, kTrue, 1, 0, 0, kTrue, 0.8f, 2.0f};
+    f.project.Constraints[2].Position = {kFalse, 0, kFalse, 0, 0, 0, kTrue, 288.0f, 290.0f};
     const FitSummary summary = f.Fit();
-    EXPECT_EQ(summary.method, "Levenberg-Marquardt");
-    EXPECT_TRUE(summary.note.empty()) << summary.note;
-    EXPECT_LT(summary.chiSquareAfter, summary.chiSquareBefore);
+    EXPECT_TRUE(summary.method == "Levenberg-Marquardt" && summary.note.empty());
     EXPECT_NEAR(summary.reducedChiSquare, 1.0, 0.2) << "counting noise weighted by 1/R";
 
     for (int p = 0; p < 3; ++p) {
         SCOPED_TRACE(p);
         const Peak& peak = f.project.Peaks[p];
-        const struct {
-            PeakParameter g;
-            float fitted, known;
-        } values[] = {{PeakParameter::Position, peak.Position, truth[p].position},
-                      {PeakParameter::FWHM, peak.FWHM, truth[p].fwhm},
-                      {PeakParameter::Area, peak.Area, truth[p].area}};
-        for (const auto& v : values) {
-            const Sigma s = f.SigmaOf(p, v.g);
-            ASSERT_EQ(s.state, Sigma::State::Value) << ParameterName(v.g);
-            EXPECT_LT(std::fabs(v.fitted - v.known), 3 * s.value) << ParameterName(v.g);
+        const std::tuple<PeakParameter, float, float> values[] = {
+            {PeakParameter::Position, peak.Position, truth[p].position},
+            {PeakParameter::FWHM, peak.FWHM, truth[p].fwhm},
+            {PeakParameter::Area, peak.Area, truth[p].area}};
+        for (const auto& [g, fitted, known] : values) {
+            const Sigma s = f.SigmaOf(p, g);
+            ASSERT_EQ(s.state, Sigma::State::Value) << ParameterName(g);
+            EXPECT_LT(std::fabs(fitted - known), 3 * s.value) << ParameterName(g);
         }
     }
     // Linked values are where propagation puts them, limits hold.
     Project propagated = f.project;
     ApplyAllRelations(propagated);
-    EXPECT_EQ(f.project.Peaks[1].FWHM, propagated.Peaks[1].FWHM);
-    EXPECT_EQ(f.project.Peaks[1].Area, propagated.Peaks[1].Area);
+    EXPECT_EQ(f.project.Peaks, propagated.Peaks);
     EXPECT_EQ(f.project.Peaks[1].FWHM, f.project.Peaks[0].FWHM);
-    EXPECT_GE(f.project.Peaks[0].FWHM, 0.8f);
-    EXPECT_LE(f.project.Peaks[0].FWHM, 2.0f);
+    EXPECT_TRUE(f.project.Peaks[0].FWHM >= 0.8f && f.project.Peaks[0].FWHM <= 2.0f);
     // A linked value's uncertainty follows its reference's: area / 2 has half the sigma.
     EXPECT_DOUBLE_EQ(f.SigmaOf(1, PeakParameter::Area).value,
                      f.SigmaOf(0, PeakParameter::Area).value / 2);
@@ -221,10 +203,8 @@ TEST(LevenbergMarquardt, TwoIdenticalPeaksAtOnePlaceAreNotDetermined) {
     LmFit f({{285.0f, 1000, 1.3f, 30}}, {{285.0f, 500, 1.3f, 30}, {285.0f, 500, 1.3f, 30}});
     AddNoise(f.project.Regions[0], 3);
     f.Fit();
-    for (int p : {0, 1}) {
-        const Sigma s = f.SigmaOf(p, PeakParameter::Position);
-        EXPECT_EQ(SigmaText(s), "\xB1 not determined") << p;
-    }
+    for (int p : {0, 1})
+        EXPECT_EQ(SigmaText(f.SigmaOf(p, PeakParameter::Position)), "\xB1 not determined");
 }
 
 TEST(LevenbergMarquardt, StopsWhenAskedAndRefusesWhatCannotBeFitted) {
@@ -236,8 +216,7 @@ TEST(LevenbergMarquardt, StopsWhenAskedAndRefusesWhatCannotBeFitted) {
         if (++yields == 3) stop.project.StopRequested = true;
     };
     const FitSummary stopped = stop.Fit();
-    EXPECT_TRUE(stopped.stopped);
-    EXPECT_LE(stopped.iterations, 1);
+    EXPECT_TRUE(stopped.stopped && stopped.iterations <= 1);
     EXPECT_LT(stopped.chiSquareAfter, stopped.chiSquareBefore);
 
     LmFit fixed({{284.8f, 1200, 1.3f, 30}}, {{285.3f, 700, 1.0f, 30}});
