@@ -1,5 +1,6 @@
 #include "session/mainwindow.h"
 
+#include "fileio/projectfile.h"
 #include "model/project.h"
 
 namespace molvera {
@@ -41,6 +42,45 @@ std::string ProposeFileName(const std::string& lastFileName, const std::string& 
     const std::size_t dot = lastFileName.find('.', nameStart);
     if (dot == std::string::npos) return lastFileName;
     return lastFileName.substr(0, dot + 1) + extension;
+}
+
+namespace {
+// The file bytes, without the side effect of cutting a long description in the project.
+std::string BytesOf(Project& project) {
+    const std::string description = project.Description;
+    std::string bytes = ProjectFileBytes(project);
+    project.Description = description;
+    return bytes;
+}
+}  // namespace
+
+void SavedProject::Mark(Project& project, const std::string& path) {
+    bytes_ = BytesOf(project);
+    path_ = path;
+}
+
+bool SavedProject::Changed(Project& project) const { return BytesOf(project) != bytes_; }
+
+std::string SavedProject::Name() const {
+    return path_.empty() ? "Untitled" : path_.substr(path_.find_last_of("/\\") + 1);
+}
+
+std::string SavedProject::Title(Project& project) const {
+    return Name() + (Changed(project) ? "*" : "") + " - Molvera";
+}
+
+bool SavedProject::MayDrop(Project& project, SessionHost& host,
+                           const std::function<bool()>& save) const {
+    if (!Changed(project)) return true;
+    switch (host.AskSaveChanges("Save changes to " + Name() + "?")) {
+        case SaveChangesAnswer::Save:
+            return save();
+        case SaveChangesAnswer::Discard:
+            return true;
+        case SaveChangesAnswer::Cancel:
+            break;
+    }
+    return false;
 }
 
 }  // namespace molvera

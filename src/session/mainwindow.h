@@ -1,7 +1,8 @@
 #pragma once
 // The main window's own rules: choosing a region, the region button colours, and the
-// file names that the save dialogs propose.
+// file names that the save dialogs propose, and whether the project has unsaved changes.
 
+#include <functional>
 #include <string>
 
 #include "model/host.h"
@@ -29,5 +30,26 @@ void SelectRegion(Project& project, SessionHost& host, int k);
 /// to and including its first "." followed by `extension`; a name without "." is
 /// proposed unchanged. The folder part is kept as it is.
 std::string ProposeFileName(const std::string& lastFileName, const std::string& extension);
+
+/// Whether the project differs from its file: its file bytes now against those at the
+/// last open, save or new (a few milliseconds for ten regions of 5000 points).
+class SavedProject {
+public:
+    /// The project as it is now is the content of `path` ("": never saved).
+    void Mark(Project& project, const std::string& path);
+    bool Changed(Project& project) const;
+    /// The main window's title: "c1s.xps* - Molvera" when changed, "Untitled - Molvera"
+    /// before the first save.
+    std::string Title(Project& project) const;
+    /// Before the project is dropped (Close, Open, quit): asks "Save changes to c1s.xps?"
+    /// when it changed. True when it may go: unchanged, Discard, or Save and `save`
+    /// saved it (a cancelled save keeps it).
+    bool MayDrop(Project& project, SessionHost& host, const std::function<bool()>& save) const;
+
+private:
+    std::string Name() const;  ///< the file name without its folder, or "Untitled"
+    std::string bytes_;
+    std::string path_;
+};
 
 }  // namespace molvera

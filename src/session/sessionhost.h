@@ -18,6 +18,9 @@ struct PeakButtonText {
     bool operator==(const PeakButtonText&) const = default;
 };
 
+/// The answer to "Save changes to c1s.xps?".
+enum class SaveChangesAnswer { Save, Discard, Cancel };
+
 /// The texts of the main window's table.
 struct MainWindowTexts {
     /// Chi-square box of each region; empty until a chi-square is known.
@@ -46,6 +49,11 @@ public:
     /// Hides the peak editor, the background dialog and the constraint dialog (another
     /// region was chosen).
     virtual void HideRegionDialogs() {}
+    /// A Save / Discard / Cancel question before unsaved changes would be dropped.
+    virtual SaveChangesAnswer AskSaveChanges(const std::string& text) {
+        (void)text;
+        return SaveChangesAnswer::Cancel;
+    }
 
     const MainWindowTexts& MainTexts() const { return texts_; }
 

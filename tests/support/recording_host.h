@@ -19,12 +19,18 @@ public:
     int redraws = 0;            ///< CurvesChanged
     int regionWindowShows = 0;  ///< RegionInView
     int yields = 0;
+    std::vector<std::string> saveQuestions;  ///< AskSaveChanges, in order
+    SaveChangesAnswer saveAnswer = SaveChangesAnswer::Cancel;
 
     bool AskYesNo(const std::string&, const std::string&) override {
         if (answers.empty()) return false;
         bool a = answers.front();
         answers.pop_front();
         return a;
+    }
+    SaveChangesAnswer AskSaveChanges(const std::string& text) override {
+        saveQuestions.push_back(text);
+        return saveAnswer;
     }
     void Beep() override { ++beeps; }
     void DescriptionChanged(const std::string& text) override { description = text; }
