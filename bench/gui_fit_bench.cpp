@@ -37,6 +37,7 @@ QApplication& App() {
 class SilentSink : public ui::UserSink {
     void Message(const QString&, bool) override {}
     bool AskYesNo(const QString&, const QString&) override { return false; }
+    SaveChangesAnswer AskSaveChanges(const QString&) override { return SaveChangesAnswer::Cancel; }
     void Beep() override {}
 };
 

@@ -65,6 +65,7 @@ void Gui::Start(const std::string& defaultOptionsPath) {
     project_->FileName = "default.opa";
     LoadDefaultOptions(defaultOptionsPath, optionsForm_, project_->Options);
     options_->ShowForm();
+    main_->MarkSaved("");
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();

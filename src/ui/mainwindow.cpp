@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "base/messages.h"
@@ -15,7 +16,6 @@
 #include "fileio/projectfile.h"
 #include "model/project.h"
 #include "session/fitcommands.h"
-#include "session/mainwindow.h"
 #include "ui/filechooser.h"
 #include "ui/qthost.h"
 
@@ -87,7 +87,9 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     description_->setObjectName(QStringLiteral("descriptionBox"));
     (new QVBoxLayout(frame))->addWidget(description_);
     connect(description_, &QLineEdit::textChanged, this, [this](const QString& text) {
-        if (!settingDescription_) project_.Description = Utf8ToLatin1(text.toStdString());
+        if (settingDescription_) return;
+        project_.Description = Utf8ToLatin1(text.toStdString());
+        RefreshTitle();
     });
 
     auto* options = Button(QStringLiteral("Options"), "optionsButton", this);
@@ -100,7 +102,7 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     });
     connect(open, &QPushButton::clicked, this, &MainWindow::OpenProjectCommand);
     connect(save, &QPushButton::clicked, this, &MainWindow::SaveProjectCommand);
-    connect(close, &QPushButton::clicked, qApp, &QApplication::quit, Qt::QueuedConnection);
+    connect(close, &QPushButton::clicked, this, &QWidget::close);
     connect(optimiseAll, &QPushButton::clicked, this,
             [this] { host_.ShowFitSummary(OptimiseAllCommand(project_, host_)); });
     auto* buttons = new QHBoxLayout;
@@ -111,6 +113,10 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     layout->addWidget(frame);
     layout->addLayout(buttons);
     RecolourRegionButtons();
+    // Every command may change the project; comparing its bytes once a second catches all.
+    auto* titleTimer = new QTimer(this);
+    connect(titleTimer, &QTimer::timeout, this, &MainWindow::RefreshTitle);
+    titleTimer->start(1000);
 }
 
 void MainWindow::SetChiText(int region, const QString& text) {
@@ -150,7 +156,19 @@ void MainWindow::PeakButtonClicked(int i) {
     if (openPeakEditor) openPeakEditor(i);
 }
 
+void MainWindow::MarkSaved(const std::string& path) {
+    saved_.Mark(project_, path);
+    RefreshTitle();
+}
+
+void MainWindow::RefreshTitle() { setWindowTitle(QString::fromStdString(saved_.Title(project_))); }
+
+bool MainWindow::MayDropProject() {
+    return saved_.MayDrop(project_, host_, [this] { return SaveProjectCommand(); });
+}
+
 void MainWindow::OpenProjectCommand() {
+    if (!MayDropProject()) return;
     const std::string path = files_.Open(kOpenProjectTitle, kProjectFilter);
     if (path.empty()) return;
     if (Status st = LoadProject(project_, host_, path); !st) {
@@ -158,24 +176,31 @@ void MainWindow::OpenProjectCommand() {
         return;
     }
     project_.FileName = path;
+    MarkSaved(path);
 }
 
-void MainWindow::SaveProjectCommand() {
+bool MainWindow::SaveProjectCommand() {
     const std::string path = files_.Save(kSaveProjectTitle, kProjectFilter, "xps");
-    if (path.empty()) return;
+    if (path.empty()) return false;
     project_.FileName = path;
     if (Status st = SaveProject(project_, path); !st) {
         host_.Show(st);
-        return;
+        return false;
     }
+    MarkSaved(path);
     // SaveProject may have cut the description to its stored length.
     SetDescription(QString::fromStdString(Latin1ToUtf8(project_.Description)));
     host_.Show(msg::kFileSaved);
+    return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!MayDropProject()) {
+        event->ignore();
+        return;
+    }
     event->accept();
-    QApplication::quit();
+    QApplication::exit(0);  // the whole program, whichever other windows are open
 }
 
 }  // namespace molvera::ui

@@ -9,6 +9,7 @@
 
 #include "base/limits.h"
 #include "model/records.h"
+#include "session/mainwindow.h"
 
 class QLabel;
 class QLineEdit;
@@ -38,9 +39,15 @@ public:
     QLabel* TotalLabel() const { return totalChiSquare_; }
     QLineEdit* DescriptionBox() const { return description_; }
 
-    /// Open XPS and Save XPS, as their buttons run them.
+    /// Open XPS and Save XPS, as their buttons run them; Save XPS: true when it saved.
     void OpenProjectCommand();
-    void SaveProjectCommand();
+    bool SaveProjectCommand();
+    /// The project as it is now is the one in `path` ("": a new project, never saved).
+    void MarkSaved(const std::string& path);
+    /// The title with the file name, marked when the project has unsaved changes.
+    void RefreshTitle();
+    /// Asks about unsaved changes; true when the project may be dropped.
+    bool MayDropProject();
 
     /// Called by "Options" (the options dialog fills itself and shows).
     std::function<void()> openOptions;
@@ -63,6 +70,7 @@ private:
     QLabel* totalChiSquare_ = nullptr;
     QLineEdit* description_ = nullptr;
     bool settingDescription_ = false;
+    SavedProject saved_;
 };
 
 }  // namespace molvera::ui

@@ -43,6 +43,10 @@ bool QtHost::AskYesNo(const std::string& title, const std::string& text) {
     return sink_.AskYesNo(QString::fromStdString(title), QString::fromStdString(text));
 }
 
+SaveChangesAnswer QtHost::AskSaveChanges(const std::string& text) {
+    return sink_.AskSaveChanges(QString::fromStdString(text));
+}
+
 void QtHost::Beep() { sink_.Beep(); }
 
 void QtHost::ChiSquareTextChanged(int region) {

@@ -37,6 +37,7 @@ public:
     void ShowOutcome(const Status& outcome, const std::string& done, const std::string& failed);
 
     bool AskYesNo(const std::string& title, const std::string& text) override;
+    SaveChangesAnswer AskSaveChanges(const std::string& text) override;
     void Beep() override;
     void Yield() override;
     void ProjectCleared() override;

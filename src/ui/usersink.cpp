@@ -18,6 +18,19 @@ bool DialogSink::AskYesNo(const QString& title, const QString& text) {
                                  QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
+SaveChangesAnswer DialogSink::AskSaveChanges(const QString& text) {
+    switch (QMessageBox::warning(QApplication::activeWindow(), QStringLiteral("Molvera"), text,
+                                 QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                                 QMessageBox::Save)) {
+        case QMessageBox::Save:
+            return SaveChangesAnswer::Save;
+        case QMessageBox::Discard:
+            return SaveChangesAnswer::Discard;
+        default:
+            return SaveChangesAnswer::Cancel;
+    }
+}
+
 void DialogSink::Beep() { QApplication::beep(); }
 
 }  // namespace molvera::ui

@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include "session/sessionhost.h"
+
 class QWidget;
 
 namespace molvera::ui {
@@ -17,6 +19,8 @@ public:
     virtual void Message(const QString& text, bool error) = 0;
     /// A modal Yes/No question; true for Yes.
     virtual bool AskYesNo(const QString& title, const QString& text) = 0;
+    /// A modal Save / Discard / Cancel question about unsaved changes.
+    virtual SaveChangesAnswer AskSaveChanges(const QString& text) = 0;
     /// The system beep.
     virtual void Beep() = 0;
 };
@@ -26,6 +30,7 @@ class DialogSink : public UserSink {
 public:
     void Message(const QString& text, bool error) override;
     bool AskYesNo(const QString& title, const QString& text) override;
+    SaveChangesAnswer AskSaveChanges(const QString& text) override;
     void Beep() override;
 };
 

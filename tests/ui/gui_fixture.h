@@ -50,6 +50,8 @@ public:
     std::deque<bool> answers;
     int beeps = 0;
     int errors = 0;  ///< messages shown as errors
+    /// The answer to "Save changes to ...?" (the question is recorded in `questions`).
+    SaveChangesAnswer saveAnswer = SaveChangesAnswer::Discard;
     void Message(const QString& text, bool error) override {
         messages.push_back(text.toStdString());
         errors += error ? 1 : 0;
@@ -59,6 +61,10 @@ public:
         const bool a = !answers.empty() && answers.front();
         if (!answers.empty()) answers.pop_front();
         return a;
+    }
+    SaveChangesAnswer AskSaveChanges(const QString& text) override {
+        questions.push_back(text.toStdString());
+        return saveAnswer;
     }
     void Beep() override { ++beeps; }
 };

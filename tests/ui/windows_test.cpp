@@ -85,6 +85,23 @@ TEST_F(GuiTest, AFailedOpenChangesNothingAndShowsAnErrorNamingTheFile) {
     EXPECT_EQ(sink.errors, 1);
 }
 
+TEST_F(GuiTest, CloseAsksBeforeAnEditedDescriptionIsLost) {
+    Type(main(), "descriptionBox", "etched C 1s");
+    EXPECT_EQ(main().windowTitle().toStdString(), "Untitled* - Molvera");
+    sink.saveAnswer = SaveChangesAnswer::Cancel;
+    Click(main(), "closeButton");
+    EXPECT_TRUE(main().isVisible());
+    const std::string path = (ScratchDir() / "etched.xps").string();
+    sink.saveAnswer = SaveChangesAnswer::Save;
+    chooser.paths = {"", path};  // the first save dialog is cancelled: the program stays
+    Click(main(), "closeButton");
+    EXPECT_TRUE(main().isVisible());
+    main().close();  // the title-bar X
+    EXPECT_FALSE(main().isVisible());
+    EXPECT_EQ(sink.questions, std::vector<std::string>(3, "Save changes to Untitled?"));
+    EXPECT_NE(ReadBytes(path).find("etched C 1s"), std::string::npos);
+}
+
 // The cursor read-out belongs to the plot it was read on: another region or another
 // project clears it.
 TEST_F(GuiTest, CursorReadOutClearsOnAnotherRegionOrProject) {
