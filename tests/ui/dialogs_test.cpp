@@ -5,7 +5,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QScrollBar>
 #include <QTimer>
 #include <QtTest/QTest>
@@ -133,7 +132,6 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     // One redraw per finished trial: far fewer than the 200 asked for.
     EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 100);
     EXPECT_LT(project().TotalChiSquare, before);  // the steps made before Stop are kept
-    EXPECT_EQ(main().TotalLabel()->text().toStdString(), FormatGeneral(project().TotalChiSquare));
 }
 
 class PeakEditorTest : public GuiTest {
@@ -157,7 +155,6 @@ TEST_F(PeakEditorTest, ControlsReachThePeak) {
     Type(editor(), "tailLengthText", "3");
     type->setCurrentText(QStringLiteral("p"));
     Click(editor(), "redrawButton");
-    EXPECT_TRUE(editor().isVisible());
     const Peak& p = peak();
     EXPECT_EQ(std::tuple(p.Splitting, p.TailScale, p.TailLength, p.PeakType),
               std::tuple(0.9f, 1.0f, 3.0f, Subshell::P));

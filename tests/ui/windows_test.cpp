@@ -4,7 +4,6 @@
 #include <tuple>
 
 #include <QApplication>
-#include <QLabel>
 #include <QMouseEvent>
 
 #include "base/messages.h"
