@@ -171,10 +171,6 @@ TEST_F(RegionParamsTest, DamagedFilesAreReadErrorsAndChangeNothing) {
         test::RecordingHost host;
         EXPECT_EQ(LoadIntoRegion3(damaged, host).message(), msg::kErrorReadingFile);
     }
-    test::RecordingHost host;
-    EXPECT_EQ(
-        LoadRegionParameters(project, host, (test::ScratchDir() / "none.rpa").string()).message(),
-        msg::kErrorReadingFile);
 }
 
 // The region's own file loaded back: its peaks are cleared first, so the same slots 3 and

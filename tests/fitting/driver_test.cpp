@@ -53,19 +53,16 @@ protected:
     std::string varied;
 };
 
-TEST_F(DriverTest, RegionSearchVariesPositionAreaFWHMThenGL) {
-    WatchVariedParameters();
-    project.Options.SearchTrials = 1;
-    project.Peaks[1].FixPosition = project.Peaks[1].FixArea = project.Peaks[1].FixFWHM = 1;
-    OptimiseRegion(project, host);
-    EXPECT_EQ(varied, "PAFG");
-}
-
-TEST_F(DriverTest, SearchPeakVariesFWHMBeforeArea) {
+// A region search varies position, area, FWHM, %GL; a peak search FWHM before area.
+TEST_F(DriverTest, RegionAndPeakSearchOrder) {
     WatchVariedParameters();
     project.Options.SearchTrials = 1;
     SearchPeak(project, host, 0);
     EXPECT_EQ(varied, "PFAG");
+    varied.clear();
+    project.Peaks[1].FixPosition = project.Peaks[1].FixArea = project.Peaks[1].FixFWHM = 1;
+    OptimiseRegion(project, host);
+    EXPECT_EQ(varied, "PAFG");
 }
 
 TEST_F(DriverTest, AllFixedConvergesAtOnceUnlessToleranceIsZero) {

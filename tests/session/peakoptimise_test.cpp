@@ -65,6 +65,12 @@ TEST_F(PeakOptimiseTest, SearchStaysOnTheGridNewtonOnlyWhenMethodIsExactlyOne) {
     ASSERT_TRUE(OptimiseEditedParameter(project, host, form, PeakParameter::GL));
     EXPECT_EQ(peak().PercentGL, 30);
     EXPECT_EQ(form.glText, "30");
+    // Optimise Peak reads the typed boxes, fits the whole peak and writes every box.
+    form.areaText = "700";
+    ASSERT_TRUE(OptimiseEditedPeak(project, host, form));
+    EXPECT_GT(peak().Area, 700.0f);
+    EXPECT_EQ(form.areaText + "|" + form.fwhmText,
+              FormatGeneral(peak().Area) + "|" + FormatGeneral(peak().FWHM));
 }
 
 }  // namespace
