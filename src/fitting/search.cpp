@@ -13,21 +13,6 @@ namespace molvera {
 
 namespace {
 
-/// The value of the searched parameter in a peak, as a double.
-double ValueOf(const Peak& peak, PeakParameter g) {
-    switch (g) {
-        case PeakParameter::Position:
-            return peak.Position;
-        case PeakParameter::Area:
-            return peak.Area;
-        case PeakParameter::FWHM:
-            return peak.FWHM;
-        case PeakParameter::GL:
-            break;
-    }
-    return peak.PercentGL;
-}
-
 void SetValue(Peak& peak, PeakParameter g, double v) {
     if (g == PeakParameter::GL) {
         peak.PercentGL = static_cast<Int16>(v);
@@ -97,8 +82,8 @@ float SearchLevelOnce(Project& project, Host& host, ScoreMode mode, PeakParamete
     Peak& edit = project.EditPeak;
     const bool glSum = IsSet(project.Options.GLSum);
     const float netScale = project.Current().NetScale;
-    const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ValueOf(edit, g);
-    double best = ValueOf(edit, g);
+    const double x0 = g == PeakParameter::Area ? edit.HeightPercent : ParameterValue(edit, g);
+    double best = ParameterValue(edit, g);
     float bestScore = baseline;
     auto consider = [&](float value, float score) {
         if (score < bestScore) {
