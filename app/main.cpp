@@ -1,11 +1,10 @@
 // Molvera, the desktop program.
-#include <QApplication>
-
+#include "ui/application.h"
 #include "ui/gui.h"
 #include "ui/usersink.h"
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
+    molvera::ui::Application app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Molvera"));
     molvera::ui::DialogSink sink;
     molvera::ui::QtFileChooser chooser;

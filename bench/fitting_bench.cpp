@@ -1,5 +1,6 @@
 // Fitting speed: one Newton step, and Optimise Region by both methods (BenchOptions) on a
-// 5000-point region with 4 and with 10 peaks; the unsaved-changes check of a full project.
+// 5000-point region with 4 and with 10 peaks; on a full project, the unsaved-changes check
+// and the undo history.
 
 #include <cmath>
 #include <memory>
@@ -10,6 +11,7 @@
 #include "fitting/driver.h"
 #include "fitting/newton.h"
 #include "model/project.h"
+#include "session/history.h"
 #include "session/mainwindow.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
@@ -89,20 +91,67 @@ BENCHMARK(BM_OptimiseRegion)
     ->Args({1, 10})
     ->Unit(benchmark::kMillisecond);
 
-/// The main window's once-a-second check for unsaved changes: the file bytes of ten
-/// 5000-point regions (ten peaks in the first), compared with those of the last save.
-void BM_UnsavedChangesCheck(benchmark::State& state) {
+/// Ten 5000-point regions with 46 peaks: ten in the first, four in each of the others.
+std::unique_ptr<Project> FullProject() {
     auto project = std::make_unique<Project>();
     MakeRegion(*project, 10);
+    int slot = 10;
     for (int r = 1; r < kRegionCount; ++r) {
-        project->Regions[r] = project->Regions[0];
-        project->Regions[r].PeakCount = 0;  // the 51 peak slots are shared by all regions
+        Region& region = project->Regions[r];
+        region = project->Regions[0];
+        region.PeakCount = 4;
+        for (int k = 0; k < 4; ++k, ++slot) {
+            project->Peaks[slot] = project->Peaks[k];
+            project->Peaks[slot].Region = static_cast<Int16>(r);
+            project->SavedPeaks[slot] = project->Peaks[slot];
+            region.PeakIndex[k] = static_cast<Int16>(slot);
+        }
     }
+    RecomputeRegionsWithBackground(*project, QuietHost());
+    return project;
+}
+
+/// The main window's once-a-second check for unsaved changes: the file bytes of the
+/// full project compared with those of the last save.
+void BM_UnsavedChangesCheck(benchmark::State& state) {
+    auto project = FullProject();
     SavedProject saved;
     saved.Mark(*project, "full.xps");
     for (auto _ : state) benchmark::DoNotOptimize(saved.Changed(*project));
 }
 BENCHMARK(BM_UnsavedChangesCheck)->Unit(benchmark::kMillisecond);
+
+/// The undo history after every click or key: `changed` 0, the check alone; 1, a peak
+/// moved first, so that the whole project is kept as a step. The counter is the memory
+/// of one step.
+void BM_UndoRecord(benchmark::State& state) {
+    auto project = FullProject();
+    UndoHistory history;
+    history.Reset(*project);
+    for (auto _ : state) {
+        if (state.range(0) != 0) project->Peaks[0].Position += 0.001f;
+        benchmark::DoNotOptimize(history.Record(*project));
+    }
+    state.counters["MB_per_step"] =
+        static_cast<double>(history.Bytes()) / static_cast<double>(history.Steps() + 1) / 1e6;
+    state.counters["steps_kept"] = static_cast<double>(history.Steps());
+}
+BENCHMARK(BM_UndoRecord)->ArgName("changed")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+/// Undo and Redo of one step of the full project, the whole project reported each time.
+void BM_UndoRedo(benchmark::State& state) {
+    auto project = FullProject();
+    UndoHistory history;
+    history.Reset(*project);
+    project->Peaks[0].Position += 0.1f;
+    history.Record(*project);
+    SessionHost host;
+    for (auto _ : state) {
+        history.Undo(*project, host);
+        history.Redo(*project, host);
+    }
+}
+BENCHMARK(BM_UndoRedo)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace molvera

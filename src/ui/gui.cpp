@@ -2,8 +2,11 @@
 
 #include <initializer_list>
 
+#include <QAction>
+
 #include "model/project.h"
 #include "spectral/lineshape.h"
+#include "ui/application.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
 #include "ui/fittingwindow.h"
@@ -24,7 +27,48 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     fitting_ = std::make_unique<FittingWindow>(*project_);
     host_.Attach(main_.get(), region_.get(), fitting_.get());
     main_->openOptions = [this] { options_->Open(); };
+    main_->projectReplaced = [this] {
+        history_.Reset(*project_);
+        RefreshEditMenus();
+    };
     BuildDialogs();
+    WireEditMenus();
+}
+
+void Gui::WireEditMenus() {
+    for (QWidget* window : std::initializer_list<QWidget*>{main_.get(), region_.get()}) {
+        QObject::connect(window->findChild<QAction*>(QStringLiteral("undoAction")),
+                         &QAction::triggered, window, [this] { UndoStep(); });
+        QObject::connect(window->findChild<QAction*>(QStringLiteral("redoAction")),
+                         &QAction::triggered, window, [this] { RedoStep(); });
+    }
+    if (Application* app = Application::Instance()) app->afterInput = [this] { RecordStep(); };
+}
+
+void Gui::RefreshEditMenus() {
+    for (QWidget* window : std::initializer_list<QWidget*>{main_.get(), region_.get()}) {
+        window->findChild<QAction*>(QStringLiteral("undoAction"))->setEnabled(history_.CanUndo());
+        window->findChild<QAction*>(QStringLiteral("redoAction"))->setEnabled(history_.CanRedo());
+    }
+}
+
+void Gui::RecordStep() {
+    history_.Record(*project_);
+    RefreshEditMenus();
+}
+
+void Gui::UndoStep() { StepHistory(false); }
+void Gui::RedoStep() { StepHistory(true); }
+
+void Gui::StepHistory(bool redo) {
+    // Ctrl+Z pressed while a fit runs would pull the project from under it.
+    if (const Application* app = Application::Instance(); app && app->InputDepth() > 1) {
+        host_.Beep();
+        return;
+    }
+    if (!(redo ? history_.Redo(*project_, host_) : history_.Undo(*project_, host_))) host_.Beep();
+    main_->RefreshTitle();
+    RefreshEditMenus();
 }
 
 void Gui::BuildDialogs() {
@@ -55,7 +99,10 @@ void Gui::BuildDialogs() {
     };
 }
 
-Gui::~Gui() { host_.Attach(nullptr, nullptr, nullptr); }
+Gui::~Gui() {
+    if (Application* app = Application::Instance()) app->afterInput = nullptr;
+    host_.Attach(nullptr, nullptr, nullptr);
+}
 
 void Gui::Start(const std::string& defaultOptionsPath) {
     (void)GLTables();
@@ -66,6 +113,8 @@ void Gui::Start(const std::string& defaultOptionsPath) {
     LoadDefaultOptions(defaultOptionsPath, optionsForm_, project_->Options);
     options_->ShowForm();
     main_->MarkSaved("");
+    history_.Reset(*project_);
+    RefreshEditMenus();
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();

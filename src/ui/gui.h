@@ -6,6 +6,7 @@
 #include <string>
 
 #include "model/records.h"
+#include "session/history.h"
 #include "session/optionsform.h"
 #include "ui/filechooser.h"
 #include "ui/qthost.h"
@@ -45,6 +46,13 @@ public:
     RegionCaptionDialog& regionCaptionDialog() { return *caption_; }
     PeakEditor& peakEditor() { return *peakEditor_; }
     ConstraintDialog& constraintDialog() { return *constraints_; }
+    UndoHistory& history() { return history_; }
+
+    /// After a command: a change of the project becomes an undo step.
+    void RecordStep();
+    /// Edit > Undo and Edit > Redo; refused with a beep while another command runs.
+    void UndoStep();
+    void RedoStep();
 
 private:
     std::unique_ptr<Project> project_;  // large: kept off the stack
@@ -60,9 +68,15 @@ private:
     std::unique_ptr<RegionCaptionDialog> caption_;
     std::unique_ptr<ConstraintDialog> constraints_;
     std::unique_ptr<PeakEditor> peakEditor_;
+    UndoHistory history_;
 
     /// The peak editor and the region dialogs, built and hooked to the other windows.
     void BuildDialogs();
+    /// The Edit menus of both windows, wired to the history.
+    void WireEditMenus();
+    void RefreshEditMenus();
+    /// Undo (`redo` false) or Redo, between two commands only.
+    void StepHistory(bool redo);
 };
 
 }  // namespace molvera::ui

@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -18,6 +19,7 @@
 #include "session/fitcommands.h"
 #include "ui/filechooser.h"
 #include "ui/qthost.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
 namespace {
@@ -109,6 +111,9 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     for (QPushButton* b : {options, open, save, optimiseAll, close}) buttons->addWidget(b);
 
     auto* layout = new QVBoxLayout(this);
+    auto* bar = new QMenuBar(this);
+    AddEditMenu(*bar);
+    layout->setMenuBar(bar);
     layout->addLayout(grid);
     layout->addWidget(frame);
     layout->addLayout(buttons);
@@ -177,6 +182,7 @@ void MainWindow::OpenProjectCommand() {
     }
     project_.FileName = path;
     MarkSaved(path);
+    if (projectReplaced) projectReplaced();
 }
 
 bool MainWindow::SaveProjectCommand() {

@@ -54,6 +54,8 @@ public:
     /// Called by peak button `buttonIndex` (10 x region + k): opens the peak editor
     /// on the peak that the button lists.
     std::function<void(int buttonIndex)> openPeakEditor;
+    /// Called when Open XPS has put another project in place of the open one.
+    std::function<void()> projectReplaced;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -6,6 +6,7 @@
 
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
+#include "ui/widgets.h"
 
 namespace molvera::ui {
 namespace {
@@ -58,6 +59,7 @@ void RegionWindow::BuildMenus() {
             [this] { PrintCommand(false); });
     AddItem(data, QStringLiteral("Print with peak parameters"), "printWithPeakParametersAction",
             [this] { PrintCommand(true); });
+    AddEditMenu(*menuBar());
 
     AddItem(nullptr, QStringLiteral("Background"), "backgroundAction",
             [this] { BackgroundCommand(); });

@@ -1,6 +1,8 @@
 #include "ui/widgets.h"
 
+#include <QAction>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 
 namespace molvera::ui {
@@ -66,6 +68,19 @@ void ShowOrHide(QWidget& window, bool visible) {
     } else {
         window.hide();
     }
+}
+
+void AddEditMenu(QMenuBar& bar) {
+    QMenu* edit = bar.addMenu(QStringLiteral("Edit"));
+    edit->setObjectName(QStringLiteral("editMenu"));
+    QAction* undo = edit->addAction(QStringLiteral("Undo"));
+    undo->setObjectName(QStringLiteral("undoAction"));
+    undo->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
+    QAction* redo = edit->addAction(QStringLiteral("Redo"));
+    redo->setObjectName(QStringLiteral("redoAction"));
+    redo->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+    undo->setEnabled(false);
+    redo->setEnabled(false);
 }
 
 }  // namespace molvera::ui

@@ -12,6 +12,7 @@
 #include <QString>
 
 class QLineEdit;
+class QMenuBar;
 class QPushButton;
 class QWidget;
 
@@ -36,5 +37,8 @@ QPushButton* NamedButton(QWidget* parent, const QString& caption, const QString&
 void MarkInvalidBox(QWidget& window, const std::string& field);
 /// Shows and raises `window`, or hides it.
 void ShowOrHide(QWidget& window, bool visible);
+/// The Edit menu of `bar`: Undo (Ctrl+Z, `undoAction`) and Redo (Ctrl+Shift+Z,
+/// `redoAction`), both disabled until the undo history says otherwise.
+void AddEditMenu(QMenuBar& bar);
 
 }  // namespace molvera::ui

@@ -5,11 +5,15 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QTest>
+#include <QTimer>
 
 #include "base/messages.h"
+#include "fileio/projectfile.h"
 #include "support/files.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
+#include "ui/fittingwindow.h"
 #include "ui/gui_fixture.h"
 #include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
@@ -160,6 +164,40 @@ TEST_F(GuiTest, DialogsAreDisabledDuringAFitAndRegionDialogsCloseOnAnotherRegion
     main().RegionButton(4)->click();
     EXPECT_FALSE(gui->backgroundDialog().isVisible() || gui->constraintDialog().isVisible() ||
                  gui->peakEditor().isVisible());
+}
+
+// Each finished command is one undo step, a whole fit included, whatever input arrives
+// while it runs; Ctrl+Z and Ctrl+Shift+Z walk the steps in either window.
+TEST_F(GuiTest, UndoAndRedoWalkWholeCommands) {
+    chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps"};
+    QTest::mouseClick(Child<QPushButton>(main(), "openProjectButton"), Qt::LeftButton);
+    const std::string opened = ProjectFileBytes(project());
+    project().Options.Method = 1;
+    project().Options.NewtonTrials = 50;
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (++ticks == 2) QTest::keyClick(gui->fittingWindow().StopButton(), Qt::Key_A);
+    });
+    timer.start(0);
+    QTest::mouseClick(Child<QPushButton>(main(), "optimiseAllButton"), Qt::LeftButton);
+    timer.stop();
+    ASSERT_GE(ticks, 2);
+    const std::string fitted = ProjectFileBytes(project());
+    ASSERT_TRUE(fitted != opened);
+    QTest::keyClicks(Child<QLineEdit>(main(), "descriptionBox"), "etched");
+    EXPECT_EQ(gui->history().Steps(), 2u);  // the fit, the typing
+
+    main().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&main()));
+    QTest::keyClick(&main(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Text(main(), "descriptionBox"), "");
+    EXPECT_TRUE(ProjectFileBytes(project()) == fitted);
+    QTest::keyClick(&region(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(ProjectFileBytes(project()) == opened);
+    EXPECT_FALSE(region().Action("undoAction")->isEnabled());
+    QTest::keyClick(&main(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(ProjectFileBytes(project()) == fitted);
 }
 
 }  // namespace
