@@ -2,10 +2,13 @@
 // Where the windows talk to the user: message boxes, Yes/No questions and the beep.
 // The program uses real dialogs; tests put a recorder in their place.
 
+#include <memory>
+
 #include <QString>
 
 #include "session/sessionhost.h"
 
+class QMessageBox;
 class QWidget;
 
 namespace molvera::ui {
@@ -24,6 +27,12 @@ public:
     /// The system beep.
     virtual void Beep() = 0;
 };
+
+/// The boxes DialogSink shows, built over the active window but not yet shown: a message
+/// (error or information icon, OK), a Yes/No question, and Save / Discard / Cancel.
+std::unique_ptr<QMessageBox> MessageBox(const QString& text, bool error);
+std::unique_ptr<QMessageBox> QuestionBox(const QString& title, const QString& text);
+std::unique_ptr<QMessageBox> SaveChangesBox(const QString& text);
 
 /// QMessageBox and QApplication::beep.
 class DialogSink : public UserSink {

@@ -2,9 +2,11 @@
 // folder named by MOLVERA_SCREENSHOT_DIR. Disabled in the normal test run.
 #include <QCoreApplication>
 #include <QDir>
+#include <QMessageBox>
 #include <QPushButton>
 
 #include "spectral/envelope.h"
+#include "support/files.h"
 #include "spectral/lineshape.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
@@ -58,6 +60,21 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Save(region(), dir, "region-window-selected-peak.png");
     gui->peakEditor().findChild<QPushButton*>("areaConstraintsButton")->click();
     Save(gui->constraintDialog(), dir, "constraint-dialog.png");
+    gui->constraintDialog().hide();
+    gui->peakEditor().hide();
+
+    // The boxes of two commands as they ask and refuse (the sink recorded their texts).
+    sink.saveAnswer = SaveChangesAnswer::Cancel;
+    Click(main(), "closeButton");
+    ASSERT_FALSE(sink.questions.empty());
+    Save(*ui::SaveChangesBox(QString::fromStdString(sink.questions.back())), dir,
+         "save-changes-prompt.png");
+    sink.saveAnswer = SaveChangesAnswer::Discard;
+    chooser.paths = {DataFile("real/lg4x/C1s_sample.csv")};
+    Click(main(), "openProjectButton");
+    ASSERT_FALSE(sink.messages.empty());
+    Save(*ui::MessageBox(QString::fromStdString(sink.messages.back()), true), dir,
+         "open-refused.png");
 }
 
 }  // namespace
