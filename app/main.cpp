@@ -1,5 +1,11 @@
-// Molvera, the desktop program.
+// Molvera, the desktop program: `molvera [FILE...]` opens projects and imports instrument
+// files named on the command line.
+#include <string>
+#include <vector>
+
 #include <QApplication>
+#include <QFile>
+#include <QStringList>
 
 #include "ui/gui.h"
 #include "ui/usersink.h"
@@ -11,5 +17,9 @@ int main(int argc, char** argv) {
     molvera::ui::QtFileChooser chooser;
     molvera::ui::Gui gui(sink, chooser);
     gui.Start("default.opa");
+    std::vector<std::string> files;
+    for (const QString& arg : QApplication::arguments().mid(1))
+        files.push_back(QFile::encodeName(arg).toStdString());
+    gui.OpenFiles(files);
     return QApplication::exec();
 }

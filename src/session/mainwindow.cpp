@@ -1,5 +1,9 @@
 #include "session/mainwindow.h"
 
+#include <fstream>
+
+#include "base/messages.h"
+#include "fileio/files.h"
 #include "fileio/projectfile.h"
 #include "model/project.h"
 
@@ -42,6 +46,42 @@ std::string ProposeFileName(const std::string& lastFileName, const std::string& 
     const std::size_t dot = lastFileName.find('.', nameStart);
     if (dot == std::string::npos) return lastFileName;
     return lastFileName.substr(0, dot + 1) + extension;
+}
+
+NamedFile ClassifyNamedFile(const std::string& path) {
+    NamedFile kind;
+    std::string head(16, '\0');
+    std::ifstream in(path, std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    kind.project = HasProjectHeader(head) || path.ends_with(".xps") || path.ends_with(".XPS");
+    if (!kind.project) kind.format = FindImportFormatOfFile(path);
+    if (kind.project || kind.format) return kind;
+    std::string known = "neither a project (xps) nor an instrument file (";
+    for (const ImportFormat& f : ImportFormats()) known += std::string(f.extensions) + " ";
+    known.back() = ')';
+    kind.refusal = WithFileName(Status::Error(msg::kWrongFileFormat, known), path);
+    return kind;
+}
+
+ImportResult ImportIntoEmptyRegion(Project& project, SessionHost& host, const ImportFormat& format,
+                                   const std::string& path) {
+    int empty = 0;
+    while (empty < kRegionCount && IsSet(project.Regions[empty].HasData)) ++empty;
+    if (empty == kRegionCount) {
+        ImportResult refused;
+        refused.status =
+            WithFileName(Status::Error(msg::kTooManyRegions, "every region holds data"), path);
+        return refused;
+    }
+    const int before = project.CurrentRegion;
+    SelectRegion(project, host, empty);
+    ImportResult result = ImportFile(project, host, format, path);
+    if (result.status)
+        project.FileName = path;
+    else
+        SelectRegion(project, host, before);
+    return result;
 }
 
 namespace {

@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "model/project.h"
+#include "session/mainwindow.h"
 #include "spectral/lineshape.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
@@ -69,6 +70,22 @@ void Gui::Start(const std::string& defaultOptionsPath) {
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();
+}
+
+void Gui::OpenFiles(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        const NamedFile kind = ClassifyNamedFile(path);
+        if (kind.project) {
+            if (main_->MayDropProject()) main_->LoadProjectFile(path);
+        } else if (kind.format) {
+            for (const Status& message :
+                 ImportIntoEmptyRegion(*project_, host_, *kind.format, path).Messages())
+                host_.Show(message);
+        } else {
+            host_.Show(kind.refusal);
+        }
+        files_.SetLastFileName(path);
+    }
 }
 
 }  // namespace molvera::ui

@@ -170,7 +170,10 @@ bool MainWindow::MayDropProject() {
 void MainWindow::OpenProjectCommand() {
     if (!MayDropProject()) return;
     const std::string path = files_.Open(kOpenProjectTitle, kProjectFilter);
-    if (path.empty()) return;
+    if (!path.empty()) LoadProjectFile(path);
+}
+
+void MainWindow::LoadProjectFile(const std::string& path) {
     if (Status st = LoadProject(project_, host_, path); !st) {
         host_.Show(st);
         return;

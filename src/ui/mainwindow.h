@@ -48,6 +48,8 @@ public:
     void RefreshTitle();
     /// Asks about unsaved changes; true when the project may be dropped.
     bool MayDropProject();
+    /// Opens the project file at `path` (after MayDropProject); a refusal is shown.
+    void LoadProjectFile(const std::string& path);
 
     /// Called by "Options" (the options dialog fills itself and shows).
     std::function<void()> openOptions;
