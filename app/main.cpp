@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include "session/recovery.h"
 #include "ui/gui.h"
 #include "ui/usersink.h"
 
@@ -16,7 +17,7 @@ int main(int argc, char** argv) {
     molvera::ui::DialogSink sink;
     molvera::ui::QtFileChooser chooser;
     molvera::ui::Gui gui(sink, chooser);
-    gui.Start("default.opa");
+    gui.Start("default.opa", molvera::RecoveryFolder());
     std::vector<std::string> files;
     for (const QString& arg : QApplication::arguments().mid(1))
         files.push_back(QFile::encodeName(arg).toStdString());

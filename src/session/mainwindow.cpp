@@ -84,22 +84,19 @@ ImportResult ImportIntoEmptyRegion(Project& project, SessionHost& host, const Im
     return result;
 }
 
-namespace {
-// The file bytes, without the side effect of cutting a long description in the project.
-std::string BytesOf(Project& project) {
+std::string ProjectBytesUncut(Project& project) {
     const std::string description = project.Description;
     std::string bytes = ProjectFileBytes(project);
     project.Description = description;
     return bytes;
 }
-}  // namespace
 
 void SavedProject::Mark(Project& project, const std::string& path) {
-    bytes_ = BytesOf(project);
+    bytes_ = ProjectBytesUncut(project);
     path_ = path;
 }
 
-bool SavedProject::Changed(Project& project) const { return BytesOf(project) != bytes_; }
+bool SavedProject::Changed(Project& project) const { return ProjectBytesUncut(project) != bytes_; }
 
 std::string SavedProject::Name() const {
     return path_.empty() ? "Untitled" : path_.substr(path_.find_last_of("/\\") + 1);

@@ -48,12 +48,22 @@ NamedFile ClassifyNamedFile(const std::string& path);
 ImportResult ImportIntoEmptyRegion(Project& project, SessionHost& host, const ImportFormat& format,
                                    const std::string& path);
 
+/// The project's file bytes, without cutting a long description in the project as a save
+/// does.
+std::string ProjectBytesUncut(Project& project);
+
 /// Whether the project differs from its file: its file bytes now against those at the
 /// last open, save or new (a few milliseconds for ten regions of 5000 points).
 class SavedProject {
 public:
     /// The project as it is now is the content of `path` ("": never saved).
     void Mark(Project& project, const std::string& path);
+    /// The project came from a recovery copy of `path`'s project: changed until saved.
+    void MarkRestored(const std::string& path) {
+        bytes_.clear();
+        path_ = path;
+    }
+    const std::string& Path() const { return path_; }
     bool Changed(Project& project) const;
     /// The main window's title: "c1s.xps* - Molvera" when changed, "Untitled - Molvera"
     /// before the first save.

@@ -58,7 +58,7 @@ void Gui::BuildDialogs() {
 
 Gui::~Gui() { host_.Attach(nullptr, nullptr, nullptr); }
 
-void Gui::Start(const std::string& defaultOptionsPath) {
+void Gui::Start(const std::string& defaultOptionsPath, const std::string& recoveryFolder) {
     (void)GLTables();
     ClearProject(*project_, host_);
     project_->TotalChiSquare = 0;
@@ -70,6 +70,7 @@ void Gui::Start(const std::string& defaultOptionsPath) {
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();
+    if (!recoveryFolder.empty()) main_->StartRecovery(recoveryFolder);
 }
 
 void Gui::OpenFiles(const std::vector<std::string>& paths) {

@@ -158,7 +158,26 @@ void MainWindow::PeakButtonClicked(int i) {
 
 void MainWindow::MarkSaved(const std::string& path) {
     saved_.Mark(project_, path);
+    recovery_.Remove();
     RefreshTitle();
+}
+
+void MainWindow::StartRecovery(const std::string& folder) {
+    recovery_ = RecoveryFile(folder, QCoreApplication::applicationPid());
+    if (Status st = recovery_.OfferRestore(project_, host_, saved_); !st) host_.Show(st);
+    if (!saved_.Path().empty()) files_.SetLastFileName(saved_.Path());
+    RecolourRegionButtons();
+    RefreshTitle();
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &MainWindow::Autosave);
+    timer->start(AutosaveSeconds() * 1000);
+}
+
+void MainWindow::Autosave() {
+    const Status st = recovery_.Update(project_, saved_);
+    if (st || autosaveFailed_) return;
+    autosaveFailed_ = true;
+    host_.Show(Status::Error(msg::kAutosaveFailed, st.detail()));
 }
 
 void MainWindow::RefreshTitle() { setWindowTitle(QString::fromStdString(saved_.Title(project_))); }
@@ -203,6 +222,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     event->accept();
+    recovery_.Remove();
     QApplication::exit(0);  // the whole program, whichever other windows are open
 }
 
