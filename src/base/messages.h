@@ -55,4 +55,9 @@ inline constexpr const char* kDeleteRegionText =
 inline constexpr const char* kNoPrinter = "No printer is available";
 inline constexpr const char* kPrintingFailed = "Error in printing";
 
+// Autosave.
+inline constexpr const char* kRestoreTitle = "Restore unsaved work";
+inline constexpr const char* kAutosaveFailed =
+    "The recovery copy of the unsaved work could not be written";
+
 }  // namespace molvera::msg

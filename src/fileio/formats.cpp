@@ -1,6 +1,8 @@
 #include "fileio/formats.h"
 
 #include <array>
+#include <cctype>
+#include <filesystem>
 
 #include "base/messages.h"
 #include "fileio/asciiimport.h"
@@ -69,6 +71,16 @@ std::span<const ImportFormat> ImportFormats() { return kFormats; }
 const ImportFormat* FindImportFormat(std::string_view name) {
     for (const ImportFormat& f : kFormats)
         if (f.name == name) return &f;
+    return nullptr;
+}
+
+const ImportFormat* FindImportFormatOfFile(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension().string();
+    if (extension.empty()) return nullptr;
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string word = " " + extension.substr(1) + " ";
+    for (const ImportFormat& f : kFormats)
+        if ((" " + std::string(f.extensions) + " ").find(word) != std::string::npos) return &f;
     return nullptr;
 }
 

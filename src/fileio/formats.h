@@ -33,6 +33,9 @@ std::span<const ImportFormat> ImportFormats();
 /// The format of a CLI name, or nullptr.
 const ImportFormat* FindImportFormat(std::string_view name);
 
+/// The format whose usual extensions include that of `path` (any case), or nullptr.
+const ImportFormat* FindImportFormatOfFile(const std::string& path);
+
 /// Reads the file at `path` in `format` and stores what it holds from CurrentRegion.
 /// Messages come back in the result; a detail names the file and where it went wrong.
 ImportResult ImportFile(Project& project, Host& host, const ImportFormat& format,

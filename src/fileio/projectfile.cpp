@@ -183,6 +183,11 @@ Status SaveProject(Project& project, const std::string& path) {
     return WriteFileBytes(path, ProjectFileBytes(project), msg::kErrorWritingFile);
 }
 
+bool HasProjectHeader(std::string_view bytes) {
+    return bytes.starts_with(kHeader40) || bytes.starts_with(kHeader30) ||
+           bytes.starts_with(kOldHeader);
+}
+
 Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead) {
     BinaryReader in(bytes);
     try {

@@ -18,6 +18,9 @@ std::string ProjectFileBytes(Project& project);
 /// ("Error in writing file").
 Status SaveProject(Project& project, const std::string& path);
 
+/// Whether `bytes` begin with the header of a project file of any version.
+bool HasProjectHeader(std::string_view bytes);
+
 /// Reads the records of a project file into `project` (emptied by the caller): the
 /// regions and peak slots the file holds, the tail, and the description when the file
 /// has one (`descriptionRead`). Refuses with "Wrong file format" or "Error in reading

@@ -1,5 +1,9 @@
 #include "session/mainwindow.h"
 
+#include <fstream>
+
+#include "base/messages.h"
+#include "fileio/files.h"
 #include "fileio/projectfile.h"
 #include "model/project.h"
 
@@ -44,22 +48,55 @@ std::string ProposeFileName(const std::string& lastFileName, const std::string& 
     return lastFileName.substr(0, dot + 1) + extension;
 }
 
-namespace {
-// The file bytes, without the side effect of cutting a long description in the project.
-std::string BytesOf(Project& project) {
+NamedFile ClassifyNamedFile(const std::string& path) {
+    NamedFile kind;
+    std::string head(16, '\0');
+    std::ifstream in(path, std::ios::binary);
+    in.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(in.gcount()));
+    kind.project = HasProjectHeader(head) || path.ends_with(".xps") || path.ends_with(".XPS");
+    if (!kind.project) kind.format = FindImportFormatOfFile(path);
+    if (kind.project || kind.format) return kind;
+    std::string known = "neither a project (xps) nor an instrument file (";
+    for (const ImportFormat& f : ImportFormats()) known += std::string(f.extensions) + " ";
+    known.back() = ')';
+    kind.refusal = WithFileName(Status::Error(msg::kWrongFileFormat, known), path);
+    return kind;
+}
+
+ImportResult ImportIntoEmptyRegion(Project& project, SessionHost& host, const ImportFormat& format,
+                                   const std::string& path) {
+    int empty = 0;
+    while (empty < kRegionCount && IsSet(project.Regions[empty].HasData)) ++empty;
+    if (empty == kRegionCount) {
+        ImportResult refused;
+        refused.status =
+            WithFileName(Status::Error(msg::kTooManyRegions, "every region holds data"), path);
+        return refused;
+    }
+    const int before = project.CurrentRegion;
+    SelectRegion(project, host, empty);
+    ImportResult result = ImportFile(project, host, format, path);
+    if (result.status)
+        project.FileName = path;
+    else
+        SelectRegion(project, host, before);
+    return result;
+}
+
+std::string ProjectBytesUncut(Project& project) {
     const std::string description = project.Description;
     std::string bytes = ProjectFileBytes(project);
     project.Description = description;
     return bytes;
 }
-}  // namespace
 
 void SavedProject::Mark(Project& project, const std::string& path) {
-    bytes_ = BytesOf(project);
+    bytes_ = ProjectBytesUncut(project);
     path_ = path;
 }
 
-bool SavedProject::Changed(Project& project) const { return BytesOf(project) != bytes_; }
+bool SavedProject::Changed(Project& project) const { return ProjectBytesUncut(project) != bytes_; }
 
 std::string SavedProject::Name() const {
     return path_.empty() ? "Untitled" : path_.substr(path_.find_last_of("/\\") + 1);

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "base/status.h"
+#include "fileio/formats.h"
 #include "model/host.h"
 #include "model/records.h"
 #include "plot/canvas.h"
@@ -31,12 +33,37 @@ void SelectRegion(Project& project, SessionHost& host, int k);
 /// proposed unchanged. The folder part is kept as it is.
 std::string ProposeFileName(const std::string& lastFileName, const std::string& extension);
 
+/// What a file named on the command line is taken for: a project when it begins with a
+/// project file's header or its name ends in ".xps", otherwise an instrument file in the
+/// import format of its extension (".vms": VAMAS); neither: `refusal` says so.
+struct NamedFile {
+    bool project = false;
+    const ImportFormat* format = nullptr;
+    Status refusal;
+};
+NamedFile ClassifyNamedFile(const std::string& path);
+
+/// Imports an instrument file into the first region without data, which becomes current;
+/// when the import is refused, the region that was current is current again.
+ImportResult ImportIntoEmptyRegion(Project& project, SessionHost& host, const ImportFormat& format,
+                                   const std::string& path);
+
+/// The project's file bytes, without cutting a long description in the project as a save
+/// does.
+std::string ProjectBytesUncut(Project& project);
+
 /// Whether the project differs from its file: its file bytes now against those at the
 /// last open, save or new (a few milliseconds for ten regions of 5000 points).
 class SavedProject {
 public:
     /// The project as it is now is the content of `path` ("": never saved).
     void Mark(Project& project, const std::string& path);
+    /// The project came from a recovery copy of `path`'s project: changed until saved.
+    void MarkRestored(const std::string& path) {
+        bytes_.clear();
+        path_ = path;
+    }
+    const std::string& Path() const { return path_; }
     bool Changed(Project& project) const;
     /// The main window's title: "c1s.xps* - Molvera" when changed, "Untitled - Molvera"
     /// before the first save.

@@ -5,6 +5,7 @@
 #include <QAction>
 
 #include "model/project.h"
+#include "session/mainwindow.h"
 #include "spectral/lineshape.h"
 #include "ui/application.h"
 #include "ui/backgrounddialog.h"
@@ -104,7 +105,7 @@ Gui::~Gui() {
     host_.Attach(nullptr, nullptr, nullptr);
 }
 
-void Gui::Start(const std::string& defaultOptionsPath) {
+void Gui::Start(const std::string& defaultOptionsPath, const std::string& recoveryFolder) {
     (void)GLTables();
     ClearProject(*project_, host_);
     project_->TotalChiSquare = 0;
@@ -113,11 +114,28 @@ void Gui::Start(const std::string& defaultOptionsPath) {
     LoadDefaultOptions(defaultOptionsPath, optionsForm_, project_->Options);
     options_->ShowForm();
     main_->MarkSaved("");
-    history_.Reset(*project_);
-    RefreshEditMenus();
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();
+    if (!recoveryFolder.empty()) main_->StartRecovery(recoveryFolder);
+    history_.Reset(*project_);  // a restored copy is where the history starts
+    RefreshEditMenus();
+}
+
+void Gui::OpenFiles(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        const NamedFile kind = ClassifyNamedFile(path);
+        if (kind.project) {
+            if (main_->MayDropProject()) main_->LoadProjectFile(path);
+        } else if (kind.format) {
+            for (const Status& message :
+                 ImportIntoEmptyRegion(*project_, host_, *kind.format, path).Messages())
+                host_.Show(message);
+        } else {
+            host_.Show(kind.refusal);
+        }
+        files_.SetLastFileName(path);
+    }
 }
 
 }  // namespace molvera::ui

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "model/records.h"
 #include "session/history.h"
@@ -31,8 +32,13 @@ public:
     ~Gui();
 
     /// Start-up: line-shape tables, cleared project, the options file at
-    /// `defaultOptionsPath` (silently absent), then the main and region windows shown.
-    void Start(const std::string& defaultOptionsPath = "default.opa");
+    /// `defaultOptionsPath` (silently absent), then the main and region windows shown;
+    /// with a `recoveryFolder`, the autosave there (MainWindow::StartRecovery).
+    void Start(const std::string& defaultOptionsPath = "default.opa",
+               const std::string& recoveryFolder = "");
+    /// Files named on the command line, in turn: a project is opened as Open XPS opens
+    /// it, an instrument file imported into the first empty region; refusals are shown.
+    void OpenFiles(const std::vector<std::string>& paths);
 
     Project& project() { return *project_; }
     QtHost& host() { return host_; }

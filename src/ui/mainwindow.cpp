@@ -163,7 +163,27 @@ void MainWindow::PeakButtonClicked(int i) {
 
 void MainWindow::MarkSaved(const std::string& path) {
     saved_.Mark(project_, path);
+    recovery_.Remove();
     RefreshTitle();
+}
+
+void MainWindow::StartRecovery(const std::string& folder) {
+    recovery_ = RecoveryFile(folder, QCoreApplication::applicationPid());
+    if (Status st = recovery_.OfferRestore(project_, host_, saved_); !st) host_.Show(st);
+    if (!saved_.Path().empty()) files_.SetLastFileName(saved_.Path());
+    RecolourRegionButtons();
+    RefreshTitle();
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &MainWindow::Autosave);
+    timer->start(AutosaveSeconds() * 1000);
+}
+
+void MainWindow::Autosave() {
+    if (!isEnabled()) return;  // a fit runs: the copy waits for its result
+    const Status st = recovery_.Update(project_, saved_);
+    if (st || autosaveFailed_) return;
+    autosaveFailed_ = true;
+    host_.Show(Status::Error(msg::kAutosaveFailed, st.detail()));
 }
 
 void MainWindow::RefreshTitle() { setWindowTitle(QString::fromStdString(saved_.Title(project_))); }
@@ -175,7 +195,10 @@ bool MainWindow::MayDropProject() {
 void MainWindow::OpenProjectCommand() {
     if (!MayDropProject()) return;
     const std::string path = files_.Open(kOpenProjectTitle, kProjectFilter);
-    if (path.empty()) return;
+    if (!path.empty()) LoadProjectFile(path);
+}
+
+void MainWindow::LoadProjectFile(const std::string& path) {
     if (Status st = LoadProject(project_, host_, path); !st) {
         host_.Show(st);
         return;
@@ -206,6 +229,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     event->accept();
+    recovery_.Remove();
     QApplication::exit(0);  // the whole program, whichever other windows are open
 }
 

@@ -10,6 +10,7 @@
 #include "base/limits.h"
 #include "model/records.h"
 #include "session/mainwindow.h"
+#include "session/recovery.h"
 
 class QLabel;
 class QLineEdit;
@@ -48,6 +49,12 @@ public:
     void RefreshTitle();
     /// Asks about unsaved changes; true when the project may be dropped.
     bool MayDropProject();
+    /// Opens the project file at `path` (after MayDropProject); a refusal is shown.
+    void LoadProjectFile(const std::string& path);
+    /// Offers the recovery copies in `folder` that programs which did not close normally
+    /// left, then keeps a copy there, every AutosaveSeconds(), while there are unsaved
+    /// changes.
+    void StartRecovery(const std::string& folder);
 
     /// Called by "Options" (the options dialog fills itself and shows).
     std::function<void()> openOptions;
@@ -62,6 +69,7 @@ protected:
 
 private:
     void PeakButtonClicked(int i);
+    void Autosave();
 
     Project& project_;
     QtHost& host_;
@@ -73,6 +81,8 @@ private:
     QLineEdit* description_ = nullptr;
     bool settingDescription_ = false;
     SavedProject saved_;
+    RecoveryFile recovery_{"", 0};
+    bool autosaveFailed_ = false;  ///< shown once
 };
 
 }  // namespace molvera::ui

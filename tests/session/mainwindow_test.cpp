@@ -1,5 +1,5 @@
-// The main window's rule for the file name a save dialog proposes, and the unsaved-changes
-// mark and question.
+// The main window's rule for the file name a save dialog proposes, the unsaved-changes
+// mark and question, and how a file named on the command line is taken.
 #include "session/mainwindow.h"
 
 #include <memory>
@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "fileio/projectfile.h"
+#include "support/files.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
 
@@ -66,6 +67,35 @@ TEST(SavedProject, AsksBeforeDroppingChangesAndFollowsTheAnswer) {
         EXPECT_EQ(host.saveQuestions, std::vector<std::string>{"Save changes to c1s.xps?"});
         project->Description.clear();
     }
+}
+
+TEST(NamedFile, ProjectByItsHeaderInstrumentFileByItsExtension) {
+    const std::filesystem::path dir = test::ScratchDir();
+    auto project = std::make_unique<Project>();
+    test::WriteBytes(dir / "project.vms", ProjectFileBytes(*project));
+    test::WriteBytes(dir / "notes.foo", "VAMAS Surface Chemical Analysis Standard\n");
+    const std::string vamas = test::DataFile("real/lg4x/Mutlipak_vms.npl");
+    EXPECT_TRUE(ClassifyNamedFile((dir / "project.vms").string()).project);
+    EXPECT_TRUE(ClassifyNamedFile("/missing/c1s.xps").project);  // the reader says why
+    EXPECT_EQ(ClassifyNamedFile(vamas).format, FindImportFormat("vamas"));
+    EXPECT_EQ(ClassifyNamedFile("/data/C1S.CSV").format, FindImportFormat("ascii"));
+    const NamedFile unknown = ClassifyNamedFile((dir / "notes.foo").string());
+    EXPECT_FALSE(unknown.project || unknown.format);
+    EXPECT_EQ(unknown.refusal.Text(),
+              "Wrong file format\nnotes.foo: neither a project (xps) nor an instrument file "
+              "(des dat asc vms npl txt csv xy)");
+    // An import goes into the first empty region; a refused one leaves the current region.
+    test::FillSampleRegion(*project, 0);
+    test::RecordingHost host;
+    ASSERT_TRUE(ImportIntoEmptyRegion(*project, host, *FindImportFormat("vamas"),
+                                      test::DataFile("real/lg4x/0-150W.vms"))
+                    .status);
+    EXPECT_EQ(project->CurrentRegion, 1);
+    EXPECT_TRUE(IsSet(project->Regions[1].HasData));
+    EXPECT_FALSE(ImportIntoEmptyRegion(*project, host, *FindImportFormat("vamas"),
+                                       (dir / "notes.foo").string())
+                     .status);
+    EXPECT_EQ(project->CurrentRegion, 1);
 }
 
 }  // namespace

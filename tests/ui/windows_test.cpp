@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QProcess>
 #include <QTest>
 #include <QTimer>
 
@@ -78,6 +79,42 @@ TEST_F(GuiTest, CloseAsksBeforeAnEditedDescriptionIsLost) {
     EXPECT_FALSE(main().isVisible());
     EXPECT_EQ(sink.questions, std::vector<std::string>(3, "Save changes to Untitled?"));
     EXPECT_NE(ReadBytes(path).find("etched C 1s"), std::string::npos);
+}
+
+// The real program, killed (SIGKILL) with a command-line import unsaved, leaves a recovery
+// copy that the next start restores: the same project as the import made here.
+TEST_F(GuiTest, AKilledProgramsUnsavedImportIsRestoredAtTheNextStart) {
+    const std::filesystem::path state = ScratchDir();
+    const std::string vamas = DataFile("real/lg4x/Mutlipak_vms.npl");
+    QProcess app;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.insert("XDG_STATE_HOME", QString::fromStdString(state.string()));
+    env.insert("MOLVERA_AUTOSAVE_SECONDS", "1");
+    app.setProcessEnvironment(env);
+    app.setWorkingDirectory(MOLVERA_SOURCE_DIR);  // its default.opa, as here
+    app.start(MOLVERA_APP_PATH, {QString::fromStdString(vamas)});
+    ASSERT_TRUE(app.waitForStarted(10000));
+    const auto copy = state / "molvera" / ("recovery-" + std::to_string(app.processId()) + ".xps");
+    for (int i = 0; i < 300 && !std::filesystem::exists(copy); ++i) app.waitForFinished(100);
+    ASSERT_TRUE(std::filesystem::exists(copy));
+    app.kill();  // SIGKILL
+    ASSERT_TRUE(app.waitForFinished(10000));
+
+    chooser.paths = {vamas};
+    Menu("importVamasAction");
+    const std::string imported = ProjectFileBytes(project());
+    EXPECT_TRUE(ReadBytes(copy) == imported);  // the killed program's work, byte for byte
+    sink.answers = {true};
+    ui::Gui next(sink, chooser);
+    next.Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa", (state / "molvera").string());
+    EXPECT_TRUE(sink.questions.back().starts_with("Restore unsaved work|Molvera did not close"));
+    // Restored as Open XPS reads a file (which sets an end-point average of 0 to 1).
+    ASSERT_TRUE(LoadProjectBytes(project(), gui->host(), imported));
+    EXPECT_TRUE(ProjectFileBytes(next.project()) == ProjectFileBytes(project()));
+    EXPECT_EQ(next.mainWindow().windowTitle().toStdString(), "Untitled* - Molvera");
+    next.mainWindow().close();  // Discard: a clean exit leaves no copy
+    EXPECT_TRUE(std::filesystem::is_empty(state / "molvera"));
 }
 
 // The cursor read-out belongs to the plot it was read on: another region or another
