@@ -5,6 +5,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "base/messages.h"
+#include "session/recovery.h"
 #include "spectral/envelope.h"
 #include "support/files.h"
 #include "spectral/lineshape.h"
@@ -75,6 +77,12 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     ASSERT_FALSE(sink.messages.empty());
     Save(*ui::MessageBox(QString::fromStdString(sink.messages.back()), true), dir,
          "open-refused.png");
+    RecoveryCopy copy;
+    copy.originalPath = "/data/c1s.xps";
+    copy.writtenAt = "2026-11-24 05:10";
+    Save(*ui::QuestionBox(QString::fromLatin1(msg::kRestoreTitle),
+                          QString::fromStdString(RestoreQuestion(copy))),
+         dir, "restore-prompt.png");
 }
 
 }  // namespace
