@@ -6,8 +6,8 @@
 namespace molvera::ui {
 namespace {
 
-std::unique_ptr<QMessageBox> Box(QMessageBox::Icon icon, const QString& title,
-                                 const QString& text, QMessageBox::StandardButtons buttons) {
+std::unique_ptr<QMessageBox> Box(QMessageBox::Icon icon, const QString& title, const QString& text,
+                                 QMessageBox::StandardButtons buttons) {
     return std::make_unique<QMessageBox>(icon, title, text, buttons, QApplication::activeWindow());
 }
 
