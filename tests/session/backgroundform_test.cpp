@@ -133,9 +133,14 @@ TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
         BackgroundForm again;
         ShowBackgroundDialog(project, again);
         EXPECT_EQ(std::tuple(again.backgroundType, again.averagePoints,
-                             again.tougaardB1Text + "|" + again.shirleySlopeText),
-                  std::tuple(c.type, c.average, c.reopened));
+                             again.tougaardB1Text + "|" + again.shirleySlopeText, again.areaText),
+                  std::tuple(c.type, c.average, c.reopened, form.areaText));
     }
+    // The same dialog opened on a region without a background keeps no area of region 3.
+    test::FillSampleRegion(project, 4);
+    project.CurrentRegion = 4;
+    ShowBackgroundDialog(project, form);
+    EXPECT_EQ(form.areaText, "-----");
 }
 
 TEST_F(BackgroundFormTest, CorrectedBoxIsAcceptedForAnyDataMinimum) {
