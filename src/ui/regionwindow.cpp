@@ -2,7 +2,9 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMenuBar>
+#include <QStatusBar>
 
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
@@ -24,10 +26,21 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
       project_(project),
       host_(host),
       files_(files),
-      plot_(new PlotWidget(project, this)) {
+      plot_(new PlotWidget(project, this)),
+      warning_(new QLabel(this)),
+      fitSummary_(new QLabel(this)) {
     setObjectName(QStringLiteral("regionWindow"));
     setWindowTitle(QStringLiteral("Region"));
     setCentralWidget(plot_);
+    warning_->setObjectName(QStringLiteral("warningLabel"));
+    warning_->setStyleSheet(QStringLiteral("QLabel { color: #b32d00; font-weight: bold; }"));
+    // A long text is cut rather than widening the window; the warning comes first and the
+    // fit summary takes the room left.
+    for (QLabel* label : {warning_, fitSummary_}) label->setMinimumWidth(1);
+    fitSummary_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(warning_);
+    statusBar()->addWidget(fitSummary_, 1);
+    warning_->hide();
     resize(820, 600);
     BuildMenus();
 }
@@ -95,6 +108,19 @@ void RegionWindow::ShowRegion(bool redraw) {
 }
 
 void RegionWindow::Redraw() { plot_->RequestRedraw(); }
+
+void RegionWindow::SetWarning(const QString& text) {
+    warning_->setText(text);
+    warning_->setToolTip(text);
+    warning_->setVisible(!text.isEmpty());
+}
+
+void RegionWindow::SetFitSummary(const QString& text) {
+    fitSummary_->setText(text);
+    fitSummary_->setToolTip(text);
+}
+
+QString RegionWindow::WarningText() const { return warning_->text(); }
 
 void RegionWindow::SetCommandsEnabled(bool enabled) {
     menuBar()->setEnabled(enabled);

@@ -58,6 +58,13 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Save(region(), dir, "region-window-selected-peak.png");
     gui->peakEditor().findChild<QPushButton*>("areaConstraintsButton")->click();
     Save(gui->constraintDialog(), dir, "constraint-dialog.png");
+
+    // A peak moved beyond the data: the warning in the status line.
+    gui->peakEditor().hide();
+    project().Peaks[2].Position = 310;
+    ComputeRegionEnvelope(project(), gui->host());
+    Menu("redisplayAction");
+    Save(region(), dir, "region-window-warning.png");
 }
 
 }  // namespace

@@ -162,5 +162,20 @@ TEST_F(GuiTest, DialogsAreDisabledDuringAFitAndRegionDialogsCloseOnAnotherRegion
                  gui->peakEditor().isVisible());
 }
 
+TEST_F(GuiTest, WarningsStayInTheStatusLineUntilTheNextCommand) {
+    SampleWithPeaks(1);
+    const int slot = project().Current().PeakIndex[0];
+    const float position = project().Peaks[slot].Position;
+    project().Peaks[slot].Position = 512;
+    Menu("redisplayAction");
+    EXPECT_EQ(region().WarningText().toStdString(),
+              "Warning: peak " + std::to_string(slot) +
+                  " at 512.0 eV lies outside the data (266.5 .. 301.5 eV)");
+    project().Peaks[slot].Position = position;
+    Menu("redisplayAction");
+    EXPECT_EQ(region().WarningText(), QString());
+    EXPECT_TRUE(sink.messages.empty());  // no message box
+}
+
 }  // namespace
 }  // namespace molvera::test
