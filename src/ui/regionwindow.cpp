@@ -32,6 +32,9 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
     setObjectName(QStringLiteral("regionWindow"));
     setWindowTitle(QStringLiteral("Region"));
     setCentralWidget(plot_);
+    plot_->painted = [this](int region) {
+        setWindowTitle(QStringLiteral("Region %1").arg(region + 1));
+    };
     warning_->setObjectName(QStringLiteral("warningLabel"));
     warning_->setStyleSheet(QStringLiteral("QLabel { color: #b32d00; font-weight: bold; }"));
     // A long text is cut rather than widening the window; the warning comes first and the
@@ -102,7 +105,6 @@ QAction* RegionWindow::Action(const QString& itemName) const {
 }
 
 void RegionWindow::ShowRegion(bool redraw) {
-    setWindowTitle(QStringLiteral("Region %1").arg(project_.CurrentRegion + 1));
     if (!isVisible()) show();
     if (redraw) plot_->RequestRedraw();
 }

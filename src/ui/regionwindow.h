@@ -25,8 +25,9 @@ class RegionWindow : public QMainWindow {
 public:
     RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent = nullptr);
 
-    /// The current region in view: the window shown and titled "Region N"; the plot redrawn
-    /// when asked.
+    /// The current region in view: the window shown; the plot redrawn when asked. The title
+    /// ("Region N") names the region the plot last painted, so that during a fit, when
+    /// paints are spaced out, it never names another.
     void ShowRegion(bool redraw = true);
     /// The status line: the warnings of the last command ("Warning: ...", in a warning
     /// colour; empty clears them) and the summary of the last fit.

@@ -162,6 +162,26 @@ TEST_F(GuiTest, DialogsAreDisabledDuringAFitAndRegionDialogsCloseOnAnotherRegion
                  gui->peakEditor().isVisible());
 }
 
+// During Optimise All the plot paints at most every few frames; the title always names the
+// region the plot shows.
+TEST_F(GuiTest, TitleNamesThePlottedRegionDuringOptimiseAll) {
+    for (int r : {0, 1, 2}) {
+        main().RegionButton(r)->click();
+        SampleWithPeaks(2);
+    }
+    int steps = 0, mismatches = 0;
+    gui->host().beforeYield = [&] {
+        const int painted = region().Plot()->PaintedRegion();
+        ++steps;
+        if (painted >= 0 && region().windowTitle() != QStringLiteral("Region %1").arg(painted + 1))
+            ++mismatches;
+    };
+    Click(main(), "optimiseAllButton");
+    gui->host().beforeYield = nullptr;
+    EXPECT_GT(steps, 3);
+    EXPECT_EQ(mismatches, 0);
+}
+
 TEST_F(GuiTest, WarningsStayInTheStatusLineUntilTheNextCommand) {
     SampleWithPeaks(1);
     const int slot = project().Current().PeakIndex[0];
