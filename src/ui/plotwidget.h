@@ -37,7 +37,8 @@ public:
     QPointF ToPlotUnits(const QPointF& position) const;
     /// The region of the last paint; -1 before the first.
     int PaintedRegion() const { return paintedRegion_; }
-    /// Called at every paint with the region painted (the window's title follows it).
+    /// Called when a paint shows another region than the paint before (the window's title
+    /// follows it).
     std::function<void(int region)> painted;
 
 protected:
