@@ -100,6 +100,7 @@ int RunImport(int argc, char** argv) {
     const ImportResult imported = ImportFile(s.project, s.host, *format, file);
     for (const Status& notice : imported.notices) Print(notice);
     if (!imported.status) return Refused(imported.status);
+    for (const std::string& w : imported.warnings) Warn(w);
     for (int k = 0; k < kRegionCount; ++k) {
         const Region& r = s.project.Regions[k];
         if (IsSet(r.HasData) && !(r == before[k])) std::printf("%s\n", RegionLine(k, r).c_str());

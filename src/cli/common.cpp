@@ -10,6 +10,7 @@
 #include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
 #include "session/formnumber.h"
+#include "spectral/warnings.h"
 
 namespace molvera::cli {
 
@@ -91,9 +92,14 @@ Status LoadInput(Session& s, const std::string& path) {
     return LoadProject(s.project, s.host, path);
 }
 
+void Warn(const std::string& text) { std::fprintf(stderr, "warning: %s\n", text.c_str()); }
+
 Status SaveOutput(Session& s, const Args& args) {
     auto out = args.Value("o");
     if (!out) return Status::Error("no output file given (-o FILE)");
+    for (int r = 0; r < kRegionCount; ++r)
+        for (const std::string& w : RegionWarnings(s.project, r))
+            Warn("region " + std::to_string(r + 1) + ": " + w);
     return SaveProject(s.project, *out);
 }
 

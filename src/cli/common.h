@@ -43,7 +43,11 @@ Status LoadOptions(const Args& args, Session& s);
 /// Loads a project file into the session.
 Status LoadInput(Session& s, const std::string& path);
 
-/// Writes the project to the path of -o.
+/// Prints "warning: text" to stderr.
+void Warn(const std::string& text);
+
+/// Writes the project to the path of -o, after the warnings of every region
+/// ("warning: region 2: peak 3 at 512.0 eV lies outside the data (275.0 .. 292.0 eV)").
 Status SaveOutput(Session& s, const Args& args);
 
 /// The region of --region N (1..10) as a slot 0..9.

@@ -49,8 +49,13 @@ ImportedData ReadAscii(std::string_view text) {
     ImportedSpectrum s;
     bool more = false;         // pairs beyond the 5000th
     bool interrupted = false;  // a skipped text line since the last pair
+    int pending = 0;           // text lines since the last pair
+    int firstPending = 0;
+    int lineNumber = 0;
+    ImportedData data;
     std::size_t pos = 0;
     while (pos < text.size()) {
+        ++lineNumber;
         std::size_t end = text.find_first_of("\r\n", pos);
         if (end == std::string_view::npos) end = text.size();
         const std::string_view line = text.substr(pos, end - pos);
@@ -59,8 +64,10 @@ ImportedData ReadAscii(std::string_view text) {
         if (pos < text.size() && text[pos] == '\n') ++pos;
         const auto pair = DataPair(line);
         if (!pair) {
-            if (!s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos)
+            if (!s.energy.empty() && line.find_first_not_of(" \t") != std::string_view::npos) {
                 interrupted = true;
+                if (!IsCommentLine(line) && pending++ == 0) firstPending = lineNumber;
+            }
             continue;
         }
         if (interrupted && StartsAgain(s.energy, pair->first)) break;
@@ -69,10 +76,12 @@ ImportedData ReadAscii(std::string_view text) {
             more = true;
             break;
         }
+        // Text lines between pairs of one spectrum were left out of it.
+        if (pending > 0 && data.skippedLines == 0) data.firstSkippedLine = firstPending;
+        data.skippedLines += std::exchange(pending, 0);
         s.energy.push_back(pair->first);
         s.intensity.push_back(pair->second);
     }
-    ImportedData data;
     if (s.energy.empty()) {
         data.status =
             Status::Error(msg::kErrorReadingFileImport, "no line holds a pair of numbers");

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/messages.h"
+#include "base/numtext.h"
 #include "fileio/kratos.h"
 #include "model/project.h"
 #include "spectral/background.h"
@@ -82,8 +83,10 @@ void StoreSpectrum(Project& project, const ImportedSpectrum& s, SortRule rule) {
     UpdateDataExtents(region);
 }
 
-ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
-                         const StorePolicy& policy) {
+namespace {
+
+ImportResult StoreData(Project& project, Host& host, const ImportedData& data,
+                       const StorePolicy& policy) {
     ImportResult result;
     // A file that could not be read to its end stores nothing: the open project stays as
     // it was. Every later refusal is decided before the project is touched.
@@ -114,6 +117,47 @@ ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
         RefreshMainWindow(project, host);
     }
     result.status = data.status;
+    return result;
+}
+
+}  // namespace
+
+std::vector<std::string> ImportWarnings(const ImportedData& data) {
+    std::vector<std::string> found;
+    // A few points below 0 eV are a valence band crossing the Fermi level; mostly negative
+    // energies are kinetic energies (an Auger spectrum) read as binding energies.
+    for (std::size_t k = 0; k < data.spectra.size(); ++k) {
+        const std::vector<float>& e = data.spectra[k].energy;
+        const auto negative = std::count_if(e.begin(), e.end(), [](float v) { return v < 0; });
+        if (2 * static_cast<std::size_t>(negative) <= e.size()) continue;
+        const std::string which =
+            data.spectra.size() > 1 ? "spectrum " + std::to_string(k + 1) : "the spectrum";
+        found.push_back(which + ": " + std::to_string(negative) + " of " +
+                        std::to_string(e.size()) + " energies are negative, down to " +
+                        FormatFixed(*std::min_element(e.begin(), e.end()), 1) +
+                        " eV (kinetic energies read as binding energies?)");
+    }
+    if (data.skippedLines > 0)
+        found.push_back(std::to_string(data.skippedLines) +
+                        (data.skippedLines == 1 ? " line" : " lines") +
+                        " without a pair of numbers left out, the first is line " +
+                        std::to_string(data.firstSkippedLine));
+    if (!data.otherTechniques.empty()) {
+        std::string names;
+        for (const std::string& t : data.otherTechniques)
+            if (names.find("'" + t + "'") == std::string::npos)
+                names += (names.empty() ? "'" : ", '") + t + "'";
+        const std::size_t n = data.otherTechniques.size();
+        found.push_back(std::to_string(n) + (n == 1 ? " block" : " blocks") +
+                        " not read: technique " + names + ", not XPS");
+    }
+    return found;
+}
+
+ImportResult StoreImport(Project& project, Host& host, const ImportedData& data,
+                         const StorePolicy& policy) {
+    ImportResult result = StoreData(project, host, data, policy);
+    if (result.status) result.warnings = ImportWarnings(data);
     return result;
 }
 

@@ -40,6 +40,12 @@ struct ImportedData {
     std::vector<ImportedSpectrum> spectra;   ///< in file order
     std::optional<std::string> description;  ///< the project's description from the file
     std::optional<ImportedFit> fit;          ///< Kratos only
+    /// Lines between data lines that hold no pair of numbers (comments and blank lines
+    /// aside), and the number of the first (from 1); two-column text only.
+    int skippedLines = 0;
+    int firstSkippedLine = 0;
+    /// The technique of each block left out because it is not XPS (VAMAS).
+    std::vector<std::string> otherTechniques;
     /// Ok, or why the file could not be read (wholly or to its end); then nothing is
     /// stored.
     Status status;
@@ -72,6 +78,8 @@ struct StorePolicy {
 struct ImportResult {
     std::vector<Status> notices;
     Status status;
+    /// What the data stored look like that the user should know (ImportWarnings).
+    std::vector<std::string> warnings;
     /// Everything to show, in order: the notices, then the result when it is a refusal.
     std::vector<Status> Messages() const {
         std::vector<Status> all = notices;
@@ -79,6 +87,11 @@ struct ImportResult {
         return all;
     }
 };
+
+/// The warnings of what a reader made of a file: a spectrum with mostly negative binding
+/// energies (a kinetic-energy file read as binding energies?), lines left out of a
+/// two-column text, blocks of another technique than XPS.
+std::vector<std::string> ImportWarnings(const ImportedData& data);
 
 /// Stores what a reader made of a file into the project, from CurrentRegion, and reports
 /// the changes; messages come back in the result, in the order they are to be shown.

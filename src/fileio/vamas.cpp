@@ -276,6 +276,8 @@ ImportedData ReadVamas(std::string_view text) {
             }
             if (b.usable && data.spectra.size() < kKept)
                 data.spectra.push_back(std::move(b.spectrum));
+            else if (!b.xps)
+                data.otherTechniques.push_back(b.technique);
         }
         if (header.inclusionList && header.blocks > 1)
             failure =

@@ -10,27 +10,32 @@ namespace molvera {
 
 namespace {
 
-// The peak table from the plot box's upper-left corner (x0, y0) downwards.
+// Rows of the peak table below its header.
+int PeakTableRows(const Region& region) {
+    return std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion);
+}
+
+// The peak table with its header's upper-left corner at (x0, y0), rows downwards.
 void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double w,
                    double h) {
     canvas.SetBold(true);
     const char* headers[] = {"Peak", "Position", "Area", "FWHM", "%GL"};
     const double headerX[] = {0, 3.2, 6.2, 9, 12};
     for (int c = 0; c < 5; ++c) {
-        canvas.MoveTo(x0 - headerX[c] * w, y0 - 2 * h);
+        canvas.MoveTo(x0 - headerX[c] * w, y0);
         canvas.Print(headers[c]);
     }
     canvas.SetBold(false);
 
     const Region& region = project.Current();
     const double cellX[] = {0, 3, 6, 9, 12};
-    const int rows = std::clamp<int>(region.PeakCount, 0, kMaxPeaksPerRegion);
+    const int rows = PeakTableRows(region);
     for (int k = 0; k < rows; ++k) {
         const int slot = region.PeakIndex[static_cast<std::size_t>(k)];
         if (slot < 0 || slot >= kPeakSlots) continue;
         const auto cells = PeakTableCells(project, slot);
         for (int c = 0; c < 5; ++c) {
-            canvas.MoveTo(x0 - cellX[c] * w, y0 - (k + 3) * h);
+            canvas.MoveTo(x0 - cellX[c] * w, y0 - (k + 1) * h);
             canvas.Print(cells[static_cast<std::size_t>(c)]);
         }
     }
@@ -64,9 +69,14 @@ void DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
         canvas,
         {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20}, true,
         w, h);
+    // The peak table goes below the axis title, inside the frame, where it covers no data:
+    // the frame grows down by its lines. A line's height depends on the scale the frame
+    // sets, so a few more rounds let the two agree.
+    const int tableLines = withPeakTable ? PeakTableRows(region) + 2 : 0;
     PlotBox box;
-    for (int round = 0; round < 2; ++round) {
+    for (int round = 0; round < (withPeakTable ? 8 : 2); ++round) {
         box = InnerBox(e, w, h);
+        box.bottom -= tableLines * h;
         SetBoxAndMeasure(canvas, box, true, w, h);
     }
 
@@ -88,7 +98,7 @@ void DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
     DrawAxis(canvas, e, step, w, h, 1.002, pageHighEdge + w);
     DrawSpectrum(canvas, region, true);
     if (IsSet(region.HasBackground)) DrawFit(project, canvas);
-    if (withPeakTable) DrawPeakTable(project, canvas, x0, y0, w, h);
+    if (withPeakTable) DrawPeakTable(project, canvas, x0, e.minI - 3 * h, w, h);
 }
 
 }  // namespace molvera

@@ -79,6 +79,9 @@ void ShowBackgroundDialog(const Project& project, BackgroundForm& form) {
     if (!IsSet(region.HasData)) return;
     form.visible = true;
     form.caption = "Region " + std::to_string(project.CurrentRegion + 1);
+    // The area of this region's background, never one left from another region.
+    form.areaText =
+        IsSet(region.HasBackground) ? FormatGeneral(static_cast<float>(NetArea(region))) : "-----";
     if (IsSet(region.HasBackground)) {
         form.lowBEText = FormatGeneral(region.BackgroundLowBE);
         form.highBEText = FormatGeneral(region.BackgroundHighBE);

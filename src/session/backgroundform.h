@@ -25,7 +25,8 @@ struct BackgroundForm {
 };
 
 /// The region window's Background command: fills the form from the current region
-/// (when it has data) and shows it.
+/// (when it has data), the Area box with its background's net area ("-----" without a
+/// background), and shows it.
 void ShowBackgroundDialog(const Project& project, BackgroundForm& form);
 
 /// The boundaries and averaging read from the boxes by the first checks of Accept.

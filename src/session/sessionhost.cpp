@@ -4,6 +4,12 @@
 
 namespace molvera {
 
+std::string WarningLine(const std::vector<std::string>& warnings) {
+    std::string line;
+    for (const std::string& w : warnings) line += (line.empty() ? "Warning: " : "; ") + w;
+    return line;
+}
+
 void SessionHost::ChiSquareChanged(int region, float value) {
     if (region < 0 || region >= kRegionCount) return;
     texts_.chiSquare[region] = FormatGeneral(value);

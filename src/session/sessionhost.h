@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "base/limits.h"
 #include "model/host.h"
@@ -30,6 +31,9 @@ struct MainWindowTexts {
     /// Peak button 10 x region + k: the slot of the region's k-th peak.
     std::array<PeakButtonText, kPeakButtonCount> peakButtons{};
 };
+
+/// The status line of a command's warnings: "Warning: first; second", "" for none.
+std::string WarningLine(const std::vector<std::string>& warnings);
 
 class SessionHost : public Host {
 public:

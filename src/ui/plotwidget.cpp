@@ -72,6 +72,10 @@ void PlotWidget::paintEvent(QPaintEvent*) {
     dirty_ = false;
     sinceLastPaint_.restart();
 
+    if (paintedRegion_ != project_.CurrentRegion) {
+        paintedRegion_ = project_.CurrentRegion;
+        if (painted) painted(paintedRegion_);
+    }
     QPainter painter(this);
     const QRectF area = rect();
     QtCanvas canvas(painter, area);

@@ -2,6 +2,8 @@
 // The region window's client area: the plot of the current region, the highlighted
 // peak and the cursor read-out, redrawn at most once per screen refresh.
 
+#include <functional>
+
 #include <QElapsedTimer>
 #include <QPointF>
 #include <QTimer>
@@ -33,6 +35,11 @@ public:
     bool HasReadout() const { return hasPointer_; }
     /// The plot-unit point under a widget position, as of the last paint.
     QPointF ToPlotUnits(const QPointF& position) const;
+    /// The region of the last paint; -1 before the first.
+    int PaintedRegion() const { return paintedRegion_; }
+    /// Called when a paint shows another region than the paint before (the window's title
+    /// follows it).
+    std::function<void(int region)> painted;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -51,6 +58,7 @@ private:
     QTimer refreshTimer_;
     QElapsedTimer sinceLastPaint_;
     int paintCount_ = 0;
+    int paintedRegion_ = -1;
 };
 
 }  // namespace molvera::ui

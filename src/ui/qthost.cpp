@@ -4,11 +4,11 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <QStatusBar>
 
 #include "base/numtext.h"
 #include "model/project.h"
 #include "session/fitcommands.h"
+#include "spectral/warnings.h"
 #include "ui/fittingwindow.h"
 #include "ui/mainwindow.h"
 #include "ui/plotwidget.h"
@@ -84,12 +84,14 @@ void QtHost::RequestPlotRedraw() {
 void QtHost::CurvesChanged() {
     ++redraws_;
     RequestPlotRedraw();
+    CheckRegion();
 }
 
 void QtHost::RegionInView() {
     ++redraws_;
     if (region_) region_->ShowRegion(false);
     RequestPlotRedraw();
+    CheckRegion();
     Yield();
 }
 
@@ -156,12 +158,21 @@ void QtHost::FitProgressed(const FitProgress& progress) {
 }
 
 void QtHost::ShowFitSummary(const FitSummary& summary) {
-    if (region_) region_->statusBar()->showMessage(FromLatin1(FitSummaryText(summary)));
+    if (region_) region_->SetFitSummary(FromLatin1(FitSummaryText(summary)));
+}
+
+void QtHost::ShowWarnings(const std::vector<std::string>& warnings) {
+    if (region_) region_->SetWarning(FromLatin1(WarningLine(warnings)));
+}
+
+void QtHost::CheckRegion() {
+    if (!fitRunning_) ShowWarnings(RegionWarnings(project_, project_.CurrentRegion));
 }
 
 void QtHost::FitEnded() {
     fitRunning_ = false;
     if (redrawPending_) RequestPlotRedraw();
+    CheckRegion();
     if (fitting_) fitting_->hide();
     if (main_) main_->setEnabled(true);
     if (region_) region_->SetCommandsEnabled(true);

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include <QElapsedTimer>
 
@@ -52,6 +53,11 @@ public:
     void FitProgressed(const FitProgress& progress) override;
     /// The summary of a fit that ended, in the region window's status bar.
     void ShowFitSummary(const FitSummary& summary);
+    /// The warnings of the command that just ran, in the region window's status bar until
+    /// the next command replaces them; none clears them.
+    void ShowWarnings(const std::vector<std::string>& warnings);
+    /// The warnings of the current region (RegionWarnings); nothing during a fit.
+    void CheckRegion();
     void BeginBusy() override;
     void EndBusy() override;
     void HidePeakEditor() override;

@@ -10,6 +10,7 @@
 #include "fileio/regionparams.h"
 #include "session/fitcommands.h"
 #include "spectral/regionedit.h"
+#include "spectral/warnings.h"
 #include "ui/filechooser.h"
 #include "ui/plotwidget.h"
 #include "ui/printing.h"
@@ -22,8 +23,12 @@ void RegionWindow::Import(const ImportFormat& format) {
     const std::string path = files_.Open(format.title, format.filter);
     if (path.empty()) return;
     project_.FileName = path;
-    for (const Status& message : ImportFile(project_, host_, format, path).Messages())
-        host_.Show(message);
+    const ImportResult result = ImportFile(project_, host_, format, path);
+    for (const Status& message : result.Messages()) host_.Show(message);
+    std::vector<std::string> warnings = result.warnings;
+    for (std::string& w : RegionWarnings(project_, project_.CurrentRegion))
+        warnings.push_back(std::move(w));
+    if (result.status) host_.ShowWarnings(warnings);
 }
 
 bool RegionWindow::SaveDialog(std::string_view title, std::string_view filter,

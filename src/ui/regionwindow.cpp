@@ -2,7 +2,9 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMenuBar>
+#include <QStatusBar>
 
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
@@ -25,10 +27,24 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
       project_(project),
       host_(host),
       files_(files),
-      plot_(new PlotWidget(project, this)) {
+      plot_(new PlotWidget(project, this)),
+      warning_(new QLabel(this)),
+      fitSummary_(new QLabel(this)) {
     setObjectName(QStringLiteral("regionWindow"));
     setWindowTitle(QStringLiteral("Region"));
     setCentralWidget(plot_);
+    plot_->painted = [this](int region) {
+        setWindowTitle(QStringLiteral("Region %1").arg(region + 1));
+    };
+    warning_->setObjectName(QStringLiteral("warningLabel"));
+    warning_->setStyleSheet(QStringLiteral("QLabel { color: #b32d00; font-weight: bold; }"));
+    // A long text is cut rather than widening the window; the warning comes first and the
+    // fit summary takes the room left.
+    for (QLabel* label : {warning_, fitSummary_}) label->setMinimumWidth(1);
+    fitSummary_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(warning_);
+    statusBar()->addWidget(fitSummary_, 1);
+    warning_->hide();
     resize(820, 600);
     BuildMenus();
 }
@@ -91,12 +107,24 @@ QAction* RegionWindow::Action(const QString& itemName) const {
 }
 
 void RegionWindow::ShowRegion(bool redraw) {
-    setWindowTitle(QStringLiteral("Region %1").arg(project_.CurrentRegion + 1));
     if (!isVisible()) show();
     if (redraw) plot_->RequestRedraw();
 }
 
 void RegionWindow::Redraw() { plot_->RequestRedraw(); }
+
+void RegionWindow::SetWarning(const QString& text) {
+    warning_->setText(text);
+    warning_->setToolTip(text);
+    warning_->setVisible(!text.isEmpty());
+}
+
+void RegionWindow::SetFitSummary(const QString& text) {
+    fitSummary_->setText(text);
+    fitSummary_->setToolTip(text);
+}
+
+QString RegionWindow::WarningText() const { return warning_->text(); }
 
 void RegionWindow::SetCommandsEnabled(bool enabled) {
     menuBar()->setEnabled(enabled);

@@ -11,6 +11,7 @@
 #include "model/records.h"
 
 class QAction;
+class QLabel;
 
 namespace molvera::ui {
 
@@ -24,9 +25,15 @@ class RegionWindow : public QMainWindow {
 public:
     RegionWindow(Project& project, QtHost& host, FileDialog& files, QWidget* parent = nullptr);
 
-    /// The current region in view: the window shown and titled "Region N"; the plot redrawn
-    /// when asked.
+    /// The current region in view: the window shown; the plot redrawn when asked. The title
+    /// ("Region N") names the region the plot last painted, so that during a fit, when
+    /// paints are spaced out, it never names another.
     void ShowRegion(bool redraw = true);
+    /// The status line: the warnings of the last command ("Warning: ...", in a warning
+    /// colour; empty clears them) and the summary of the last fit.
+    void SetWarning(const QString& text);
+    void SetFitSummary(const QString& text);
+    QString WarningText() const;
     /// The redisplay rule: the plot is repainted from the project.
     void Redraw();
     PlotWidget* Plot() const { return plot_; }
@@ -75,6 +82,8 @@ private:
     QtHost& host_;
     FileDialog& files_;
     PlotWidget* plot_;
+    QLabel* warning_;
+    QLabel* fitSummary_;
 };
 
 }  // namespace molvera::ui

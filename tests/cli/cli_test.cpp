@@ -71,6 +71,10 @@ TEST_F(Cli, EditsChangeWhatTheyNameAndKeepUntouchedValuesExactly) {
     EXPECT_EQ(r.out, "3\n") << r.err;
     EXPECT_EQ(Dump("q.xps")["Peaks"][3]["FixPosition"], 1);
     ASSERT_EQ(Cmd("edit-peak q.xps --peak 3 --free position --area 500 -o r.xps").code, 0);
+    r = Cmd("edit-peak r.xps --peak 3 --position 512 -o s.xps");  // kept, with a warning
+    EXPECT_EQ(std::tuple(r.code, r.err), std::tuple(0,
+                                                    "warning: region 1: peak 3 at 512.0 eV lies "
+                                                    "outside the data (266.5 .. 301.5 eV)\n"));
     ASSERT_EQ(Cmd("constrain r.xps --peak 1 --param fwhm --link 0 --op + --arg 1.5 -o r.xps").code,
               0);
     const auto j = Dump("r.xps");

@@ -36,13 +36,24 @@ TEST_F(AsciiImport, RisingIsStoredFallingAndOnlyTheCurrentRegionIsReplaced) {
 }
 
 TEST_F(AsciiImport, OnePairPerLineFromItsFirstTwoItems) {
-    // Headers, comments, a lone number, a "Key: value" line and a third column are not data.
+    // Headers, comments, a lone number, a "Key: value" line and a third column are not data;
+    // the text lines between data lines (7 and 10, not the comment) are reported.
     const std::string text =
-        "BE/eV,Intensity\n# measured 2 May, 1 scan\n2\nDate: 2017 6 6\n\n290\t10\n289;11 0.5\n"
-        "288 ;\t12\n  287 , 13  \n# a comment between data lines\n286  14\n";
-    ASSERT_TRUE(Import(text).status.ok());
+        "BE/eV,Intensity\n# measured 2 May, 1 scan\n2\nDate: 2017 6 6\n\n290\t10\n7\n289;11 0.5\n"
+        "288 ;\t12\nx\n  287 , 13  \n# a comment between data lines\n286  14\nend\n";
+    const ImportResult result = Import(text);
+    ASSERT_TRUE(result.status.ok());
     EXPECT_EQ(project.Regions[0].BindingEnergy, (SingleArray{0, 290, 289, 288, 287, 286}));
     EXPECT_EQ(project.Regions[0].RawIntensity, (SingleArray{0, 10, 11, 12, 13, 14}));
+    EXPECT_EQ(result.warnings,
+              std::vector<std::string>{
+                  "2 lines without a pair of numbers left out, the first is line 7"});
+    // Kinetic energies read as binding energies are mostly negative; a valence band may
+    // cross 0 eV.
+    EXPECT_EQ(Import("0 5\n-1500 6\n-3000 7\n").warnings,
+              std::vector<std::string>{"the spectrum: 2 of 3 energies are negative, down to "
+                                       "-3000.0 eV (kinetic energies read as binding energies?)"});
+    EXPECT_TRUE(Import("5 1\n0 2\n-5 3\n").warnings.empty());
 }
 
 TEST_F(AsciiImport, SixThousandLinesKeep5000) {
@@ -84,13 +95,13 @@ std::optional<std::pair<float, float>> Pair(const std::string& line) {
 }
 
 // Real two-column files: points checked against the file's own lines, from the first
-// line holding a pair; a rising file is stored reversed.
+// line holding a pair; a rising file is stored reversed. None gives a warning.
 TEST(AsciiImportReal, EveryFileAgainstItsOwnLines) {
     const std::pair<const char*, int> files[] = {
         {"lg4x/C1s_sample.csv", 351},                         // VersaProbe, header line
         {"lg4x/111216_0459_O1s.csv", 126},                    // synchrotron, LF
         {"pynxtools-xps/MgFe2O4_small.xy", 1351},             // SPECS: the first spectrum only
-        {"nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt", 2801},  // MultiPak text
+        {"nims-mdac-xps/XPS_PHI_QUANTERA_survey.txt", 2801},  // MultiPak text, down to -20 eV
     };
     std::string missing;
     for (const auto& [file, rows] : files) {
@@ -102,7 +113,8 @@ TEST(AsciiImportReal, EveryFileAgainstItsOwnLines) {
         }
         Project project;
         test::RecordingHost host;
-        ASSERT_TRUE(test::ImportPath(project, host, "ascii", path).status.ok());
+        const ImportResult result = test::ImportPath(project, host, "ascii", path);
+        ASSERT_TRUE(result.status.ok() && result.warnings.empty());
         const Region& r = project.Regions[0];
         ASSERT_EQ(r.PointCount, rows);
         const std::vector<std::string> lines = test::FileLines(path);

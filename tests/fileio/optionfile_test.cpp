@@ -2,6 +2,8 @@
 
 #include "fileio/optionfile.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
@@ -14,10 +16,8 @@ namespace {
 // Every field a different value, so that a swapped or shifted field shows.
 FitOptions DistinctOptions() {
     FitOptions o;
-    o.Method = 1;
-    o.SearchTrials = 17;
-    o.NewtonTrials = 23;
-    o.Tolerance = 0.0001f;
+    std::tie(o.Method, o.SearchTrials, o.NewtonTrials, o.Tolerance) =
+        std::tuple(1, 17, 23, 0.0001f);
     for (int i = 0; i < kLevels; ++i) {
         const float f = static_cast<float>(i + 1);
         o.PositionSearch[i] = {static_cast<std::int16_t>(i % 2 ? -1 : 0), 1.0f / f, 0.1f / f};

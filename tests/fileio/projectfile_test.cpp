@@ -44,12 +44,10 @@ Project MakeKnownProject() {
     // clang-format on
     Region& r3 = p.Regions[3];
     ResizeRegionArrays(r3, 2);
-    r3.HasData = kTrue;
-    r3.PointCount = 2;
+    std::tie(r3.HasData, r3.PointCount, r3.EndPointAverage, r3.Caption) =
+        std::tuple(kTrue, 2, 1, Text20::From("O 1s"));
     r3.BindingEnergy = {0, 500, 499};
     r3.RawIntensity = {0, 1, 2};
-    r3.EndPointAverage = 1;
-    r3.Caption = Text20::From("O 1s");
     for (int s : {2, 5}) {
         const float f = static_cast<float>(s);
         // A %GL relation "* 2" on an 80 % peak stores 160: such work must open again.
@@ -68,14 +66,10 @@ Project MakeKnownProject() {
                 kTrue, -x, 3 * x};
         }
     }
-    p.CurrentPeak = 5;
     p.EditPeak = p.Peaks[5];
     p.EditPeak.Position = 111.0f;
-    p.TotalPeakCount = 4;
-    p.TotalChiSquare = 9.75f;
-    p.AreaScale = 2;
-    p.CurrentRegion = 3;
-    p.Description = "Test description";
+    std::tie(p.CurrentPeak, p.TotalPeakCount, p.TotalChiSquare, p.AreaScale, p.CurrentRegion,
+             p.Description) = std::tuple(5, 4, 9.75f, 2.0f, 3, "Test description");
     return p;
 }
 
@@ -193,12 +187,10 @@ TEST(ProjectFileLoad, FittedProjectComesBackAsSavedAndSavesTheSameBytes) {
         test::FillSampleRegion(p, r, 40 + 7 * r, 295.0f - static_cast<float>(r), 0.25f);
         test::GiveSampleBackground(p, r);
         Region& region = p.Regions[r];
-        region.Caption = Text20::From("C 1s \xE9t\xE9");
-        region.BackgroundType = static_cast<BackgroundKind>(r % 3);
-        region.BackgroundParameter = 900;
-        region.EndPointAverage = 3;
-        region.BackgroundLowBE = region.MinBE + 1.5f;
-        region.Shift = 0.25f;
+        std::tie(region.Caption, region.BackgroundType, region.BackgroundParameter,
+                 region.EndPointAverage, region.BackgroundLowBE, region.Shift) =
+            std::tuple(Text20::From("C 1s \xE9t\xE9"), static_cast<BackgroundKind>(r % 3), 900.0f,
+                       3, region.MinBE + 1.5f, 0.25f);
         RecomputeRegion(p, QuietHost());
         for (int k = 0; k < 4; ++k) {
             Peak& peak = p.Peaks[AddPeak(p, QuietHost())];

@@ -130,11 +130,8 @@ TEST_F(RegionParamsTest, DataMustCoverTheSavedRangeRefusalsChangeNothing) {
         SCOPED_TRACE(points);
         test::FillSampleRegion(project, 3, points, high, step);
         Region& r = project.Regions[3];
-        r.HasBackground = kTrue;
-        r.BackgroundType = BackgroundKind::Linear;
-        r.BackgroundLowBE = r.MinBE;
-        r.Caption = Text20::From("kept");
-        r.Shift = 0.5f;
+        std::tie(r.HasBackground, r.BackgroundType, r.BackgroundLowBE, r.Caption, r.Shift) =
+            std::tuple(kTrue, BackgroundKind::Linear, r.MinBE, Text20::From("kept"), 0.5f);
         test::RecordingHost host;
         EXPECT_EQ(LoadIntoRegion3(bytes, host).message(), message);
     }

@@ -53,7 +53,10 @@ TEST_F(Vamas, OtherTechniquesAreSkippedAfterTheFirstBlockAesFirstIsRefused) {
                                      {2, 20, -1, "Binding Energy", "UPS"},
                                      {2, 100, 1, "Kinetic Energy", "AES dir"},
                                      {2, 30, -1}});
-    ASSERT_TRUE(test::ImportText(project, host, "vamas", t).status.ok());
+    const ImportResult result = test::ImportText(project, host, "vamas", t);
+    ASSERT_TRUE(result.status.ok());
+    EXPECT_EQ(result.warnings,
+              std::vector<std::string>{"2 blocks not read: technique 'UPS', 'AES dir', not XPS"});
     EXPECT_TRUE(project.Regions[0].BindingEnergy[1] == 10 &&
                 project.Regions[1].BindingEnergy[1] == 30);
     EXPECT_FALSE(IsSet(project.Regions[2].HasData));

@@ -1,6 +1,7 @@
 // Whole fits: known peaks recovered from rough guesses, and a real C 1s spectrum.
 
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -72,11 +73,9 @@ TEST(RealFit, C1sReachesItsBestChiSquareWithBothMethods) {
         ClearProject(project, host);
         ASSERT_TRUE(test::ImportPath(project, host, "ascii", path).status.ok());
         Region& region = project.Regions[0];
-        region.BackgroundType = BackgroundKind::Shirley;
-        region.BackgroundLowBE = 276;
-        region.BackgroundHighBE = 295;
-        region.EndPointAverage = 5;
-        region.HasBackground = kTrue;
+        std::tie(region.BackgroundType, region.BackgroundLowBE, region.BackgroundHighBE,
+                 region.EndPointAverage, region.HasBackground) =
+            std::tuple(BackgroundKind::Shirley, 276.0f, 295.0f, 5, kTrue);
         RecomputeRegion(project, host);
         ASSERT_GT(region.RangeCount, 100);
         const KnownPeak guesses[] = {{284.5f, 80, 1.2f, 30},

@@ -66,6 +66,12 @@ TEST(Printout, TableWithHeaderOnlyWithoutBackgroundAndRowsInPeakOrder) {
     ASSERT_TRUE(first && second && FindText(t, "12.000eV"));
     EXPECT_GT(first->y1, second->y1);  // rows in the region's peak order
     EXPECT_FALSE(first->bold);
+    // The table lies below the data, above the frame's bottom line: from the header's top
+    // to the last row's foot (a text's top-left is its point).
+    const double line = t.TextHeight("Peak");
+    const double frameBottom = t.Of(CanvasOp::Line)[2].y1;
+    EXPECT_LT(FindText(t, "Peak")->y1, r.MinIntensity);
+    EXPECT_GT(second->y1 - line, frameBottom);
 }
 
 }  // namespace

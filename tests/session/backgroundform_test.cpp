@@ -63,11 +63,8 @@ TEST_F(BackgroundFormTest, RefusalsCorrectTheirBoxAndStoreNothing) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.low) + " " + c.high + " " + c.average + " " + c.type);
-        form.lowBEText = c.low;
-        form.highBEText = c.high;
-        form.averagePoints = c.average;
-        form.backgroundType = c.type;
-        form.shirleySlopeText = "";
+        std::tie(form.lowBEText, form.highBEText, form.averagePoints, form.backgroundType,
+                 form.shirleySlopeText) = std::tuple(c.low, c.high, c.average, c.type, "");
         ExpectRefused();
         EXPECT_EQ(std::tuple(form.lowBEText, form.highBEText, form.averagePoints,
                              form.backgroundType, form.shirleySlopeText),
@@ -120,10 +117,8 @@ TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.type) + " " + c.slope + " " + c.b1);
         project.Regions[2].BackgroundParameter = 7.5f;
-        form.backgroundType = c.type;
-        form.averagePoints = c.average;
-        form.shirleySlopeText = c.slope;
-        form.tougaardB1Text = c.b1;
+        std::tie(form.backgroundType, form.averagePoints, form.shirleySlopeText,
+                 form.tougaardB1Text) = std::tuple(c.type, c.average, c.slope, c.b1);
         ASSERT_TRUE(AcceptBackground(project, QuietHost(), form));
         const Region& r = project.Regions[2];
         EXPECT_EQ(std::tuple(r.HasBackground, r.RangeCount, r.BackgroundType, r.BackgroundParameter,
@@ -133,9 +128,14 @@ TEST_F(BackgroundFormTest, AcceptStoresTheTypeAndItsParameter) {
         BackgroundForm again;
         ShowBackgroundDialog(project, again);
         EXPECT_EQ(std::tuple(again.backgroundType, again.averagePoints,
-                             again.tougaardB1Text + "|" + again.shirleySlopeText),
-                  std::tuple(c.type, c.average, c.reopened));
+                             again.tougaardB1Text + "|" + again.shirleySlopeText, again.areaText),
+                  std::tuple(c.type, c.average, c.reopened, form.areaText));
     }
+    // The same dialog opened on a region without a background keeps no area of region 3.
+    test::FillSampleRegion(project, 4);
+    project.CurrentRegion = 4;
+    ShowBackgroundDialog(project, form);
+    EXPECT_EQ(form.areaText, "-----");
 }
 
 TEST_F(BackgroundFormTest, CorrectedBoxIsAcceptedForAnyDataMinimum) {

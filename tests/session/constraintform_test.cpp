@@ -16,10 +16,8 @@ protected:
     void SetUp() override {
         ClearProject(project, QuietHost());
         for (int s : {0, 1, 2, 3, 4}) project.Peaks[s].InUse = kTrue;
-        project.Peaks[4].Region = 2;
-        project.Regions[0].MaxBE = 300;
-        project.Regions[0].MinBE = 280;
-        project.CurrentPeak = 1;
+        std::tie(project.Peaks[4].Region, project.Regions[0].MaxBE, project.Regions[0].MinBE,
+                 project.CurrentPeak) = std::tuple(2, 300.0f, 280.0f, 1);
     }
     /// Opens the dialog on `kind` for peak p and links it to `ref` by op/arg, with limits
     /// when `low` is given.

@@ -65,6 +65,12 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     gui->constraintDialog().hide();
     gui->peakEditor().hide();
 
+    // A peak moved beyond the data: the warning in the status line.
+    project().Peaks[2].Position = 310;
+    ComputeRegionEnvelope(project(), gui->host());
+    Menu("redisplayAction");
+    Save(region(), dir, "region-window-warning.png");
+
     // The boxes of two commands as they ask and refuse (the sink recorded their texts).
     sink.saveAnswer = SaveChangesAnswer::Cancel;
     Click(main(), "closeButton");

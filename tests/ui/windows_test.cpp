@@ -237,5 +237,35 @@ TEST_F(GuiTest, UndoAndRedoWalkWholeCommands) {
     EXPECT_TRUE(ProjectFileBytes(project()) == fitted);
 }
 
+// During Optimise All the plot paints at most every few frames; the title always names the
+// region the plot shows. A warning stays in the status line until the next command.
+TEST_F(GuiTest, TitleFollowsThePlotDuringOptimiseAllWarningsStayInTheStatusLine) {
+    for (int r : {0, 1, 2}) {
+        main().RegionButton(r)->click();
+        SampleWithPeaks(2);
+    }
+    int steps = 0, mismatches = 0;
+    gui->host().beforeYield = [&] {
+        const int painted = region().Plot()->PaintedRegion();
+        ++steps;
+        if (painted >= 0 && region().windowTitle() != QStringLiteral("Region %1").arg(painted + 1))
+            ++mismatches;
+    };
+    Click(main(), "optimiseAllButton");
+    gui->host().beforeYield = nullptr;
+    EXPECT_TRUE(steps > 3 && mismatches == 0) << mismatches;
+
+    main().RegionButton(0)->click();
+    float& position = project().Peaks[0].Position;  // region 1's first peak
+    const float fitted = position;
+    position = 512;
+    Menu("redisplayAction");
+    EXPECT_EQ(region().WarningText().toStdString(),
+              "Warning: peak 0 at 512.0 eV lies outside the data (266.5 .. 301.5 eV)");
+    position = fitted;
+    Menu("redisplayAction");
+    EXPECT_TRUE(region().WarningText().isEmpty() && sink.messages.empty());  // no message box
+}
+
 }  // namespace
 }  // namespace molvera::test
