@@ -209,9 +209,8 @@ TEST_F(GuiTest, UndoAndRedoWalkWholeCommands) {
     chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps"};
     QTest::mouseClick(Child<QPushButton>(main(), "openProjectButton"), Qt::LeftButton);
     const std::string opened = ProjectFileBytes(project());
-    project().Options.Method = 1;
-    project().Options.NewtonTrials = 50;
-    int ticks = 0;
+    std::tie(project().Options.Method, project().Options.NewtonTrials) = std::tuple(1.f, 50);
+    int ticks = 0;  // a key pressed during the fit must not cut it into two steps
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         if (++ticks == 2) QTest::keyClick(gui->fittingWindow().StopButton(), Qt::Key_A);
@@ -219,20 +218,17 @@ TEST_F(GuiTest, UndoAndRedoWalkWholeCommands) {
     timer.start(0);
     QTest::mouseClick(Child<QPushButton>(main(), "optimiseAllButton"), Qt::LeftButton);
     timer.stop();
-    ASSERT_GE(ticks, 2);
     const std::string fitted = ProjectFileBytes(project());
-    ASSERT_TRUE(fitted != opened);
+    ASSERT_TRUE(ticks >= 2 && fitted != opened);
     QTest::keyClicks(Child<QLineEdit>(main(), "descriptionBox"), "etched");
     EXPECT_EQ(gui->history().Steps(), 2u);  // the fit, the typing
-
     main().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&main()));
     QTest::keyClick(&main(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(Text(main(), "descriptionBox"), "");
-    EXPECT_TRUE(ProjectFileBytes(project()) == fitted);
+    EXPECT_TRUE(Text(main(), "descriptionBox").empty() && ProjectFileBytes(project()) == fitted);
     QTest::keyClick(&region(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_TRUE(ProjectFileBytes(project()) == opened);
-    EXPECT_FALSE(region().Action("undoAction")->isEnabled());
+    EXPECT_TRUE(ProjectFileBytes(project()) == opened &&
+                !region().Action("undoAction")->isEnabled());
     QTest::keyClick(&main(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(ProjectFileBytes(project()) == fitted);
 }
