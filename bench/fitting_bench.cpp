@@ -13,6 +13,7 @@
 #include "model/project.h"
 #include "session/history.h"
 #include "session/mainwindow.h"
+#include "session/peakdrag.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
 
@@ -90,6 +91,23 @@ BENCHMARK(BM_OptimiseRegion)
     ->Args({1, 4})
     ->Args({1, 10})
     ->Unit(benchmark::kMillisecond);
+
+/// One step of dragging a peak's apex in a 10-peak, 5000-point region: the peak editor's
+/// Accept with the new position and height, the peak's curve, the envelope, residual and
+/// chi-square (the repaint is BM_PlotPaint's).
+void BM_DragPeakStep(benchmark::State& state) {
+    auto project = std::make_unique<Project>();
+    MakeRegion(*project, 10);
+    project->Options = BenchOptions(1);
+    const PlotPoint apex = *PeakApex(*project, 4);
+    SessionHost host;
+    double dx = 0;
+    for (auto _ : state) {
+        dx = dx > 0.5 ? -0.5 : dx + 0.01;
+        benchmark::DoNotOptimize(DragPeakApex(*project, host, 4, {apex.be + dx, apex.intensity}));
+    }
+}
+BENCHMARK(BM_DragPeakStep)->Unit(benchmark::kMillisecond);
 
 /// Ten 5000-point regions with 46 peaks: ten in the first, four in each of the others.
 std::unique_ptr<Project> FullProject() {

@@ -225,7 +225,7 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     for (const NumberBox& box : PeakBoxes(form)) form.shownText[box.field] = box.text;
 
     form.sigmaText = {};
-    if (IsSet(region.HasData) && IsSet(region.HasBackground)) {
+    if (form.withSigmas && IsSet(region.HasData) && IsSet(region.HasBackground)) {
         const Uncertainties u = ComputeUncertainties(project, {r});
         const PeakSigmas& sigmas = u.peaks[static_cast<std::size_t>(slot)];
         for (PeakParameter which : kPeakParameters) {

@@ -42,6 +42,7 @@ struct PeakForm {
     /// "± 0.012" beside each value, by PeakParameter: the standard uncertainty at the
     /// present values; "" for a value no fit varies.
     std::array<std::string, 4> sigmaText;
+    bool withSigmas = true;      ///< false: no sigma is computed (a drag never shows the form)
     std::string tailScaleText;   ///< "TS"
     std::string tailLengthText;  ///< "TL"
     std::string caption;
