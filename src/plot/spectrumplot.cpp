@@ -128,8 +128,12 @@ Layout Place(const Project& project, Canvas& canvas, const PlotOptions& o) {
     const double ys0 = yb + rh + gap;
     l.yTicks = Ticks(shown.iLow, shown.iHigh, TickCount(y1 - ys0, 2.5 * h));
     l.yStep = NiceStep(shown.iHigh - shown.iLow, TickCount(y1 - ys0, 2.5 * h));
-    l.rTicks = Ticks(p.residual.view.iLow, p.residual.view.iHigh, 4);
-    l.rStep = NiceStep(p.residual.view.iHigh - p.residual.view.iLow, 4);
+    // The residual's ticks: 0 and one round step each way, inside the panel.
+    PlotView& rv = p.residual.view;
+    l.rStep = NiceStep(rv.iHigh - rv.iLow, 4);
+    rv.iHigh = std::max(rv.iHigh, 1.05 * l.rStep);
+    rv.iLow = -rv.iHigh;
+    l.rTicks = {-l.rStep, 0, l.rStep};
     double labelW = WidestLabel(canvas, l.yTicks, l.yStep);
     if (p.hasResidual) labelW = std::max(labelW, WidestLabel(canvas, l.rTicks, l.rStep));
     const double x0 = f.x0 + labelW + 1.5 * cw;
