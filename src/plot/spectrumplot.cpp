@@ -189,11 +189,9 @@ void DrawCurves(const Project& project, Canvas& canvas, const Axes& a, int selec
     canvas.SetLineWidth(1);
     Curve(canvas, a, r.BindingEnergy, r.RawIntensity, 0, r.PointCount, kDataColour);
     if (!IsSet(r.HasBackground)) return;
+    // The envelope under the peaks, so that a peak that is the whole envelope still shows;
+    // the background over the peaks, whose tails run along it.
     canvas.SetLineWidth(2);
-    canvas.SetLineStyle(LineStyle::Dash);
-    Curve(canvas, a, r.RangeBE, r.BackgroundCurve, 0, r.RangeCount, kBackgroundColour);
-    canvas.SetLineStyle(LineStyle::Solid);
-    // The envelope under the peaks, so that a peak that is the whole envelope still shows.
     if (DrawnPeakCount(r) > 0)
         Curve(canvas, a, r.RangeBE, r.PeakSumCurve, 0, r.RangeCount, kEnvelopeColour);
     for (int k = 0; k < DrawnPeakCount(r); ++k) {
@@ -203,13 +201,18 @@ void DrawCurves(const Project& project, Canvas& canvas, const Axes& a, int selec
         Curve(canvas, a, r.RangeBE, project.Peaks[static_cast<std::size_t>(slot)].Curve, 0,
               r.RangeCount, PeakColour(k));
     }
+    // One pixel wide: a wider dashed line costs as much as all the other curves together.
+    canvas.SetLineWidth(1);
+    canvas.SetLineStyle(LineStyle::Dash);
+    Curve(canvas, a, r.RangeBE, r.BackgroundCurve, 0, r.RangeCount, kBackgroundColour);
+    canvas.SetLineStyle(LineStyle::Solid);
 }
 
 void DrawLegend(const Project& project, Canvas& canvas, const Layout& l, int selected) {
     const double h = l.out.lineHeight, cw = l.out.charWidth;
     double y = l.out.spectrum.area.y1;
     for (const auto& e : Legend(project)) {
-        canvas.SetLineWidth(e.slot >= 0 && e.slot == selected ? 3 : 2);
+        canvas.SetLineWidth(e.slot >= 0 && e.slot == selected ? 3 : e.dashed ? 1 : 2);
         canvas.SetLineStyle(e.dashed ? LineStyle::Dash : LineStyle::Solid);
         canvas.Line(l.legendX, y - h / 2, l.legendX + 2.5 * cw, y - h / 2, e.colour);
         canvas.SetLineStyle(LineStyle::Solid);

@@ -13,7 +13,7 @@ namespace molvera {
 
 /// Okabe-Ito colours (distinguishable with the common colour-vision deficiencies).
 inline constexpr Rgb kDataColour{0, 114, 178};
-inline constexpr Rgb kBackgroundColour{120, 120, 120};
+inline constexpr Rgb kBackgroundColour{90, 90, 90};
 inline constexpr Rgb kEnvelopeColour{0, 0, 0};
 /// The colour of the k-th peak of a region (cycling through six).
 Rgb PeakColour(int k);
