@@ -112,6 +112,11 @@ void PlotWidget::paintEvent(QPaintEvent*) {
     hasScale_ = IsSet(project_.Current().HasData);
     if (!hasScale_) return;
     options_.selectedPeak = selectedPeak_;
+    if (hasPointer_) {  // the view may have changed under a pointer that stood still
+        layout_ = LayoutPlot(project_, canvas, options_);
+        options_.readout = ReadoutAt(pointerAt_);
+        hasPointer_ = !options_.readout.empty();
+    }
     layout_ = DrawPlot(project_, canvas, options_);
     canvas.Flush();
     if (drag_ == Drag::Zoom) {
@@ -121,20 +126,22 @@ void PlotWidget::paintEvent(QPaintEvent*) {
     }
 }
 
-void PlotWidget::Point(const QPointF& position) {
+std::string PlotWidget::ReadoutAt(const QPointF& position) const {
     const QPointF s = Surface(position);
-    const bool wasShown = hasPointer_;
-    hasPointer_ = hasScale_;
-    if (hasScale_ && layout_.spectrum.area.Contains(s.x(), s.y())) {
-        const PlotPoint p = ToPlot(layout_.spectrum, s.x(), s.y());
-        options_.readout = ReadoutText(p.be, p.i);
-    } else if (hasScale_ && layout_.hasResidual && layout_.residual.area.Contains(s.x(), s.y())) {
-        const PlotPoint p = ToPlot(layout_.residual, s.x(), s.y());
-        options_.readout = ReadoutText(p.be, p.i);
-    } else {
-        hasPointer_ = false;
-        options_.readout.clear();
+    for (const Axes* axes : {&layout_.spectrum, &layout_.residual}) {
+        if (axes == &layout_.residual && !layout_.hasResidual) break;
+        if (!axes->area.Contains(s.x(), s.y())) continue;
+        const PlotPoint p = ToPlot(*axes, s.x(), s.y());
+        return ReadoutText(p.be, p.i);
     }
+    return {};
+}
+
+void PlotWidget::Point(const QPointF& position) {
+    const bool wasShown = hasPointer_;
+    pointerAt_ = position;
+    options_.readout = hasScale_ ? ReadoutAt(position) : std::string();
+    hasPointer_ = !options_.readout.empty();
     if (hasPointer_ || wasShown) update();
 }
 

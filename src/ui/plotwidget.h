@@ -71,7 +71,9 @@ protected:
 
 private:
     enum class Drag { None, Zoom, Pan };
-    // The read-out of the pointer at a widget position: the panel under it, or none.
+    // The read-out text for a widget position: of the panel under it; empty outside them.
+    std::string ReadoutAt(const QPointF& position) const;
+    // The pointer moved to a widget position.
     void Point(const QPointF& position);
     QPointF Surface(const QPointF& position) const;
 
@@ -83,8 +85,9 @@ private:
     bool hasScale_ = false;
     bool hasPointer_ = false;
     Drag drag_ = Drag::None;
-    QPointF dragFrom_, dragTo_;  // widget positions
-    PlotView dragView_;          // the view when the pan started
+    QPointF pointerAt_;  // widget positions
+    QPointF dragFrom_, dragTo_;
+    PlotView dragView_;  // the view when the pan started
     QTimer refreshTimer_;
     QElapsedTimer sinceLastPaint_;
     int paintCount_ = 0;

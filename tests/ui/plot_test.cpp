@@ -108,6 +108,12 @@ TEST(PlotWidget, WheelRectanglePanResetAndReadOut) {
     EXPECT_TRUE(w.HasReadout());
     const QPointF c = w.ToPlotUnits(centre);
     EXPECT_EQ(w.Readout(), ReadoutText(c.x(), c.y()));
+    QWheelEvent away(corner, w.mapToGlobal(corner), {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&w, &away);  // zoomed out about another point: still current
+    w.RedrawNow();
+    const QPointF d = w.ToPlotUnits(centre);
+    EXPECT_TRUE(d != c && w.Readout() == ReadoutText(d.x(), d.y()));
     QTest::mouseMove(&w, QPoint(2, 2));
     EXPECT_FALSE(w.HasReadout());
     QTest::mouseMove(&w, centre);
