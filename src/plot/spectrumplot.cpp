@@ -33,8 +33,7 @@ bool HasResidual(const Region& region) {
 
 // The residual panel's view: the spectrum's energies, intensity symmetric about 0 and
 // holding every residual in those energies.
-PlotView ResidualView(const Region& region, const PlotView& shown, bool scaled) {
-    const std::vector<double> res = Residuals(region, scaled);
+PlotView ResidualView(const Region& region, const PlotView& shown, const std::vector<double>& res) {
     const double lo = std::min(shown.beLeft, shown.beRight);
     const double hi = std::max(shown.beLeft, shown.beRight);
     double m = 0;
@@ -56,7 +55,8 @@ struct Layout {
     std::vector<double> xTicks, yTicks, rTicks;
     double xStep = 1, yStep = 1, rStep = 1;
     double legendX = 0;
-    SurfaceRect frame;  // the options' frame less a character's margin
+    std::vector<double> residual;  // the residual panel's values
+    SurfaceRect frame;             // the options' frame less a character's margin
 };
 
 double WidestLabel(Canvas& canvas, const std::vector<double>& ticks, double step) {
@@ -124,7 +124,8 @@ Layout Place(const Project& project, Canvas& canvas, const PlotOptions& o) {
     const double gap = p.hasResidual ? 0.6 * h : 0;
 
     p.spectrum.view = shown;
-    p.residual.view = ResidualView(region, shown, o.scaledResidual);
+    l.residual = Residuals(region, o.scaledResidual);
+    p.residual.view = ResidualView(region, shown, l.residual);
     const double ys0 = yb + rh + gap;
     l.yTicks = Ticks(shown.iLow, shown.iHigh, TickCount(y1 - ys0, 2.5 * h));
     l.yStep = NiceStep(shown.iHigh - shown.iLow, TickCount(y1 - ys0, 2.5 * h));
@@ -302,8 +303,8 @@ PlotLayout DrawPlot(const Project& project, Canvas& canvas, const PlotOptions& o
         canvas.SetLineStyle(LineStyle::Dot);
         canvas.Line(r.area.x0, SurfaceY(r, 0), r.area.x1, SurfaceY(r, 0), kBackgroundColour);
         canvas.SetLineStyle(LineStyle::Solid);
-        const std::vector<double> res = Residuals(region, o.scaledResidual);
-        Curve(canvas, r, region.RangeBE, res, 1, static_cast<int>(res.size()), kDataColour);
+        Curve(canvas, r, region.RangeBE, l.residual, 1, static_cast<int>(l.residual.size()),
+              kDataColour);
         canvas.ClearClip();
         canvas.MoveTo(l.legendX, r.area.y1);
         canvas.Print(o.scaledResidual ? "Residual/sqrt|I|" : "Residual");
