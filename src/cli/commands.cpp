@@ -56,7 +56,7 @@ const Command kCommands[] = {
     {"dump-options", "molvera-cli dump-options FILE.opa", "print an option file as JSON",
      RunDumpOptions},
 #ifdef MOLVERA_CLI_RENDER
-    {"render", "molvera-cli render IN.xps --region N -o OUT.png|OUT.pdf [--with-peaks]",
+    {"render", "molvera-cli render IN.xps --region N -o OUT.png|OUT.pdf|OUT.svg [--with-peaks]",
      "draw a region as the printout: a PNG picture or a PDF page, with the peak table on request",
      RunRender},
 #endif

@@ -2,8 +2,11 @@
 // An immediate-mode drawing surface in user coordinates: the window, the printer,
 // an off-screen picture, or a recording canvas in tests.
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace molvera {
 
@@ -32,6 +35,10 @@ public:
     /// Width of lines in pixels of the surface (1 on screen is one pixel).
     virtual void SetLineWidth(int width) = 0;
     virtual void SetLineStyle(LineStyle style) = 0;
+    /// Drawing stays inside the user rectangle until ClearClip (surfaces that cannot clip
+    /// ignore both).
+    virtual void SetClip(double /*left*/, double /*top*/, double /*right*/, double /*bottom*/) {}
+    virtual void ClearClip() {}
     /// The surface's own drawing colour (used where no colour is given).
     virtual Rgb ForeColour() const = 0;
 
@@ -41,6 +48,22 @@ public:
     virtual void LineTo(double x, double y, Rgb colour) = 0;
     /// A line between two points; (x2, y2) becomes the current point.
     virtual void Line(double x1, double y1, double x2, double y2, Rgb colour) = 0;
+    /// Lines joining the points (xs[k], ys[k]) in turn; a non-finite point breaks the line.
+    /// The current point is left where it was.
+    virtual void Polyline(const std::vector<double>& xs, const std::vector<double>& ys,
+                          Rgb colour) {
+        const double x0 = CurrentX(), y0 = CurrentY();
+        bool previous = false;
+        for (std::size_t k = 0; k < std::min(xs.size(), ys.size()); ++k) {
+            const bool finite = std::isfinite(xs[k]) && std::isfinite(ys[k]);
+            if (finite && previous)
+                LineTo(xs[k], ys[k], colour);
+            else
+                MoveTo(xs[k], ys[k]);
+            previous = finite;
+        }
+        MoveTo(x0, y0);
+    }
     /// One point in the line width; it becomes the current point.
     virtual void Point(double x, double y, Rgb colour) = 0;
     virtual double CurrentX() const = 0;

@@ -16,26 +16,25 @@ int PeakTableRows(const Region& region) {
 }
 
 // The peak table with its header's upper-left corner at (x0, y0), rows downwards.
-void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double w,
+void DrawPeakTable(const Project& project, Canvas& canvas, double x0, double y0, double cw,
                    double h) {
+    const double columnX[] = {0, 6, 20, 34, 46};
     canvas.SetBold(true);
     const char* headers[] = {"Peak", "Position", "Area", "FWHM", "%GL"};
-    const double headerX[] = {0, 3.2, 6.2, 9, 12};
     for (int c = 0; c < 5; ++c) {
-        canvas.MoveTo(x0 - headerX[c] * w, y0);
+        canvas.MoveTo(x0 + columnX[c] * cw, y0);
         canvas.Print(headers[c]);
     }
     canvas.SetBold(false);
 
     const Region& region = project.Current();
-    const double cellX[] = {0, 3, 6, 9, 12};
     const int rows = PeakTableRows(region);
     for (int k = 0; k < rows; ++k) {
         const int slot = region.PeakIndex[static_cast<std::size_t>(k)];
         if (slot < 0 || slot >= kPeakSlots) continue;
         const auto cells = PeakTableCells(project, slot);
         for (int c = 0; c < 5; ++c) {
-            canvas.MoveTo(x0 - cellX[c] * w, y0 - (k + 1) * h);
+            canvas.MoveTo(x0 + columnX[c] * cw, y0 - (k + 1) * h);
             canvas.Print(cells[static_cast<std::size_t>(c)]);
         }
     }
@@ -56,49 +55,19 @@ std::array<std::string, 5> PeakTableCells(const Project& project, int slot) {
             FormatFixed(p.FWHM, 3) + "eV", FormatFixed(p.PercentGL, 0) + "%"};
 }
 
-void DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
+PlotLayout DrawPrintout(const Project& project, Canvas& canvas, bool withPeakTable) {
     const Region& region = project.Current();
-    canvas.Clear();
-    canvas.SetLineStyle(LineStyle::Solid);
-    canvas.SetLineWidth(1);
-
-    const PlotExtents e = RegionExtents(region);
-    const double step = TickStep(e.dBE);
-    double w = 0, h = 0;
-    SetBoxAndMeasure(
-        canvas,
-        {e.maxBE + e.dBE / 20, e.maxI + e.dI / 20, e.minBE - e.dBE / 20, e.minI - e.dI / 20}, true,
-        w, h);
-    // The peak table goes below the axis title, inside the frame, where it covers no data:
-    // the frame grows down by its lines. A line's height depends on the scale the frame
-    // sets, so a few more rounds let the two agree.
-    const int tableLines = withPeakTable ? PeakTableRows(region) + 2 : 0;
-    PlotBox box;
-    for (int round = 0; round < (withPeakTable ? 8 : 2); ++round) {
-        box = InnerBox(e, w, h);
-        box.bottom -= tableLines * h;
-        SetBoxAndMeasure(canvas, box, true, w, h);
-    }
-
-    const Rgb fore = canvas.ForeColour();
-    canvas.Line(box.left, box.top, box.right, box.top, fore);
-    canvas.Line(box.right, box.top, box.right, box.bottom, fore);
-    canvas.Line(box.right, box.bottom, box.left, box.bottom, fore);
-    canvas.Line(box.left, box.bottom, box.left, box.top, fore);
-
-    const double x0 = e.maxBE + e.dBE / 40;
-    const double y0 = e.maxI + 3 * h;
-    canvas.SetBold(true);
-    canvas.MoveTo(x0, y0);
-    canvas.Print(OneLine(project.Description));
-    canvas.Print(region.Caption.Str());
-    canvas.SetBold(false);
-
-    const double pageHighEdge = box.left + (box.left - box.right) / 8;
-    DrawAxis(canvas, e, step, w, h, 1.002, pageHighEdge + w);
-    DrawSpectrum(canvas, region, true);
-    if (IsSet(region.HasBackground)) DrawFit(project, canvas);
-    if (withPeakTable) DrawPeakTable(project, canvas, x0, e.minI - 3 * h, w, h);
+    PlotOptions options;
+    options.title = OneLine(project.Description);
+    // The page margins: a sixteenth of the width beside, a twelfth of the height above
+    // and below; the table takes its rows and a blank line under the plot.
+    options.frame = {1.0 / 16, 1.0 / 12, 15.0 / 16, 11.0 / 12};
+    options.tableLines = withPeakTable ? PeakTableRows(region) + 2 : 0;
+    const PlotLayout layout = DrawPlot(project, canvas, options);
+    if (withPeakTable && IsSet(region.HasData))
+        DrawPeakTable(project, canvas, layout.spectrum.area.x0, layout.table.y1 - layout.lineHeight,
+                      layout.charWidth, layout.lineHeight);
+    return layout;
 }
 
 }  // namespace molvera

@@ -1,75 +1,54 @@
 #pragma once
-// The region plot: frame, binding-energy axis falling to the right, ticks, caption,
-// spectrum, background, peaks, envelope, the highlighted peak and the cursor read-out.
+// The region plot: the spectrum panel with its intensity axis, the residual panel under
+// it sharing the binding-energy axis (falling to the right), round ticks, the caption,
+// the read-out and a legend; data, background, peaks and envelope in distinct colours.
 
 #include <string>
 
 #include "model/records.h"
 #include "plot/canvas.h"
+#include "plot/plotview.h"
 
 namespace molvera {
 
-/// What the plot keeps between draws: where the cursor read-out is printed.
-struct PlotState {
-    float ReadoutX = 0;
-    double ReadoutY = 0;
+/// Okabe-Ito colours (distinguishable with the common colour-vision deficiencies).
+inline constexpr Rgb kDataColour{0, 114, 178};
+inline constexpr Rgb kBackgroundColour{90, 90, 90};
+inline constexpr Rgb kEnvelopeColour{0, 0, 0};
+/// The colour of the k-th peak of a region (cycling through six).
+Rgb PeakColour(int k);
+
+/// What to draw besides the region.
+struct PlotOptions {
+    PlotView view;                ///< auto when not zoomed
+    int selectedPeak = -1;        ///< drawn thicker; -1 for none
+    bool scaledResidual = false;  ///< residual / sqrt(|data|) instead of the residual
+    std::string title;            ///< a bold line above the caption (the printout's description)
+    std::string readout;          ///< the cursor read-out, top right; empty for none
+    int tableLines = 0;           ///< text lines kept free below the axis title for a table
+    SurfaceRect frame;            ///< the part of the surface the plot uses
 };
 
-/// The spans a region is drawn over; an empty or non-finite span becomes 1 eV or
-/// 1 count around its value, so dBE and dI are always positive and finite.
-struct PlotExtents {
-    double maxBE = 0.5, minBE = -0.5, maxI = 0.5, minI = -0.5;
-    double dBE = 1, dI = 1;
+/// Where the parts of a drawn plot are, in fractions of the surface (y upwards).
+struct PlotLayout {
+    Axes spectrum;
+    Axes residual;
+    bool hasResidual = false;
+    SurfaceRect table;  ///< the free area below the axis title
+    double lineHeight = 0, charWidth = 0;
 };
 
-/// A user rectangle (left is the higher binding energy).
-struct PlotBox {
-    double left = 0, top = 0, right = 0, bottom = 0;
-};
+/// Sets the canvas scale to the unit square and places the panels, ticks and legend.
+PlotLayout LayoutPlot(const Project& project, Canvas& canvas, const PlotOptions& options);
 
-/// The extents of a region's data as drawn.
-PlotExtents RegionExtents(const Region& region);
+/// Clears the surface and draws the current region (nothing but the caption without
+/// data); returns the layout used.
+PlotLayout DrawPlot(const Project& project, Canvas& canvas, const PlotOptions& options);
 
-/// Tick spacing: the first non-zero floor(dBE * x / 5 + 0.1) / x for x = 1, 10, 100, ...
-double TickStep(double dBE);
+/// The read-out text for a pointer at (be, i).
+std::string ReadoutText(double be, double i);
 
-/// The smallest multiple of step not below minBE (strictly above it when minBE < 0).
-double FirstTick(double minBE, double step);
-
-/// The plot box of a draw: 1/40 of dBE beside the data, half a "0000" on the left,
-/// one and a half on the right, three "Sample" heights above and below.
-PlotBox InnerBox(const PlotExtents& e, double w, double h);
-
-/// Sets the scale to `box` (enlarged by the page margins when `pageMargins`) and
-/// measures w ("0000") and h ("Sample") in it.
-void SetBoxAndMeasure(Canvas& canvas, const PlotBox& box, bool pageMargins, double& w, double& h);
-
-/// Axis line, axis title, ticks and "#0.0" labels; ticks continue while
-/// t / MaxBE < tickRatio and stop beyond `highEdge`, the highest visible energy.
-void DrawAxis(Canvas& canvas, const PlotExtents& e, double step, double w, double h,
-              double tickRatio, double highEdge);
-
-/// The measured spectrum in blue, width 2; starts with a point when `startWithPoint`.
-void DrawSpectrum(Canvas& canvas, const Region& region, bool startWithPoint);
-
-/// Clears the surface and draws frame, axis, ticks, caption and spectrum of the
-/// current region; sets the read-out position.
-void DrawRegion(const Project& project, Canvas& canvas, PlotState& state);
-
-/// Background, peaks and envelope of the current region over the existing frame.
-void DrawFit(const Project& project, Canvas& canvas);
-
-/// The curve of peak `slot` in red, width 2; nothing when the slot is not a drawn
-/// peak of the current region.
-void DrawSelectedPeak(const Project& project, int slot, Canvas& canvas);
-
-/// The read-out text "X: x / Y: y " for a pointer at (x, y) in plot units.
-std::string ReadoutText(double x, double y);
-
-/// Erases the previous read-out (25 blanks, opaque) and prints the new one.
-void ShowReadout(Canvas& canvas, const PlotState& state, double x, double y);
-
-/// The redisplay rule: the region when it has data, then its fit when it has a background.
-void Redisplay(const Project& project, Canvas& canvas, PlotState& state);
+/// A tick label: as many decimals as the step needs.
+std::string TickLabel(double value, double step);
 
 }  // namespace molvera

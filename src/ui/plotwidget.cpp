@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QWheelEvent>
 
 #include "ui/qtcanvas.h"
 
@@ -20,12 +23,25 @@ int RefreshInterval(const QWidget& widget) {
     return rate >= 20 && rate <= 500 ? static_cast<int>(std::lround(1000.0 / rate)) : 16;
 }
 
+// A drag shorter than this many pixels is a click.
+constexpr double kDragPixels = 4;
+
 }  // namespace
+
+QPointF ToSurface(const QPointF& position, const QSizeF& size) {
+    if (size.width() <= 0 || size.height() <= 0) return {};
+    return {position.x() / size.width(), 1 - position.y() / size.height()};
+}
+
+QPointF FromSurface(const QPointF& surface, const QSizeF& size) {
+    return {surface.x() * size.width(), (1 - surface.y()) * size.height()};
+}
 
 PlotWidget::PlotWidget(const Project& project, QWidget* parent)
     : QWidget(parent), project_(project) {
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
     setMinimumSize(200, 150);
     refreshTimer_.setSingleShot(true);
     connect(&refreshTimer_, &QTimer::timeout, this, [this] {
@@ -56,15 +72,28 @@ void PlotWidget::SetSelectedPeak(int slot) {
 void PlotWidget::ClearReadout() {
     if (!hasPointer_) return;
     hasPointer_ = false;
+    options_.readout.clear();
     RequestRedraw();
 }
 
+void PlotWidget::SetView(const PlotView& view) {
+    options_.view = view;
+    RequestRedraw();
+}
+
+void PlotWidget::SetScaledResidual(bool scaled) {
+    options_.scaledResidual = scaled;
+    RequestRedraw();
+}
+
+QPointF PlotWidget::Surface(const QPointF& position) const {
+    return ToSurface(position, QSizeF(size()));
+}
+
 QPointF PlotWidget::ToPlotUnits(const QPointF& position) const {
-    if (width() <= 0 || height() <= 0) return userTopLeft_;
-    const double fx = position.x() / width();
-    const double fy = position.y() / height();
-    return {userTopLeft_.x() + fx * (userBottomRight_.x() - userTopLeft_.x()),
-            userTopLeft_.y() + fy * (userBottomRight_.y() - userTopLeft_.y())};
+    const QPointF s = Surface(position);
+    const PlotPoint p = ToPlot(layout_.spectrum, s.x(), s.y());
+    return {p.be, p.i};
 }
 
 void PlotWidget::paintEvent(QPaintEvent*) {
@@ -74,28 +103,123 @@ void PlotWidget::paintEvent(QPaintEvent*) {
 
     if (paintedRegion_ != project_.CurrentRegion) {
         paintedRegion_ = project_.CurrentRegion;
+        options_.view = {};  // another region starts unzoomed
         if (painted) painted(paintedRegion_);
     }
     QPainter painter(this);
-    const QRectF area = rect();
-    QtCanvas canvas(painter, area);
+    QtCanvas canvas(painter, rect());
     canvas.Clear();
-    const Region& region = project_.Current();
-    hasScale_ = IsSet(region.HasData);
+    hasScale_ = IsSet(project_.Current().HasData);
     if (!hasScale_) return;
-    Redisplay(project_, canvas, state_);
-    if (selectedPeak_ >= 0 && IsSet(region.HasBackground))
-        DrawSelectedPeak(project_, selectedPeak_, canvas);
-    userTopLeft_ = canvas.ToUser(area.topLeft());
-    userBottomRight_ = canvas.ToUser(area.bottomRight());
-    if (hasPointer_) ShowReadout(canvas, state_, pointer_.x(), pointer_.y());
+    options_.selectedPeak = selectedPeak_;
+    if (hasPointer_) {  // the view may have changed under a pointer that stood still
+        layout_ = LayoutPlot(project_, canvas, options_);
+        options_.readout = ReadoutAt(pointerAt_);
+        hasPointer_ = !options_.readout.empty();
+    }
+    layout_ = DrawPlot(project_, canvas, options_);
+    canvas.Flush();
+    if (drag_ == Drag::Zoom) {
+        painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRect(QRectF(dragFrom_, dragTo_).normalized());
+    }
+}
+
+std::string PlotWidget::ReadoutAt(const QPointF& position) const {
+    const QPointF s = Surface(position);
+    for (const Axes* axes : {&layout_.spectrum, &layout_.residual}) {
+        if (axes == &layout_.residual && !layout_.hasResidual) break;
+        if (!axes->area.Contains(s.x(), s.y())) continue;
+        const PlotPoint p = ToPlot(*axes, s.x(), s.y());
+        return ReadoutText(p.be, p.i);
+    }
+    return {};
+}
+
+void PlotWidget::Point(const QPointF& position) {
+    const bool wasShown = hasPointer_;
+    pointerAt_ = position;
+    options_.readout = hasScale_ ? ReadoutAt(position) : std::string();
+    hasPointer_ = !options_.readout.empty();
+    if (hasPointer_ || wasShown) update();
 }
 
 void PlotWidget::mouseMoveEvent(QMouseEvent* event) {
+    const QPointF at = event->position();
+    if (drag_ == Drag::Pan) {
+        const Axes from{layout_.spectrum.area, dragView_};
+        const QPointF s0 = Surface(dragFrom_), s1 = Surface(at);
+        const PlotPoint a = ToPlot(from, s0.x(), s0.y()), b = ToPlot(from, s1.x(), s1.y());
+        options_.view = Pan(dragView_, b.be - a.be, b.i - a.i);
+    } else if (drag_ == Drag::Zoom) {
+        dragTo_ = at;
+    }
+    Point(at);
+    if (drag_ != Drag::None) update();
+}
+
+void PlotWidget::mousePressEvent(QMouseEvent* event) {
+    const QPointF s = Surface(event->position());
+    if (!hasScale_ || !layout_.spectrum.area.Contains(s.x(), s.y())) return;
+    const bool pan = event->button() == Qt::MiddleButton ||
+                     (event->button() == Qt::LeftButton && event->modifiers() & Qt::ShiftModifier);
+    if (pan || event->button() == Qt::LeftButton) {
+        drag_ = pan ? Drag::Pan : Drag::Zoom;
+        dragFrom_ = dragTo_ = event->position();
+        dragView_ = layout_.spectrum.view;
+    }
+}
+
+void PlotWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (drag_ == Drag::Zoom) {
+        const QPointF d = event->position() - dragFrom_;
+        if (std::abs(d.x()) >= kDragPixels && std::abs(d.y()) >= kDragPixels) {
+            const QPointF s0 = Surface(dragFrom_), s1 = Surface(event->position());
+            const PlotPoint a = ToPlot(layout_.spectrum, s0.x(), s0.y());
+            const PlotPoint b = ToPlot(layout_.spectrum, s1.x(), s1.y());
+            options_.view = ZoomTo(layout_.spectrum.view, a.be, a.i, b.be, b.i);
+        }
+        update();
+    }
+    drag_ = Drag::None;
+}
+
+void PlotWidget::mouseDoubleClickEvent(QMouseEvent*) {
+    drag_ = Drag::None;
+    SetView({});
+}
+
+void PlotWidget::wheelEvent(QWheelEvent* event) {
     if (!hasScale_) return;
-    pointer_ = ToPlotUnits(event->position());
-    hasPointer_ = true;
-    update();
+    const QPointF s = Surface(event->position());
+    const SurfaceRect& a = layout_.spectrum.area;
+    const PlotPoint p =
+        ToPlot(layout_.spectrum, std::clamp(s.x(), a.x0, a.x1), std::clamp(s.y(), a.y0, a.y1));
+    const double factor = std::pow(0.85, event->angleDelta().y() / 120.0);
+    SetView(ZoomAbout(layout_.spectrum.view, p.be, p.i, factor));
+    event->accept();
+}
+
+void PlotWidget::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Home)
+        SetView({});
+    else if (event->key() == Qt::Key_R && event->modifiers() == Qt::NoModifier)
+        SetScaledResidual(!options_.scaledResidual);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void PlotWidget::leaveEvent(QEvent*) { ClearReadout(); }
+
+void PlotWidget::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu menu(this);
+    menu.addAction("Reset Zoom\tHome", this, [this] { SetView({}); });
+    QAction* scaled = menu.addAction("Residual / sqrt|Data|\tR", this,
+                                     [this](bool on) { SetScaledResidual(on); });
+    scaled->setCheckable(true);
+    scaled->setChecked(options_.scaledResidual);
+    menu.exec(event->globalPos());
 }
 
 }  // namespace molvera::ui

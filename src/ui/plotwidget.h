@@ -1,6 +1,7 @@
 #pragma once
-// The region window's client area: the plot of the current region, the highlighted
-// peak and the cursor read-out, redrawn at most once per screen refresh.
+// The region window's client area: the plot of the current region with the selected
+// peak, the residual panel and the cursor read-out, redrawn at most once per screen
+// refresh. The mouse and keys zoom and pan the view; the arithmetic is in plot/plotview.
 
 #include <functional>
 
@@ -14,6 +15,10 @@
 
 namespace molvera::ui {
 
+/// Surface fractions (x right, y up) of a widget position, and back.
+QPointF ToSurface(const QPointF& position, const QSizeF& size);
+QPointF FromSurface(const QPointF& surface, const QSizeF& size);
+
 class PlotWidget : public QWidget {
     Q_OBJECT
 public:
@@ -24,7 +29,7 @@ public:
     void RequestRedraw();
     /// Repaints at once (before grab(), for instance).
     void RedrawNow();
-    /// The peak drawn in red after the fit; -1 for none.
+    /// The peak drawn thicker; -1 for none.
     void SetSelectedPeak(int slot);
     int SelectedPeak() const { return selectedPeak_; }
     /// Number of paints so far (for tests of the coalescing).
@@ -33,8 +38,20 @@ public:
     /// another project is shown).
     void ClearReadout();
     bool HasReadout() const { return hasPointer_; }
-    /// The plot-unit point under a widget position, as of the last paint.
+    /// The read-out as shown; empty when there is none.
+    const std::string& Readout() const { return options_.readout; }
+    /// The plot-unit point under a widget position in the spectrum panel, as of the last
+    /// paint.
     QPointF ToPlotUnits(const QPointF& position) const;
+    /// The layout of the last paint.
+    const PlotLayout& Layout() const { return layout_; }
+    /// The view (auto until zoomed or panned); setting it repaints.
+    const PlotView& View() const { return options_.view; }
+    void SetView(const PlotView& view);
+    /// Residual / sqrt(|data|) in the residual panel instead of the residual (for the
+    /// session only).
+    void SetScaledResidual(bool scaled);
+    bool ScaledResidual() const { return options_.scaledResidual; }
     /// The region of the last paint; -1 before the first.
     int PaintedRegion() const { return paintedRegion_; }
     /// Called when a paint shows another region than the paint before (the window's title
@@ -44,17 +61,33 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    enum class Drag { None, Zoom, Pan };
+    // The read-out text for a widget position: of the panel under it; empty outside them.
+    std::string ReadoutAt(const QPointF& position) const;
+    // The pointer moved to a widget position.
+    void Point(const QPointF& position);
+    QPointF Surface(const QPointF& position) const;
+
     const Project& project_;
-    PlotState state_;
+    PlotOptions options_;
+    PlotLayout layout_;
     int selectedPeak_ = -1;
     bool dirty_ = false;
     bool hasScale_ = false;
     bool hasPointer_ = false;
-    QPointF pointer_;      // in plot units
-    QPointF userTopLeft_;  // the last paint's scale at the widget's corners
-    QPointF userBottomRight_;
+    Drag drag_ = Drag::None;
+    QPointF pointerAt_;  // widget positions
+    QPointF dragFrom_, dragTo_;
+    PlotView dragView_;  // the view when the pan started
     QTimer refreshTimer_;
     QElapsedTimer sinceLastPaint_;
     int paintCount_ = 0;

@@ -28,15 +28,16 @@ std::unique_ptr<QLabel> ShowPrintingNotice() {
     return notice;
 }
 
-void DrawOn(QPainter& painter, const QRectF& logical, const Project& project, bool withPeakTable) {
+}  // namespace
+
+void DrawRegionOn(QPainter& painter, const QRectF& logical, const Project& project,
+                  bool withPeakTable) {
     QFont font = painter.font();
     font.setPixelSize(kFontPixels);
     painter.setFont(font);
     QtCanvas canvas(painter, logical);
     DrawPrintout(project, canvas, withPeakTable);
 }
-
-}  // namespace
 
 bool PrinterAvailable(const QPrinter& printer) {
     return printer.outputFormat() == QPrinter::PdfFormat ||
@@ -54,7 +55,7 @@ bool PrintRegion(const Project& project, QPrinter& printer, bool withPeakTable) 
     const QRect logical(0, 0, qRound(page.width() * k), qRound(page.height() * k));
     painter.setViewport(0, 0, page.width(), page.height());
     painter.setWindow(logical);
-    DrawOn(painter, logical, project, withPeakTable);
+    DrawRegionOn(painter, logical, project, withPeakTable);
     return painter.end();
 }
 
@@ -62,7 +63,7 @@ QImage RegionPicture(const Project& project, bool withPeakTable, QSize size) {
     QImage image(size.expandedTo(QSize(1, 1)), QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    DrawOn(painter, QRectF(image.rect()), project, withPeakTable);
+    DrawRegionOn(painter, QRectF(image.rect()), project, withPeakTable);
     painter.end();
     return image;
 }

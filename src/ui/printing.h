@@ -3,12 +3,18 @@
 // printout code through a QtCanvas.
 
 #include <QImage>
+#include <QPainter>
 #include <QPrinter>
 #include <QSize>
 
 #include "model/records.h"
 
 namespace molvera::ui {
+
+/// The current region drawn as the printout inside `logical` (units of 1/96 inch) of
+/// `painter`: the printer, a picture or an SVG file.
+void DrawRegionOn(QPainter& painter, const QRectF& logical, const molvera::Project& project,
+                  bool withPeakTable);
 
 /// False when the printer is the system printer and none is installed.
 bool PrinterAvailable(const QPrinter& printer);

@@ -69,6 +69,16 @@ void QtCanvas::SetLineStyle(LineStyle style) {
     style_ = style;
 }
 
+void QtCanvas::SetClip(double left, double top, double right, double bottom) {
+    Flush();
+    painter_.setClipRect(QRectF(ToLogical(left, top), ToLogical(right, bottom)).normalized());
+}
+
+void QtCanvas::ClearClip() {
+    Flush();
+    painter_.setClipping(false);
+}
+
 void QtCanvas::Clear() {
     pending_.clear();
     painter_.fillRect(target_, Qt::white);
@@ -138,6 +148,30 @@ void QtCanvas::Line(double x1, double y1, double x2, double y2, Rgb colour) {
         pending_.append(ToLogical(x2, y2));
     }
     MoveTo(x2, y2);
+}
+
+void QtCanvas::Polyline(const std::vector<double>& xs, const std::vector<double>& ys, Rgb colour) {
+    Flush();
+    // One transform per point; each finite run is one decimated painter call.
+    const double kx = target_.width() / (right_ - left_), ky = target_.height() / (bottom_ - top_);
+    const double ppu = painter_.deviceTransform().m11();
+    painter_.setPen(Pen(colour));
+    QPolygonF run;
+    run.reserve(static_cast<qsizetype>(xs.size()));
+    auto draw = [&] {
+        if (run.size() >= 2) painter_.drawPolyline(ColumnExtremes(run, ppu));
+        run.clear();
+    };
+    for (std::size_t k = 0; k < std::min(xs.size(), ys.size()); ++k) {
+        const double lx = target_.left() + (xs[k] - left_) * kx;
+        const double ly = target_.top() + (ys[k] - top_) * ky;
+        if (std::isfinite(lx) && std::isfinite(ly))
+            run.append(QPointF(std::clamp(lx, -kLogicalLimit, kLogicalLimit),
+                               std::clamp(ly, -kLogicalLimit, kLogicalLimit)));
+        else
+            draw();
+    }
+    draw();
 }
 
 void QtCanvas::Point(double x, double y, Rgb colour) {

@@ -31,10 +31,14 @@ public:
     void SetScale(double left, double top, double right, double bottom) override;
     void SetLineWidth(int width) override;
     void SetLineStyle(LineStyle style) override;
+    void SetClip(double left, double top, double right, double bottom) override;
+    void ClearClip() override;
     Rgb ForeColour() const override { return kBlack; }
     void MoveTo(double x, double y) override;
     void LineTo(double x, double y, Rgb colour) override;
     void Line(double x1, double y1, double x2, double y2, Rgb colour) override;
+    void Polyline(const std::vector<double>& xs, const std::vector<double>& ys,
+                  Rgb colour) override;
     void Point(double x, double y, Rgb colour) override;
     double CurrentX() const override { return cx_; }
     double CurrentY() const override { return cy_; }

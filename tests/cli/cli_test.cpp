@@ -201,7 +201,7 @@ TEST(JsonFloat, ReadsBackToTheSameSingle) {
 }
 
 // The picture's pixels and the PDF are the printout's (tested there); here PNG and refusals.
-TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
+TEST_F(Cli, RenderWritesPngPdfAndSvgAndRefusesWhatItCannotDraw) {
 #ifndef MOLVERA_CLI_RENDER
     GTEST_SKIP() << "molvera-cli was built without Qt, so it has no render command";
 #endif
@@ -212,6 +212,10 @@ TEST_F(Cli, RenderWritesPngAndPdfAndRefusesWhatItCannotDraw) {
     EXPECT_EQ(plain.substr(0, 8), "\x89PNG\r\n\x1a\n");
     EXPECT_EQ(plain.substr(16, 8), std::string("\0\0\x04\xb0\0\0\x03\x20", 8));  // 1200 x 800
     EXPECT_NE(plain, ReadBytes(dir / "table.PNG"));  // the peak table is drawn only on request
+    ASSERT_EQ(Cmd("render p.xps --region 1 -o figure.svg").code, 0);
+    const std::string svg = ReadBytes(dir / "figure.svg");  // text as text, not as a picture
+    EXPECT_TRUE(svg.find("<svg") != std::string::npos &&
+                svg.find("Binding Energy (eV)") != std::string::npos);
     const CliRun r = Cmd("render p.xps --region 2 -o empty.png");
     EXPECT_TRUE(r.code == 1 && r.err.find("region 2 holds no data") != std::string::npos) << r.err;
     EXPECT_NE(Cmd("render p.xps --region 1 -o missing/r.png").err.find("Error in saving file"),

@@ -1,5 +1,8 @@
+// The plot's arithmetic (ticks, autoscale, zoom and pan, residual) and its layout on a
+// recording canvas.
 #include "plot/spectrumplot.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <tuple>
@@ -8,116 +11,133 @@
 #include <gtest/gtest.h>
 
 #include "model/project.h"
+#include "plot/printout.h"
 #include "plot/recording_canvas.h"
 
 namespace molvera {
 namespace {
 
 using test::CanvasOp;
-using test::FillRegion;
 using test::RecordingCanvas;
 
-// Tick label texts (the unemphasised texts other than the axis title), and the
-// positions of the ticks (vertical black lines).
-std::vector<std::string> TickLabels(const RecordingCanvas& c) {
-    std::vector<std::string> out;
-    for (const auto& op : c.Of(CanvasOp::Text))
-        if (!op.bold && op.text != "Binding Energy (eV)") out.push_back(op.text);
-    return out;
-}
-std::vector<double> TickPositions(const RecordingCanvas& c) {
-    std::vector<double> out;
-    for (const auto& op : c.Of(CanvasOp::Line))
-        if (op.x1 == op.x2 && op.colour == kBlack) out.push_back(op.x1);
-    return out;
-}
-
-TEST(PlotTicks, StepAndFirstTick) {
-    // The step is a fifth of the span cut to its first non-zero decimal.
-    const std::pair<double, double> steps[] = {{20, 4},     {3, 0.6}, {0.07, 0.01},
-                                               {24.4, 4},  // floor(4.98)
-                                               {24.6, 5},  // floor(4.92 + 0.1)
-                                               {1000, 200}, {0, 1},   {std::nan(""), 1}};
-    for (const auto& [span, step] : steps) EXPECT_NEAR(TickStep(span), step, 1e-12) << span;
-    EXPECT_GT(TickStep(1e-30), 0);  // beyond every decade: a fifth of the span
-    // The first tick is the smallest multiple not below the minimum, strictly above
-    // it at or below zero.
-    const std::array<double, 3> firsts[] = {{280, 4, 280},       {281, 4, 284}, {285, 0.6, 285},
-                                            {285.1, 0.6, 285.6}, {0, 0.6, 0},   {-1, 0.4, -0.8},
-                                            {-0.8, 0.4, -0.4},   {-10, 1, -9}};
-    for (const auto& [min, step, first] : firsts)
-        EXPECT_NEAR(FirstTick(min, step), first, 1e-9) << min << " " << step;
-}
-
-TEST(PlotRegion, TicksAndLabelsFromTheDataWithTheHighEnergyAtTheLeft) {
-    struct Case {
-        int n;
-        double high, low;
-        std::vector<std::string> labels;
+TEST(PlotTicks, RoundStepsOverHandWorkedRanges) {
+    // span / maxTicks rounded up to 1, 2 or 5 x 10^n.
+    const struct {
+        double a, b;
+        int max;
+        std::vector<double> ticks;
+    } cases[] = {
+        {0, 9300, 8, {0, 2000, 4000, 6000, 8000}},                // 1162.5 -> 2000
+        {298.7, 263.2, 10, {265, 270, 275, 280, 285, 290, 295}},  // 3.55 -> 5
+        {0.013, 0.057, 5, {0.02, 0.03, 0.04, 0.05}},              // 0.0088 -> 0.01
+        {-1.1, 1.1, 4, {-1, 0, 1}},                               // 0.55 -> 1
+        {-7, 13, 2, {0, 10}},                                     // 10 -> 10
     };
-    // Below zero the data extents start their maximum at 0: ticks every 2 eV from the
-    // first above -10 up to the frame's edge.
-    const Case cases[] = {
-        {41, 300, 280, {"280.0", "284.0", "288.0", "292.0", "296.0", "300.0"}},
-        {31, 288, 285, {"285.0", "285.6", "286.2", "286.8", "287.4", "288.0"}},
-        {10, -2, -10, {"-8.0", "-6.0", "-4.0", "-2.0", "0.0"}},
-    };
-    for (const Case& c : cases) {
-        Project p;
-        FillRegion(p, c.n, c.high, c.low, 100, 1100);
-        RecordingCanvas canvas;
-        PlotState state;
-        DrawRegion(p, canvas, state);
-        EXPECT_EQ(canvas.ops.front().kind, CanvasOp::Clear);
-        // A provisional scale, then two rescales from the measured text sizes.
-        const auto scales = canvas.Of(CanvasOp::Scale);
-        EXPECT_TRUE(scales.size() == 3 && scales.back().x1 > scales.back().x2);
-        EXPECT_EQ(TickLabels(canvas), c.labels);
-        const std::vector<double> ticks = TickPositions(canvas);
-        ASSERT_EQ(ticks.size(), c.labels.size());
-        for (std::size_t k = 0; k < ticks.size(); ++k)
-            EXPECT_NEAR(ticks[k], std::stod(c.labels[k]), 1e-9) << c.labels[k];
-        const CanvasOp caption = canvas.Of(CanvasOp::Text)[0];  // first, bold
-        EXPECT_TRUE(caption.bold && caption.text == Text20::From("C 1s").Str());
+    for (const auto& c : cases) {
+        const std::vector<double> t = Ticks(c.a, c.b, c.max);
+        ASSERT_EQ(t.size(), c.ticks.size()) << c.a << ".." << c.b;
+        for (std::size_t k = 0; k < t.size(); ++k) EXPECT_NEAR(t[k], c.ticks[k], 1e-12);
     }
+    EXPECT_EQ(NiceStep(0, 5), 1);
+    EXPECT_EQ(NiceStep(std::nan(""), 5), 1);
+    EXPECT_EQ(TickLabel(285, 5), "285");
+    EXPECT_EQ(TickLabel(0.25, 0.05), "0.25");
+    EXPECT_EQ(TickLabel(-1e-17, 0.1), "0.0");
 }
 
-// Spectrum, background 10, peaks 20 (slot 7) and 30 (slot 3), envelope 40, then the
-// selected peak in red: each curve known by its value.
-TEST(PlotFit, CurvesInOrderSpectrumBackgroundPeaksEnvelopeHighlight) {
+// Region 0: 11 points 290..280 eV, data 100..200, a background over points 3..5 and one
+// peak (slot 4) whose curve reaches 500, above the data.
+Project FittedRegion() {
     Project p;
-    FillRegion(p, 21, 290, 280, 0, 100);
+    test::FillRegion(p, 11, 290, 280, 100, 200);
     Region& r = p.Regions[0];
-    std::tie(r.HasBackground, r.RangeCount, r.PeakCount) = std::tuple(kTrue, 5, 2);
-    r.RangeBE = {0, 288, 287, 286, 285, 284};
-    r.BackgroundCurve.assign(6, 10.0f);
-    r.PeakSumCurve.assign(6, 40.0f);
-    r.PeakIndex = {7, 3};
-    for (auto [slot, value] : {std::pair{7, 20.0f}, {3, 30.0f}}) {
-        p.Peaks[slot].InUse = kTrue;
-        p.Peaks[slot].Curve.assign(6, value);
-    }
+    std::tie(r.HasBackground, r.RangeCount, r.PeakCount) = std::tuple(kTrue, 3, 1);
+    r.RangeBE = {0, 288, 287, 286};
+    r.RangeIntensity = {0, 100, 400, 0};
+    r.BackgroundCurve = {0, 50, 60, 70};
+    r.PeakSumCurve = {0, 90, 404, 75};
+    r.PeakIndex[0] = 4;
+    p.Peaks[4].InUse = kTrue;
+    p.Peaks[4].Curve = {0, 80, 500, 72};
+    p.Peaks[4].Position = 287;
+    return p;
+}
+
+TEST(PlotView, AutoscaleHoldsEveryCurveWithAMarginZoomAndPanGoBack) {
+    const Project p = FittedRegion();
+    // Energies 280..290 and intensities 50 (background)..500 (peak), a twentieth beside.
+    const PlotView v = AutoView(p);
+    EXPECT_DOUBLE_EQ(v.beLeft, 290.5);
+    EXPECT_DOUBLE_EQ(v.beRight, 279.5);
+    EXPECT_DOUBLE_EQ(v.iLow, 50 - 22.5);
+    EXPECT_DOUBLE_EQ(v.iHigh, 500 + 22.5);
+    EXPECT_EQ(Shown(p, PlotView{}), v);
+
+    // Zoom about a point keeps it; the inverse factor goes back; so does the opposite pan.
+    const PlotView z = ZoomAbout(v, 285, 100, 0.5);
+    EXPECT_DOUBLE_EQ(z.beLeft, 287.75);
+    EXPECT_DOUBLE_EQ(z.iHigh, 311.25);
+    const PlotView back = ZoomAbout(z, 285, 100, 2);
+    EXPECT_NEAR(back.beLeft, v.beLeft, 1e-9);
+    EXPECT_NEAR(back.iLow, v.iLow, 1e-9);
+    const PlotView panned = Pan(Pan(v, 3, -40), -3, 40);
+    EXPECT_NEAR(panned.beRight, v.beRight, 1e-9);
+    EXPECT_NEAR(panned.iHigh, v.iHigh, 1e-9);
+    // A dragged rectangle in any corner order; a flat one changes nothing.
+    EXPECT_EQ(ZoomTo(v, 282, 300, 286, 100), (PlotView{286, 282, 100, 300}));
+    EXPECT_EQ(ZoomTo(v, 282, 300, 286, 300), v);
+
+    // The surface mapping and its inverse.
+    const Axes a{{0.1, 0.2, 0.9, 0.8}, v};
+    const PlotPoint q = ToPlot(a, SurfaceX(a, 284), SurfaceY(a, 321));
+    EXPECT_NEAR(q.be, 284, 1e-9);
+    EXPECT_NEAR(q.i, 321, 1e-9);
+    EXPECT_DOUBLE_EQ(SurfaceX(a, 290.5), 0.1);  // higher energy on the left
+}
+
+TEST(PlotView, ResidualIsDataMinusEnvelopeOrBackground) {
+    Project p = FittedRegion();
+    const std::vector<double> r = Residuals(p.Current(), false);
+    ASSERT_EQ(r.size(), 3u);
+    EXPECT_DOUBLE_EQ(r[0], 10);
+    EXPECT_DOUBLE_EQ(r[1], -4);
+    const std::vector<double> s = Residuals(p.Current(), true);
+    EXPECT_DOUBLE_EQ(s[0], 1);      // 10 / sqrt(100)
+    EXPECT_DOUBLE_EQ(s[1], -0.2);   // -4 / sqrt(400)
+    EXPECT_TRUE(std::isnan(s[2]));  // no data to scale by
+    p.Regions[0].PeakCount = 0;
+    EXPECT_DOUBLE_EQ(Residuals(p.Current(), false)[1], 340);  // 400 - 60
+    p.Regions[0].HasBackground = kFalse;
+    EXPECT_TRUE(Residuals(p.Current(), false).empty());
+}
+
+TEST(Printout, TableRowsBelowThePlotLegendNamesEveryCurve) {
+    Project p = FittedRegion();
+    std::tie(p.Peaks[4].Area, p.Peaks[4].FWHM, p.Peaks[4].PercentGL) =
+        std::tuple(12345.6789f, 1.2f, Int16{30});
+    EXPECT_EQ(PeakTableCells(p, 4),
+              (std::array<std::string, 5>{"4", "287.000eV", "12345.679", "1.200eV", "30%"}));
     RecordingCanvas c;
-    PlotState state;
-    Redisplay(p, c, state);
-    DrawSelectedPeak(p, 3, c);
-    // The curve segments as runs of (colour, width, y) in drawing order, with their length.
-    using Run = std::pair<std::tuple<Rgb, int, double>, int>;
-    std::vector<Run> runs;
-    for (const auto& op : c.Of(CanvasOp::Line)) {
-        if (op.x1 == op.x2 || (op.colour == kBlack && op.y1 == 0)) continue;  // ticks, axis
-        const std::tuple key(op.colour, op.width, op.colour == kBlue ? -1 : op.y2);
-        if (!runs.empty() && runs.back().first == key)
-            ++runs.back().second;
-        else
-            runs.emplace_back(key, 1);
+    const PlotLayout l = DrawPrintout(p, c, true);
+    ASSERT_TRUE(l.hasResidual);
+    EXPECT_FALSE(l.table.Intersects(l.spectrum.area));
+    EXPECT_FALSE(l.table.Intersects(l.residual.area));
+    EXPECT_GT(l.spectrum.area.y0, l.residual.area.y1);  // residual under the spectrum
+    std::vector<std::string> texts;
+    for (const auto& op : c.Of(CanvasOp::Text)) {
+        texts.push_back(op.text);
+        if (op.text == "12345.679" || op.text == "%GL") {  // a text hangs from its point
+            EXPECT_LE(op.y1, l.table.y1) << op.text;
+        }
     }
-    EXPECT_EQ(runs, (std::vector<Run>{{{kBlue, 2, -1}, 20},
-                                      {{kBlack, 2, 10}, 4},
-                                      {{kBlack, 1, 20}, 4},
-                                      {{kBlack, 1, 30}, 4},
-                                      {{kBlack, 2, 40}, 4},
-                                      {{kRed, 2, 30}, 4}}));
+    for (const char* t : {"Data", "Background", "Envelope", "Peak 4", "Residual", "Intensity"})
+        EXPECT_NE(std::find(texts.begin(), texts.end(), t), texts.end()) << t;
+    // The peak's curve (left of the legend) inside its panel: autoscale clipped nothing.
+    for (const auto& op : c.Of(CanvasOp::Line))
+        if (op.colour == PeakColour(0) && op.x1 < l.spectrum.area.x1) {
+            EXPECT_TRUE(l.spectrum.area.Contains(op.x1, op.y1) &&
+                        l.spectrum.area.Contains(op.x2, op.y2));
+        }
 }
 
 }  // namespace

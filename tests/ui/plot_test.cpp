@@ -1,5 +1,5 @@
-// The plot widget, the region picture and printing to PDF on real Qt surfaces, and what
-// QtCanvas keeps of a dense curve.
+// The plot widget driven by mouse and keys, the region picture, the PDF printout, and
+// what QtCanvas keeps of a dense curve.
 #include <cmath>
 #include <fstream>
 #include <string>
@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QImage>
 #include <QPrinter>
+#include <QTest>
+#include <QWheelEvent>
 
 #include "spectral/envelope.h"
 #include "spectral/regionedit.h"
@@ -30,64 +32,112 @@ int FitSample(Project& p) {
     return slot;
 }
 
-// Pixels close to a pure colour (antialiased edges excluded), and the leftmost and
-// rightmost columns holding them.
-struct Pixels {
-    int count = 0, left = 1 << 20, right = -1;
-};
-Pixels Find(const QImage& image, QColor colour) {
-    Pixels p;
+// Pixels within 40 of a colour in each channel.
+int Count(const QImage& image, Rgb colour) {
+    int n = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) {
             const QColor c = image.pixelColor(x, y);
-            if (std::abs(c.red() - colour.red()) < 40 &&
-                std::abs(c.green() - colour.green()) < 40 &&
-                std::abs(c.blue() - colour.blue()) < 40)
-                ++p.count, p.left = std::min(p.left, x), p.right = std::max(p.right, x);
+            n += std::abs(c.red() - colour.r) < 40 && std::abs(c.green() - colour.g) < 40 &&
+                 std::abs(c.blue() - colour.b) < 40;
         }
-    return p;
+    return n;
 }
 
-TEST(PlotWidget, DrawsSpectrumHighlightsTheSelectedPeakAndScalesWithTheWindow) {
-    Project p;
-    PlotWidget w(p);
-    w.resize(300, 200);
-    const QImage blank = w.grab().toImage();  // a hidden widget paints only when grabbed
-    EXPECT_EQ(Find(blank, Qt::white).count, blank.width() * blank.height());
+void ExpectView(const PlotView& v, double left, double right, double low, double high) {
+    const double tol = 1e-6 * (std::abs(left) + std::abs(high) + 1);
+    EXPECT_NEAR(v.beLeft, left, tol);
+    EXPECT_NEAR(v.beRight, right, tol);
+    EXPECT_NEAR(v.iLow, low, tol);
+    EXPECT_NEAR(v.iHigh, high, tol);
+}
 
+TEST(PlotWidget, WheelRectanglePanResetAndReadOut) {
+    Project p;
     const int slot = FitSample(p);
-    w.resize(600, 400);
+    PlotWidget w(p);
+    w.resize(800, 500);
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
     w.RedrawNow();
-    const QImage plain = w.grab().toImage();
-    const Pixels blue = Find(plain, Qt::blue);
-    EXPECT_GT(blue.count, 200);
-    EXPECT_GT(Find(plain, Qt::black).count, 200);  // axis, labels, fitted curves
+    const PlotView autoView = w.Layout().spectrum.view;
+    ASSERT_TRUE(w.View().IsAuto());
+    const SurfaceRect a = w.Layout().spectrum.area;
+    const QSizeF size(w.size());
+    const QPoint centre = FromSurface({(a.x0 + a.x1) / 2, (a.y0 + a.y1) / 2}, size).toPoint();
+    const QPoint corner = FromSurface({a.x0 + 0.1, a.y1 - 0.1}, size).toPoint();
+
+    // The wheel zooms in about the pointer: the point under it stays.
+    const QPointF under = w.ToPlotUnits(centre);
+    QWheelEvent wheel(centre, w.mapToGlobal(centre), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&w, &wheel);
+    w.RedrawNow();
+    EXPECT_NEAR(w.View().beLeft - w.View().beRight, 0.85 * (autoView.beLeft - autoView.beRight),
+                1e-9);
+    EXPECT_NEAR(w.ToPlotUnits(centre).x(), under.x(), 1e-6);
+    EXPECT_NEAR(w.ToPlotUnits(centre).y(), under.y(), 1e-6);
+    QTest::keyClick(&w, Qt::Key_Home);
+    EXPECT_TRUE(w.View().IsAuto());
+    w.RedrawNow();
+
+    // A dragged rectangle becomes the view.
+    const QPointF from = w.ToPlotUnits(corner), to = w.ToPlotUnits(centre);
+    QTest::mousePress(&w, Qt::LeftButton, {}, corner);
+    QTest::mouseMove(&w, centre);
+    QTest::mouseRelease(&w, Qt::LeftButton, {}, centre);
+    w.RedrawNow();
+    ExpectView(w.View(), from.x(), to.x(), to.y(), from.y());
+
+    // Shift-drag pans: the point under the pointer follows it.
+    // (to a pixel or two: the panel's edge moves when the tick labels change width).
+    const QPointF grabbed = w.ToPlotUnits(centre);
+    QTest::mousePress(&w, Qt::LeftButton, Qt::ShiftModifier, centre);
+    QTest::mouseMove(&w, corner);
+    QTest::mouseRelease(&w, Qt::LeftButton, Qt::ShiftModifier, corner);
+    w.RedrawNow();
+    const QPointF pixel = w.ToPlotUnits(QPoint(1, 1)) - w.ToPlotUnits(QPoint(0, 0));
+    EXPECT_NEAR(w.ToPlotUnits(corner).x(), grabbed.x(), 3 * std::abs(pixel.x()));
+    EXPECT_NEAR(w.ToPlotUnits(corner).y(), grabbed.y(), 3 * std::abs(pixel.y()));
+    QTest::mouseDClick(&w, Qt::LeftButton, {}, centre);
+    EXPECT_TRUE(w.View().IsAuto());
+    w.RedrawNow();
+
+    // The read-out follows the pointer in a panel and clears outside and on leaving.
+    QTest::mouseMove(&w, centre);
+    EXPECT_TRUE(w.HasReadout());
+    const QPointF c = w.ToPlotUnits(centre);
+    EXPECT_EQ(w.Readout(), ReadoutText(c.x(), c.y()));
+    QWheelEvent away(corner, w.mapToGlobal(corner), {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
+                     Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&w, &away);  // zoomed out about another point: still current
+    w.RedrawNow();
+    const QPointF d = w.ToPlotUnits(centre);
+    EXPECT_TRUE(d != c && w.Readout() == ReadoutText(d.x(), d.y()));
+    QTest::mouseMove(&w, QPoint(2, 2));
+    EXPECT_FALSE(w.HasReadout());
+    QTest::mouseMove(&w, centre);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&w, &leave);
+    EXPECT_FALSE(w.HasReadout());
+
+    // The selected peak is drawn thicker in its colour; R scales the residual.
+    const int thin = Count(w.grab().toImage(), PeakColour(0));
     w.SetSelectedPeak(slot);
     w.RedrawNow();
-    EXPECT_GT(Find(w.grab().toImage(), Qt::red).count, 100);
-    w.SetSelectedPeak(-1);
-    w.RedrawNow();
-    EXPECT_EQ(Find(w.grab().toImage(), Qt::red).count, 0);
-
-    // Twice the window, a little more than twice the spectrum: the text margins keep their size.
-    w.resize(1200, 800);
-    const Pixels wide = Find(w.grab().toImage(), Qt::blue);
-    const double ratio = static_cast<double>(wide.right - wide.left) / (blue.right - blue.left);
-    EXPECT_GE(ratio, 2.0);
-    EXPECT_LE(ratio, 2.4);
-    // The pointer's read-out: energy falls to the right, intensity upwards.
-    const QPointF a = w.ToPlotUnits(QPointF(0, 0)), b = w.ToPlotUnits(QPointF(1200, 800));
-    EXPECT_TRUE(a.x() > 290.0 && b.x() < 280.0 && a.y() > b.y());
+    EXPECT_GT(Count(w.grab().toImage(), PeakColour(0)), thin + 100);
+    QTest::keyClick(&w, Qt::Key_R);
+    EXPECT_TRUE(w.ScaledResidual());
 }
 
-TEST(RegionPicture, SizePeakTableAndPdfPrintout) {
+TEST(RegionPicture, DrawsTheWindowsPlotAndPrintsToPdf) {
     Project p;
     FitSample(p);
     const QImage plain = RegionPicture(p, false, QSize(800, 600));
-    EXPECT_GT(Find(plain, Qt::blue).count, 200);
+    EXPECT_GT(Count(plain, kDataColour), 200);
+    EXPECT_GT(Count(plain, PeakColour(0)), 50);
     // The table adds black text to the picture.
-    EXPECT_GT(Find(RegionPicture(p, true, QSize(800, 600)), Qt::black).count,
-              Find(plain, Qt::black).count + 50);
+    EXPECT_GT(Count(RegionPicture(p, true, QSize(800, 600)), kBlack), Count(plain, kBlack) + 50);
     EXPECT_EQ(RegionPicture(Project{}, true, QSize(0, 0)).size(), QSize(1, 1));
 
     const std::string path = (test::ScratchDir() / "region.pdf").string();

@@ -1,5 +1,7 @@
 // `make screenshots`: pictures of the windows as a user sees them, saved as PNG into the
 // folder named by MOLVERA_SCREENSHOT_DIR. Disabled in the normal test run.
+#include <tuple>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QMessageBox>
@@ -16,6 +18,7 @@
 #include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
+#include "ui/printing.h"
 
 namespace molvera::test {
 namespace {
@@ -49,6 +52,15 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     region().resize(900, 620);
     Save(main(), dir, "main-window.png");
     Save(region(), dir, "region-window.png");
+    // The plot zoomed into 291..282 eV, and the printout page (A4 landscape at 96 dpi).
+    ui::PlotWidget& plot = *region().Plot();
+    PlotView zoomed = plot.Layout().spectrum.view;
+    std::tie(zoomed.beLeft, zoomed.beRight) = std::pair(291.0, 282.0);
+    plot.SetView(zoomed);
+    plot.RedrawNow();
+    Save(region(), dir, "region-window-zoomed.png");
+    plot.SetView({});
+    EXPECT_TRUE(ui::RegionPicture(project(), true, QSize(1123, 794)).save(dir + "/printout.png"));
     main().findChild<QPushButton*>("optionsButton")->click();
     Save(gui->optionsWindow(), dir, "options-dialog.png");
     Menu("backgroundAction");

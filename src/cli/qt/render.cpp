@@ -1,4 +1,4 @@
-// render: a region drawn as the printout (PNG picture or PDF page), for reports.
+// render: a region drawn as the printout (PNG picture, PDF page or SVG figure), for reports.
 
 #include <algorithm>
 #include <cctype>
@@ -9,6 +9,7 @@
 #include <QPageSize>
 #include <QPrinter>
 #include <QString>
+#include <QSvgGenerator>
 
 #include "base/messages.h"
 #include "cli/command_list.h"
@@ -19,7 +20,7 @@ namespace molvera::cli {
 
 namespace {
 
-// Size of the PNG picture in pixels.
+// Size of the PNG picture in pixels (and of the SVG figure in 1/96 inch).
 constexpr int kPictureWidth = 1200;
 constexpr int kPictureHeight = 800;
 
@@ -47,16 +48,30 @@ bool WritePng(const Project& project, const std::string& path, bool withPeaks) {
     return picture.save(QString::fromStdString(path), "PNG");
 }
 
+bool WriteSvg(const Project& project, const std::string& path, bool withPeaks) {
+    QSvgGenerator svg;
+    svg.setFileName(QString::fromStdString(path));
+    svg.setSize(QSize(kPictureWidth, kPictureHeight));
+    svg.setViewBox(QRect(0, 0, kPictureWidth, kPictureHeight));
+    svg.setResolution(96);
+    svg.setTitle(QString::fromStdString(project.Current().Caption.Str()).trimmed());
+    QPainter painter;
+    if (!painter.begin(&svg)) return false;
+    ui::DrawRegionOn(painter, QRectF(0, 0, kPictureWidth, kPictureHeight), project, withPeaks);
+    return painter.end();
+}
+
 }  // namespace
 
 int RunRender(int argc, char** argv) {
     Args args(argc, argv, 2, {"with-peaks"});
     if (!CheckArgs(args, {"region", "o", "with-peaks", "options"}, 1, Usage("render")))
         return kExitUsage;
-    if (!args.Has("o")) return Fail("no output file given (-o OUT.png or OUT.pdf)");
+    if (!args.Has("o")) return Fail("no output file given (-o OUT.png, OUT.pdf or OUT.svg)");
     const std::string out = *args.Value("o");
     const std::string ext = LowerExtension(out);
-    if (ext != "png" && ext != "pdf") return Fail("the output file must end in .png or .pdf");
+    if (ext != "png" && ext != "pdf" && ext != "svg")
+        return Fail("the output file must end in .png, .pdf or .svg");
     auto region = RegionArg(args);
     if (!region) return Fail("--region takes a region number 1..10");
 
@@ -74,8 +89,9 @@ int RunRender(int argc, char** argv) {
     QGuiApplication app(qtArgc, qtArgv);
 
     const bool withPeaks = args.Has("with-peaks");
-    const bool written =
-        ext == "pdf" ? WritePdf(s.project, out, withPeaks) : WritePng(s.project, out, withPeaks);
+    const bool written = ext == "pdf"   ? WritePdf(s.project, out, withPeaks)
+                         : ext == "svg" ? WriteSvg(s.project, out, withPeaks)
+                                        : WritePng(s.project, out, withPeaks);
     if (!written) {
         Print(msg::kErrorSavingFile);
         return kExitRefused;
