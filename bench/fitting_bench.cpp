@@ -104,7 +104,7 @@ void BM_DragPeakStep(benchmark::State& state) {
     double dx = 0;
     for (auto _ : state) {
         dx = dx > 0.5 ? -0.5 : dx + 0.01;
-        benchmark::DoNotOptimize(DragPeakApex(*project, host, 4, {apex.be + dx, apex.intensity}));
+        benchmark::DoNotOptimize(DragPeakApex(*project, host, 4, {apex.be + dx, apex.i}));
     }
 }
 BENCHMARK(BM_DragPeakStep)->Unit(benchmark::kMillisecond);

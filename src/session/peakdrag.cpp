@@ -60,7 +60,7 @@ Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to) {
     const bool moveHeight = !Held(project, slot, PeakParameter::Area, peak.FixArea);
     // The apex stays at its energy when the position is held: the height is measured there.
     const double be = movePosition ? to.be : static_cast<double>(peak.Position) + region.Shift;
-    const double height = to.intensity - BackgroundAt(region, be);
+    const double height = to.i - BackgroundAt(region, be);
     if (moveHeight && !(height > 0 && region.NetScale > 0))
         return Status::Error("the apex must lie above the background", "");
     PeakForm form;

@@ -8,14 +8,9 @@
 #include "base/status.h"
 #include "model/host.h"
 #include "model/records.h"
+#include "plot/plotview.h"
 
 namespace molvera {
-
-/// A point of the plot in its own units.
-struct PlotPoint {
-    double be = 0;
-    double intensity = 0;
-};
 
 /// The apex of peak `slot` of the current region as drawn: its position plus the region's
 /// shift, and the background there plus its height (HeightPercent x NetScale). None when
@@ -27,7 +22,7 @@ std::optional<PlotPoint> PeakApex(const Project& project, int slot);
 double BackgroundAt(const Region& region, double be);
 
 /// Moves the apex of peak `slot` of the current region to `to`: the position becomes
-/// to.be minus the shift, the height to.intensity minus the background there, turned into
+/// to.be minus the shift, the height to.i minus the background there, turned into
 /// the area of the peak's shape. A fixed or linked position, or a fixed or linked area,
 /// stays as it is; peaks linked to this one follow. Refused (nothing changes) when the slot
 /// is no peak of the current region or the height is not above the background.

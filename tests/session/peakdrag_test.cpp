@@ -36,19 +36,19 @@ TEST_F(PeakDrag, TheApexGoesWhereThePointerIsUnlessHeld) {
     const PlotPoint apex = *PeakApex(*project, slot);
     const PlotPoint top = CurveTop();  // the apex is the drawn curve's top, to a grid step
     EXPECT_NEAR(apex.be, top.be, 0.1);
-    EXPECT_NEAR(apex.intensity, top.intensity, 0.01 * top.intensity);
+    EXPECT_NEAR(apex.i, top.i, 0.01 * top.i);
 
-    const PlotPoint to{apex.be - 0.6, apex.intensity + 500};
+    const PlotPoint to{apex.be - 0.6, apex.i + 500};
     ASSERT_TRUE(DragPeakApex(*project, host, slot, to));
     EXPECT_NEAR(CurveTop().be, to.be, 0.1);
-    EXPECT_NEAR(CurveTop().intensity, to.intensity, 0.01 * to.intensity);
+    EXPECT_NEAR(CurveTop().i, to.i, 0.01 * to.i);
 
     Peak& peak = project->Peaks[static_cast<std::size_t>(slot)];
     peak.FixPosition = 1;  // a fixed position stays; the height still follows
     const float position = peak.Position;
-    ASSERT_TRUE(DragPeakApex(*project, host, slot, {to.be + 1, to.intensity - 200}));
+    ASSERT_TRUE(DragPeakApex(*project, host, slot, {to.be + 1, to.i - 200}));
     EXPECT_EQ(peak.Position, position);
-    EXPECT_NEAR(PeakApex(*project, slot)->intensity, to.intensity - 200, 1.0);
+    EXPECT_NEAR(PeakApex(*project, slot)->i, to.i - 200, 1.0);
 
     const std::string before = ProjectFileBytes(*project);  // below the background: refused
     EXPECT_FALSE(DragPeakApex(*project, host, slot, {to.be, 0}));
