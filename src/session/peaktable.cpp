@@ -80,7 +80,7 @@ std::vector<PeakTableRow> PeakTableRows(const Project& project, int r, bool with
         for (const auto& [column, which] : kValueColumns) {
             const std::string relation = RelationText(project, slot, which);
             const bool fixed = IsFixed(peak, which);
-            std::string& mark = row.cells[static_cast<std::size_t>(column + 1)];
+            std::string& mark = row.cells[static_cast<std::size_t>(column) + 1];
             if (!relation.empty())
                 mark = relation;
             else if (fixed)
@@ -89,7 +89,7 @@ std::vector<PeakTableRow> PeakTableRows(const Project& project, int r, bool with
                 mark = SigmaCell(s.parameters[static_cast<std::size_t>(which)]);
             const bool constrained = fixed || !relation.empty();
             row.constrained[static_cast<std::size_t>(column)] = constrained;
-            row.constrained[static_cast<std::size_t>(column + 1)] = constrained;
+            row.constrained[static_cast<std::size_t>(column) + 1] = constrained;
             row.editable[static_cast<std::size_t>(column)] = !constrained;
         }
         if (total != 0) {

@@ -144,7 +144,7 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
 }
 
 // Live editing: a typed box takes effect keeping its text; one without a number waits;
-// a linked parameter shows its relation; Cancel still restores the peak as opened.
+// a linked parameter shows its relation.
 TEST_F(PeakFormTest, LiveEditsKeepTypedTextsAndWaitForANumber) {
     ASSERT_EQ(AddPeak(project, QuietHost()), 1);
     project.Constraints[1].Area = {kTrue, 0, kFalse, 0, 2, 0.5f, kFalse, 0, 0};  // 0 x 0.5
@@ -162,9 +162,6 @@ TEST_F(PeakFormTest, LiveEditsKeepTypedTextsAndWaitForANumber) {
     EXPECT_EQ(std::tuple(project.Peaks[1].Position, project.Peaks[1].PercentGL, form.positionText,
                          form.glText, project.Peaks[1].Area),
               std::tuple(284.0f, Int16{100}, "284.", "100", 125.0f));  // the relation applied
-    EXPECT_FALSE(LiveApplyPeakEditor(project, host, form));            // nothing new typed
-    CancelPeakEditor(project, host, form);
-    EXPECT_TRUE(project.Peaks[1] == opened);
 }
 
 TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {
