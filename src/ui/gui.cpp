@@ -90,6 +90,7 @@ void Gui::BuildDialogs() {
     PeakTable& table = *region_->Table();
     peakEditor_->highlighted = [&table](int slot) { table.SelectPeak(slot); };
     table.edited = [this] { peakEditor_->Refill(); };
+    table.openEditor = main_->openPeakEditor;
     options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
 
     host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };

@@ -1,5 +1,8 @@
 #include "ui/peaktable.h"
 
+#include <algorithm>
+#include <span>
+
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -41,6 +44,14 @@ PeakTable::PeakTable(Project& project, QtHost& host, PlotWidget& plot, QWidget* 
     connect(&refreshTimer_, &QTimer::timeout, this, &PeakTable::Refresh);
     connect(this, &QTableWidget::itemChanged, this, &PeakTable::CellEdited);
     connect(this, &QTableWidget::itemSelectionChanged, this, &PeakTable::RowSelected);
+    connect(this, &QTableWidget::cellDoubleClicked, this, [this](int row, int column) {
+        const auto r = static_cast<std::size_t>(row);
+        if (r >= rows_.size() || rows_[r].editable[static_cast<std::size_t>(column)]) return;
+        const std::span<const Int16> list = PeakList(project_.Current());
+        const auto at = std::find(list.begin(), list.end(), rows_[r].slot);
+        if (at != list.end() && openEditor)
+            openEditor(10 * project_.CurrentRegion + static_cast<int>(at - list.begin()));
+    });
 }
 
 void PeakTable::RequestRefresh() { refreshTimer_.start(); }

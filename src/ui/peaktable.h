@@ -35,6 +35,9 @@ public:
     const std::vector<PeakTableRow>& Rows() const { return rows_; }
     /// After a cell edit changed the project (the peak editor refills).
     std::function<void()> edited;
+    /// A double click on a cell that takes no typing: the peak editor on that peak, by
+    /// its main-window button (10 x region + k).
+    std::function<void(int buttonIndex)> openEditor;
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

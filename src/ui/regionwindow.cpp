@@ -54,7 +54,7 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
     statusBar()->addWidget(warning_);
     statusBar()->addWidget(fitSummary_, 1);
     warning_->hide();
-    resize(820, 760);
+    resize(820, 600);
     BuildMenus();
 }
 

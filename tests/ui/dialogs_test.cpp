@@ -230,9 +230,11 @@ TEST_F(PeakEditorTest, LiveTypingAndThePeakTable) {
     const int second = project().CurrentPeak;
     table.Refresh();
     EXPECT_EQ(table.selectedRanges().value(0).topRow(), 1);
-    QTest::mouseClick(table.viewport(), Qt::LeftButton, {},
-                      table.visualItemRect(table.item(0, kPeakColumn)).center());
+    const QPoint first = table.visualItemRect(table.item(0, kPeakColumn)).center();
+    QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, first);
     EXPECT_EQ(region().Plot()->SelectedPeak(), slot);
+    QTest::mouseDClick(table.viewport(), Qt::LeftButton, {}, first);
+    EXPECT_EQ(project().CurrentPeak, slot);  // the editor on that peak
     QTest::keyClick(&table, Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text().toLatin1().toStdString(),
               PeakTableText(PeakTableRows(project(), project().CurrentRegion)));
