@@ -31,20 +31,6 @@ std::pair<double, double> RangeEnergies(const Region& region) {
     return {low, high};
 }
 
-bool IsFixed(const Peak& peak, PeakParameter which) {
-    switch (which) {
-        case PeakParameter::Position:
-            return peak.FixPosition != 0;
-        case PeakParameter::Area:
-            return peak.FixArea != 0;
-        case PeakParameter::FWHM:
-            return peak.FixFWHM != 0;
-        case PeakParameter::GL:
-            break;
-    }
-    return peak.FixGL != 0;
-}
-
 /// The link after one relation v op a; false for an operation that is not one.
 bool Follow(ParameterLink& link, Int16 operation, double a) {
     switch (operation) {
@@ -185,6 +171,20 @@ private:
 };
 
 }  // namespace
+
+bool IsFixed(const Peak& peak, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            return peak.FixPosition != 0;
+        case PeakParameter::Area:
+            return peak.FixArea != 0;
+        case PeakParameter::FWHM:
+            return peak.FixFWHM != 0;
+        case PeakParameter::GL:
+            break;
+    }
+    return peak.FixGL != 0;
+}
 
 std::vector<int> ScoredRegions(const Project& project, const std::vector<int>& fitted) {
     std::array<bool, kRegionCount> scored{};

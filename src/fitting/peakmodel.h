@@ -84,6 +84,9 @@ private:
     std::vector<float> shifts_;  // per scored region
 };
 
+/// True when the peak's Fix flag of that parameter is set.
+bool IsFixed(const Peak& peak, PeakParameter which);
+
 /// The regions whose residuals a fit of `fitted` must score: `fitted` and every region with
 /// a peak that follows one of their peaks through a chain of links, in slot order.
 std::vector<int> ScoredRegions(const Project& project, const std::vector<int>& fitted);

@@ -30,21 +30,6 @@ enum PeakBoxIndex : std::size_t {
     kTailLengthBox
 };
 
-const char* PeakTypeText(Subshell type) {
-    switch (type) {
-        case Subshell::S:
-            return "s";
-        case Subshell::P:
-            return "p";
-        case Subshell::D:
-            return "d";
-        case Subshell::F:
-            return "f";
-        default:
-            return nullptr;
-    }
-}
-
 Subshell PeakTypeFromText(const std::string& text) {
     if (text == "s") return Subshell::S;
     if (text == "p") return Subshell::P;
@@ -140,6 +125,34 @@ bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
 
 }  // namespace
 
+const char* PeakTypeText(Subshell type) {
+    switch (type) {
+        case Subshell::S:
+            return "s";
+        case Subshell::P:
+            return "p";
+        case Subshell::D:
+            return "d";
+        case Subshell::F:
+            return "f";
+        default:
+            return nullptr;
+    }
+}
+
+std::string RelationText(const Project& project, int slot, PeakParameter which) {
+    if (!ValidSlot(slot)) return "";
+    const ParameterConstraint& c = project.Constraints[slot][which];
+    // As the fit and the propagation see it: a reference to another peak in use.
+    if (!IsSet(c.Linked) || !ValidSlot(c.RefPeak) || c.RefPeak == slot ||
+        !IsSet(project.Peaks[c.RefPeak].InUse))
+        return "";
+    static constexpr std::array<const char*, 4> kOperations{"+", "-", "\xD7", "/"};
+    const char* operation = c.Operation >= 0 && c.Operation < 4 ? kOperations[c.Operation] : "?";
+    return "= peak " + std::to_string(c.RefPeak) + " " + operation + " " +
+           FormatGeneral(c.Argument);
+}
+
 std::string ActualFWHMText(const MeasuredWidth& w) {
     if (!w.converged) return "---           ";
     return FormatFixed(w.width, 3) + "eV   ";
@@ -224,6 +237,8 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
 
     for (const NumberBox& box : PeakBoxes(form)) form.shownText[box.field] = box.text;
 
+    for (PeakParameter which : kPeakParameters)
+        form.relationText[static_cast<std::size_t>(which)] = RelationText(project, slot, which);
     form.sigmaText = {};
     if (form.withSigmas && IsSet(region.HasData) && IsSet(region.HasBackground)) {
         const Uncertainties u = ComputeUncertainties(project, {r});
@@ -243,6 +258,20 @@ std::vector<NumberBox> PeakBoxes(const PeakForm& form) {
             {"S.O.S.", "splittingText", form.splittingText},
             {"TS", "tailScaleText", form.tailScaleText},
             {"TL", "tailLengthText", form.tailLengthText}};
+}
+
+std::string& BoxText(PeakForm& form, PeakParameter which) {
+    switch (which) {
+        case PeakParameter::Position:
+            return form.positionText;
+        case PeakParameter::FWHM:
+            return form.fwhmText;
+        case PeakParameter::Area:
+            return form.areaText;
+        case PeakParameter::GL:
+            break;
+    }
+    return form.glText;
 }
 
 NumberBox PeakBox(const PeakForm& form, PeakParameter which) {
@@ -350,6 +379,36 @@ Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
 
 Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
     return ApplyAndRecompute(project, host, form);
+}
+
+bool LiveApplyPeakEditor(Project& project, Host& host, PeakForm& form) {
+    if (!form.visible || !ValidSlot(project.CurrentPeak)) return false;
+    // The boxes' texts by PeakBoxes order.
+    static constexpr std::array<std::string PeakForm::*, 7> kTexts{
+        &PeakForm::positionText,  &PeakForm::fwhmText,      &PeakForm::areaText,
+        &PeakForm::glText,        &PeakForm::splittingText, &PeakForm::tailScaleText,
+        &PeakForm::tailLengthText};
+    std::array<bool, kTexts.size()> typed{};
+    const std::vector<NumberBox> boxes = PeakBoxes(form);
+    bool any = false;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        typed[i] = BoxTyped(form, boxes[i]);
+        if (typed[i] && !BoxNumber(boxes[i].text)) return false;
+        any = any || typed[i];
+    }
+    const Peak& peak = project.Peaks[project.CurrentPeak];
+    const char* type = PeakTypeText(peak.PeakType);
+    if (!any && (!type || form.peakType == type)) return false;
+    if (!ApplyPeakEditor(project, form)) return false;
+    std::array<std::string, kTexts.size()> kept;
+    for (std::size_t i = 0; i < kTexts.size(); ++i) kept[i] = form.*kTexts[i];
+    if (Status st = ApplyAndRecompute(project, host, form); !st) return false;
+    for (std::size_t i = 0; i < kTexts.size(); ++i) {
+        if (!typed[i]) continue;
+        form.*kTexts[i] = kept[i];
+        form.shownText[boxes[i].field] = kept[i];
+    }
+    return true;
 }
 
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form) {

@@ -43,6 +43,9 @@ struct PeakForm {
     /// present values; "" for a value no fit varies.
     std::array<std::string, 4> sigmaText;
     bool withSigmas = true;      ///< false: no sigma is computed (a drag never shows the form)
+    /// "= peak 0 \xD7 1" for a parameter that follows another peak's, by PeakParameter;
+    /// "" for one of its own. Its box is read-only.
+    std::array<std::string, 4> relationText;
     std::string tailScaleText;   ///< "TS"
     std::string tailLengthText;  ///< "TL"
     std::string caption;
@@ -55,6 +58,13 @@ struct PeakForm {
     float positionBase = 0;  ///< BackgroundLowBE: the energy of positionBar's position 0
     float areaScale = 1;     ///< area of one step of areaBar
 };
+
+/// "s", "p", "d" or "f"; null for a type without a name.
+const char* PeakTypeText(Subshell type);
+
+/// The relation a parameter of peak `slot` follows, as "= peak 0 \xD7 1" or
+/// "= peak 2 + 1.1" (Latin-1); "" when it follows none.
+std::string RelationText(const Project& project, int slot, PeakParameter which);
 
 /// The text of the measured-width label for a measured width.
 std::string ActualFWHMText(const MeasuredWidth& w);
@@ -74,6 +84,9 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot);
 
 /// The value box of a parameter, as a box that must hold a number.
 NumberBox PeakBox(const PeakForm& form, PeakParameter which);
+
+/// The text of a parameter's value box.
+std::string& BoxText(PeakForm& form, PeakParameter which);
 
 /// Every number box: Position, FWHM, Area, %GL, S.O.S., TS, TL, in this order.
 std::vector<NumberBox> PeakBoxes(const PeakForm& form);
@@ -98,6 +111,11 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
 Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
 /// ReDraw: as Accept, but the editor stays open.
 Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
+/// Live editing, a moment after the user typed: when every typed box holds a number, as
+/// ReDraw, except that the typed boxes keep their texts (as the form corrects them) and
+/// count as read; otherwise nothing (no message while the user is still typing). True
+/// when typed values (or another type) were applied.
+bool LiveApplyPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Cancel: the peak as it was when the editor opened, or none when Add Peak opened it;
 /// hide; envelope; redraw.
 void CancelPeakEditor(Project& project, Host& host, PeakForm& form);

@@ -14,6 +14,7 @@
 #include "ui/mainwindow.h"
 #include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
+#include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
 #include "ui/regionwindow.h"
@@ -54,6 +55,7 @@ void Gui::RefreshEditMenus() {
 }
 
 void Gui::RecordStep() {
+    region_->Table()->RequestRefresh();  // a Fix box, a label: changes that draw nothing
     history_.Record(*project_);
     RefreshEditMenus();
 }
@@ -85,6 +87,10 @@ void Gui::BuildDialogs() {
     region_->openRegionCaption = [this] { caption_->Open(); };
     main_->openPeakEditor = [this](int buttonIndex) { peakEditor_->Open(buttonIndex); };
     region_->addPeak = [this] { peakEditor_->AddAndOpen(); };
+    PeakTable& table = *region_->Table();
+    peakEditor_->highlighted = [&table](int slot) { table.SelectPeak(slot); };
+    table.edited = [this] { peakEditor_->Refill(); };
+    table.openEditor = main_->openPeakEditor;
     options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
 
     host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -84,6 +85,15 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot,
     buttons->addWidget(remove);
     layout->addLayout(buttons);
 
+    liveTimer_.setSingleShot(true);
+    liveTimer_.setInterval(kLivePauseMs);
+    connect(&liveTimer_, &QTimer::timeout, this, &PeakEditor::ApplyLive);
+    for (QLineEdit* box : findChildren<QLineEdit*>())
+        connect(box, &QLineEdit::textEdited, &liveTimer_, qOverload<>(&QTimer::start));
+    connect(type_, &QComboBox::currentTextChanged, this, [this] {
+        if (!showing_) liveTimer_.start();
+    });
+
     connect(optimisePeak, &QPushButton::clicked, this, &PeakEditor::OptimisePeakClicked);
     connect(redraw, &QPushButton::clicked, this, &PeakEditor::ReDrawClicked);
     connect(accept, &QPushButton::clicked, this, &PeakEditor::AcceptClicked);
@@ -101,7 +111,7 @@ QGroupBox* PeakEditor::ParameterFrame(ParameterRow& row, const QString& title,
     row.box = NamedBox(frame, word + QStringLiteral("Text"), 90);
     row.sigma = new QLabel(frame);
     row.sigma->setObjectName(word + QStringLiteral("Sigma"));
-    row.sigma->setMinimumWidth(110);
+    row.sigma->setMinimumWidth(170);  // room for a relation and its uncertainty
     row.sigma->setToolTip(QStringLiteral("Standard uncertainty at the present values"));
     row.scroll = new QScrollBar(Qt::Horizontal, frame);
     row.scroll->setObjectName(word + QStringLiteral("Bar"));
@@ -156,7 +166,7 @@ void PeakEditor::ShowForm() {
     SetBoxText(tailLength_, form_.tailLengthText);
     for (ParameterRow& row : rows_) {
         SetBoxText(row.box, form_.*row.text);
-        row.sigma->setText(FromLatin1(form_.sigmaText[static_cast<std::size_t>(row.which)]));
+        MarkConstraints(row);
         const ScrollBar& bar = form_.*row.bar;
         row.scroll->setRange(std::min(bar.min, bar.max), std::max(bar.min, bar.max));
         row.scroll->setValue(bar.value);
@@ -179,7 +189,43 @@ void PeakEditor::ReadForm() {
 }
 
 void PeakEditor::SyncHighlight() {
-    plot_.SetSelectedPeak(form_.visible ? project_.CurrentPeak : -1);
+    const int slot = form_.visible ? project_.CurrentPeak : -1;
+    plot_.SetSelectedPeak(slot);
+    if (highlighted) highlighted(slot);
+}
+
+void PeakEditor::MarkConstraints(ParameterRow& row) {
+    const auto i = static_cast<std::size_t>(row.which);
+    const std::string& relation = form_.relationText[i];
+    const std::string& sigma = form_.sigmaText[i];
+    row.sigma->setText(
+        FromLatin1(relation.empty() || sigma.empty() ? relation + sigma : relation + "  " + sigma));
+    row.box->setReadOnly(!relation.empty());
+    row.scroll->setEnabled(relation.empty());
+    // A value the fit leaves alone is greyed: fixed, or following another peak.
+    const bool greyed = !relation.empty() || form_.*row.check;
+    if (row.box->property("greyed").toBool() == greyed) return;
+    row.box->setProperty("greyed", greyed);
+    QPalette palette = row.box->palette();
+    palette.setColor(QPalette::Base, greyed ? palette.color(QPalette::Window)
+                                            : QApplication::palette(row.box).color(QPalette::Base));
+    palette.setColor(QPalette::Text, greyed ? palette.color(QPalette::Disabled, QPalette::Text)
+                                            : QApplication::palette(row.box).color(QPalette::Text));
+    row.box->setPalette(palette);
+}
+
+void PeakEditor::ApplyLive() {
+    if (!form_.visible || !isEnabled()) return;
+    ReadForm();
+    if (!LiveApplyPeakEditor(project_, host_, form_)) return;
+    ShowForm();
+}
+
+void PeakEditor::Refill() {
+    if (!form_.visible) return;
+    liveTimer_.stop();
+    FillPeakEditor(project_, form_, project_.CurrentPeak);
+    ShowForm();
 }
 
 bool PeakEditor::Open(int buttonIndex) {
@@ -195,6 +241,7 @@ bool PeakEditor::AddAndOpen() {
 }
 
 void PeakEditor::Opened() {
+    liveTimer_.stop();
     SetAsymmetryEnabled(project_.Options.GLSum != 0);
     ShowForm();
     form_.invalidBox.clear();
@@ -202,6 +249,7 @@ void PeakEditor::Opened() {
 }
 
 void PeakEditor::HideEditor() {
+    liveTimer_.stop();
     form_.visible = false;
     hide();
     SyncHighlight();
@@ -213,7 +261,7 @@ void PeakEditor::BarMoved(ParameterRow& row, int position) {
     if (showing_) return;
     if (MoveScrollBar(form_, row.which, position)) {
         SetBoxText(row.box, form_.*row.text);
-        row.sigma->setText(FromLatin1(form_.sigmaText[static_cast<std::size_t>(row.which)]));
+        liveTimer_.start();
     } else {
         const QSignalBlocker quiet(row.scroll);
         row.scroll->setValue((form_.*row.bar).value);
@@ -223,6 +271,7 @@ void PeakEditor::BarMoved(ParameterRow& row, int position) {
 void PeakEditor::FixToggled(ParameterRow& row, bool checked) {
     if (showing_) return;
     SetFixCheck(project_, form_, row.which, checked);
+    MarkConstraints(row);
 }
 
 void PeakEditor::Report(const Status& status) {
@@ -231,6 +280,7 @@ void PeakEditor::Report(const Status& status) {
 }
 
 void PeakEditor::AcceptClicked() {
+    liveTimer_.stop();
     ReadForm();
     const Status st = AcceptPeakEditor(project_, host_, form_);
     ShowForm();
@@ -238,6 +288,7 @@ void PeakEditor::AcceptClicked() {
 }
 
 void PeakEditor::ReDrawClicked() {
+    liveTimer_.stop();
     ReadForm();
     const Status st = RedrawPeakEditor(project_, host_, form_);
     ShowForm();
@@ -245,16 +296,19 @@ void PeakEditor::ReDrawClicked() {
 }
 
 void PeakEditor::CancelClicked() {
+    liveTimer_.stop();
     CancelPeakEditor(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::DeleteClicked() {
+    liveTimer_.stop();
     DeleteEditedPeak(project_, host_, form_);
     ShowForm();
 }
 
 void PeakEditor::OptimiseClicked(PeakParameter which) {
+    liveTimer_.stop();
     ReadForm();
     const Status st = OptimiseEditedParameter(project_, host_, form_, which);
     ShowForm();
@@ -262,6 +316,7 @@ void PeakEditor::OptimiseClicked(PeakParameter which) {
 }
 
 void PeakEditor::OptimisePeakClicked() {
+    liveTimer_.stop();
     ReadForm();
     const Status st = OptimiseEditedPeak(project_, host_, form_);
     ShowForm();
@@ -275,6 +330,7 @@ void PeakEditor::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    liveTimer_.stop();
     if (form_.visible) {
         ClosePeakEditor(project_, host_, form_);
         ShowForm();

@@ -2,8 +2,10 @@
 // The peak editor window, modeless, over the session's PeakForm.
 
 #include <array>
+#include <functional>
 #include <string>
 
+#include <QTimer>
 #include <QWidget>
 
 #include "model/records.h"
@@ -46,6 +48,14 @@ public:
     /// MoveScrollBar).
     void ReadForm();
     const PeakForm& Form() const { return form_; }
+    /// The form filled again from the edited peak (changed elsewhere, in the peak table).
+    void Refill();
+    /// Typed values take effect this long after the last key.
+    static constexpr int kLivePauseMs = 300;
+    /// The live-editing timer (tests fire it rather than wait).
+    QTimer& LiveTimer() { return liveTimer_; }
+    /// The peak shown in the plot (and the table) changed: the slot, -1 for none.
+    std::function<void(int slot)> highlighted;
 
     void AcceptClicked();
     void ReDrawClicked();
@@ -79,6 +89,10 @@ private:
     void BarMoved(ParameterRow& row, int position);
     void FixToggled(ParameterRow& row, bool checked);
     void SyncHighlight();
+    /// Live editing: the typed values applied (LiveApplyPeakEditor) after the pause.
+    void ApplyLive();
+    /// A relation's box read-only, a fixed value's box greyed.
+    void MarkConstraints(ParameterRow& row);
     /// Marks the box the last check refused (or none) and shows a refusal.
     void Report(const Status& status);
 
@@ -95,6 +109,7 @@ private:
     QGroupBox* asymmetry_ = nullptr;
     QLineEdit* tailScale_ = nullptr;
     QLineEdit* tailLength_ = nullptr;
+    QTimer liveTimer_;
 };
 
 }  // namespace molvera::ui

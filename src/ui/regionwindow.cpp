@@ -2,10 +2,12 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
 
+#include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
 #include "ui/widgets.h"
@@ -28,6 +30,7 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
       host_(host),
       files_(files),
       plot_(new PlotWidget(project, this)),
+      table_(new PeakTable(project, host, *plot_, this)),
       warning_(new QLabel(this)),
       fitSummary_(new QLabel(this)) {
     setObjectName(QStringLiteral("regionWindow"));
@@ -36,6 +39,12 @@ RegionWindow::RegionWindow(Project& project, QtHost& host, FileDialog& files, QW
     plot_->painted = [this](int region) {
         setWindowTitle(QStringLiteral("Region %1").arg(region + 1));
     };
+    auto* dock = new QDockWidget(QStringLiteral("Peaks"), this);
+    dock->setObjectName(QStringLiteral("peakTableDock"));
+    dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    dock->setWidget(table_);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    resizeDocks({dock}, {170}, Qt::Vertical);  // a header and five rows; the plot the rest
     warning_->setObjectName(QStringLiteral("warningLabel"));
     warning_->setStyleSheet(QStringLiteral("QLabel { color: #b32d00; font-weight: bold; }"));
     // A long text is cut rather than widening the window; the warning comes first and the
@@ -109,9 +118,13 @@ QAction* RegionWindow::Action(const QString& itemName) const {
 void RegionWindow::ShowRegion(bool redraw) {
     if (!isVisible()) show();
     if (redraw) plot_->RequestRedraw();
+    table_->RequestRefresh();
 }
 
-void RegionWindow::Redraw() { plot_->RequestRedraw(); }
+void RegionWindow::Redraw() {
+    plot_->RequestRedraw();
+    table_->RequestRefresh();
+}
 
 void RegionWindow::SetWarning(const QString& text) {
     warning_->setText(text);
@@ -128,6 +141,8 @@ QString RegionWindow::WarningText() const { return warning_->text(); }
 
 void RegionWindow::SetCommandsEnabled(bool enabled) {
     menuBar()->setEnabled(enabled);
+    table_->setEnabled(enabled);
+    if (enabled) table_->RequestRefresh();
     plot_->setAttribute(Qt::WA_TransparentForMouseEvents, !enabled);
 }
 

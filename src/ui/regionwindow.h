@@ -18,6 +18,7 @@ namespace molvera::ui {
 class QtHost;
 class FileDialog;
 class PlotWidget;
+class PeakTable;
 
 /// The region window.
 class RegionWindow : public QMainWindow {
@@ -37,6 +38,8 @@ public:
     /// The redisplay rule: the plot is repainted from the project.
     void Redraw();
     PlotWidget* Plot() const { return plot_; }
+    /// The peak table panel under the plot.
+    PeakTable* Table() const { return table_; }
     /// During a fit the menu and the plot's read-out take no input; the window itself
     /// stays enabled so that the plot is not repainted for the change of state.
     void SetCommandsEnabled(bool enabled);
@@ -82,6 +85,7 @@ private:
     QtHost& host_;
     FileDialog& files_;
     PlotWidget* plot_;
+    PeakTable* table_;
     QLabel* warning_;
     QLabel* fitSummary_;
 };

@@ -1,5 +1,6 @@
 #include "session/peakform.h"
 
+#include <array>
 #include <tuple>
 
 #include <gtest/gtest.h>
@@ -140,6 +141,27 @@ TEST_F(PeakFormTest, AcceptRoundsGLRecomputesHeightAndAppliesRelations) {
     EXPECT_EQ(std::tuple(form.visible, p.Area, p.PercentGL), std::tuple(false, 400.0f, Int16{42}));
     EXPECT_NEAR(HeightPercentToArea(project, p), 400.0f, 1e-3);
     EXPECT_EQ(project.Peaks[1].Position, 286.0f);
+}
+
+// Live editing: a typed box takes effect keeping its text; one without a number waits;
+// a linked parameter shows its relation.
+TEST_F(PeakFormTest, LiveEditsKeepTypedTextsAndWaitForANumber) {
+    ASSERT_EQ(AddPeak(project, QuietHost()), 1);
+    project.Constraints[1].Area = {kTrue, 0, kFalse, 0, 2, 0.5f, kFalse, 0, 0};  // 0 x 0.5
+    project.Constraints[0].Area = {kFalse, 0, kTrue, 1, 0, 0, kFalse, 0, 0};
+    ASSERT_TRUE(OpenPeakEditor(project, host, form, 11));
+    EXPECT_EQ(form.relationText, (std::array<std::string, 4>{"", "= peak 0 \xD7 0.5", "", ""}));
+    const Peak opened = project.Peaks[1];
+    form.positionText = "284.";
+    form.areaText = "-";  // not a number yet: nothing happens
+    EXPECT_FALSE(LiveApplyPeakEditor(project, host, form));
+    EXPECT_TRUE(project.Peaks[1] == opened && form.invalidBox.empty());
+    form.areaText = form.shownText["areaText"];
+    form.glText = "150";  // corrected as Accept does
+    EXPECT_TRUE(LiveApplyPeakEditor(project, host, form));
+    EXPECT_EQ(std::tuple(project.Peaks[1].Position, project.Peaks[1].PercentGL, form.positionText,
+                         form.glText, project.Peaks[1].Area),
+              std::tuple(284.0f, Int16{100}, "284.", "100", 125.0f));  // the relation applied
 }
 
 TEST_F(PeakFormTest, ReDrawStaysOpenCancelAndCloseRestoreThePeakAsOpened) {

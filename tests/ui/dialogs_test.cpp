@@ -4,7 +4,10 @@
 #include <tuple>
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
 #include <QScrollBar>
 #include <QTimer>
 #include <QtTest/QTest>
@@ -17,6 +20,7 @@
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
+#include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 
 namespace molvera::test {
@@ -196,6 +200,54 @@ TEST_F(PeakEditorTest, ABoxWithoutANumberIsRefusedAndMarked) {
     Click(options, "okButton");
     EXPECT_EQ(sink.messages.back(), "% Tolerance: 'zz' is not a number");
     EXPECT_TRUE(Child<QLineEdit>(options, "toleranceText")->property("invalid").toBool());
+}
+
+// Typed values take effect after the pause without a click and the table follows; its
+// cells, rows and Ctrl+C work by keyboard and mouse; a linked value is read-only.
+TEST_F(PeakEditorTest, LiveTypingAndThePeakTable) {
+    auto* fwhm = Child<QLineEdit>(editor(), "fwhmText");
+    fwhm->selectAll();
+    QTest::keyClicks(fwhm, "2.5");
+    EXPECT_NE(peak().FWHM, 2.5f);
+    QTest::qWait(ui::PeakEditor::kLivePauseMs + ui::PeakTable::kRefreshPauseMs + 100);
+    ui::PeakTable& table = *region().Table();
+    EXPECT_EQ(std::tuple(peak().FWHM, fwhm->text(), table.item(0, kFWHMColumn)->text()),
+              std::tuple(2.5f, QStringLiteral("2.5"), QStringLiteral("2.5")));
+    for (const char* text : {"abc", "5000"}) {
+        table.setCurrentCell(0, kAreaColumn);
+        QTest::keyClick(&table, Qt::Key_F2);
+        auto* cell = table.viewport()->findChild<QLineEdit*>();
+        ASSERT_NE(cell, nullptr);
+        cell->selectAll();
+        QTest::keyClicks(cell, text);
+        QTest::keyClick(cell, Qt::Key_Return);
+        QTest::qWait(1);  // the commit is queued, the closed editor deleted later
+    }
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"Area: 'abc' is not a number"});
+    EXPECT_EQ(std::pair(peak().Area, Text(editor(), "areaText")),
+              std::pair(5000.0f, std::string("5000")));
+    gui->UndoStep();  // the cell edit was one step
+    EXPECT_NE(peak().Area, 5000.0f);
+
+    Menu("addPeakAction");  // the editor on the second peak selects its row
+    const int second = project().CurrentPeak;
+    table.Refresh();
+    EXPECT_EQ(table.selectedRanges().value(0).topRow(), 1);
+    const QPoint first = table.visualItemRect(table.item(0, kPeakColumn)).center();
+    QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, first);
+    EXPECT_EQ(region().Plot()->SelectedPeak(), slot);
+    QTest::mouseDClick(table.viewport(), Qt::LeftButton, {}, first);
+    EXPECT_EQ(project().CurrentPeak, slot);  // the editor on that peak
+    QTest::keyClick(&table, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toLatin1().toStdString(),
+              PeakTableText(PeakTableRows(project(), project().CurrentRegion)));
+
+    project().Constraints[second].Position = {kTrue, Int16(slot), kFalse, 0, 0, 1.5f, 0, 0, 0};
+    main().PeakButton(11)->click();
+    EXPECT_TRUE(Child<QLineEdit>(editor(), "positionText")->isReadOnly() &&
+                Child<QLabel>(editor(), "positionSigma")
+                    ->text()
+                    .startsWith(QStringLiteral("= peak %1 + 1.5").arg(slot)));
 }
 
 TEST_F(PeakEditorTest, ConstraintDialogShowsARefusalAndKeepsTheEntries) {

@@ -17,6 +17,7 @@
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
+#include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/printing.h"
 
@@ -43,6 +44,10 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
         peak.HeightPercent = 30;
         peak.Area = HeightPercentToArea(project(), peak);
     }
+    // The third peak as wide as the first: a relation the editor and the table show.
+    project().Constraints[2].FWHM = {kTrue, 0, kFalse, 0, 2, 1, kFalse, 0, 0};
+    project().Constraints[0].FWHM = {kFalse, 0, kTrue, 2, 0, 0, kFalse, 0, 0};
+    project().Peaks[1].Label = Text20::From("C-O");
     ComputeRegionEnvelope(project(), gui->host());
     project().Options.Method = 1;
     project().Options.NewtonTrials = 20;
@@ -68,9 +73,13 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Save(gui->backgroundDialog(), dir, "background-dialog.png");
     gui->backgroundDialog().hide();
 
-    // The second peak in the editor, highlighted in the plot, with its area constraint open.
-    main().PeakButton(11)->click();
+    // The third peak in the editor, highlighted in the plot and the table, its FWHM
+    // following the first peak's; then the second with its area constraint open.
+    main().PeakButton(12)->click();
     Save(gui->peakEditor(), dir, "peak-editor.png");
+    region().Table()->Refresh();
+    Save(region(), dir, "region-window-peak-table.png");
+    main().PeakButton(11)->click();
     Save(region(), dir, "region-window-selected-peak.png");
     gui->peakEditor().findChild<QPushButton*>("areaConstraintsButton")->click();
     Save(gui->constraintDialog(), dir, "constraint-dialog.png");
