@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "base/numtext.h"
-#include "model/project.h"
 #include "session/backgroundform.h"
 #include "session/peakform.h"
 #include "spectral/lineshape.h"
@@ -52,8 +51,8 @@ std::optional<PlotPoint> PeakApex(const Project& project, int slot) {
 }
 
 Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to) {
-    const int k = ListedAt(project, slot);
-    if (k < 0) return Status::Error("no peak of this region", std::to_string(slot));
+    if (ListedAt(project, slot) < 0)
+        return Status::Error("no peak of this region", std::to_string(slot));
     const Region& region = project.Current();
     const Peak& peak = project.Peaks[static_cast<std::size_t>(slot)];
     const bool movePosition = !Held(project, slot, PeakParameter::Position, peak.FixPosition);
@@ -63,17 +62,14 @@ Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to) {
     const double height = to.i - BackgroundAt(region, be);
     if (moveHeight && !(height > 0 && region.NetScale > 0))
         return Status::Error("the apex must lie above the background", "");
-    PeakForm form;
-    form.withSigmas = false;
-    if (!OpenPeakEditor(project, host, form, PeakButtonIndex(project.CurrentRegion, k)))
-        return Status::Error("no peak of this region", std::to_string(slot));
-    if (movePosition) form.positionText = FormatRoundTrip(static_cast<float>(be - region.Shift));
-    if (moveHeight) {
-        Peak shaped = peak;
-        shaped.HeightPercent = static_cast<float>(height / region.NetScale);
-        form.areaText = FormatRoundTrip(HeightPercentToArea(project, shaped));
-    }
-    return AcceptPeakEditor(project, host, form);
+    const double shift = region.Shift;
+    Peak shaped = peak;  // the area of the same shape at the new height
+    shaped.HeightPercent = static_cast<float>(height / region.NetScale);
+    const float area = HeightPercentToArea(project, shaped);
+    return AcceptOnPeak(project, host, slot, [&](PeakForm& form) {
+        if (movePosition) form.positionText = FormatRoundTrip(static_cast<float>(be - shift));
+        if (moveHeight) form.areaText = FormatRoundTrip(area);
+    });
 }
 
 Status DragBackgroundEnd(Project& project, Host& host, bool low, double be) {

@@ -377,6 +377,31 @@ Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form) {
     return Status::Ok();
 }
 
+Status AcceptOnPeak(Project& project, Host& host, int slot,
+                    const std::function<void(PeakForm&)>& type) {
+    if (slot < 0 || slot >= kPeakSlots) return Status::Ok();
+    const int r = project.Peaks[slot].Region;
+    if (r < 0 || r >= kRegionCount) return Status::Ok();
+    const std::span<const Int16> list = PeakList(project.Regions[r]);
+    const auto at = std::find(list.begin(), list.end(), slot);
+    if (at == list.end()) return Status::Ok();
+
+    const Int16 current = project.CurrentPeak;
+    const Peak saved = project.SavedPeaks[slot];
+    const float areaScale = project.AreaScale;
+    PeakForm form;
+    form.withSigmas = false;
+    Status st = Status::Ok();
+    if (OpenPeakEditor(project, host, form, 10 * r + static_cast<int>(at - list.begin()))) {
+        type(form);
+        st = AcceptPeakEditor(project, host, form);
+    }
+    project.CurrentPeak = current;
+    project.SavedPeaks[slot] = saved;
+    project.AreaScale = areaScale;
+    return st;
+}
+
 Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
     return ApplyAndRecompute(project, host, form);
 }

@@ -3,6 +3,7 @@
 // a peak, reading them back, and its buttons.
 
 #include <array>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -42,7 +43,7 @@ struct PeakForm {
     /// "± 0.012" beside each value, by PeakParameter: the standard uncertainty at the
     /// present values; "" for a value no fit varies.
     std::array<std::string, 4> sigmaText;
-    bool withSigmas = true;      ///< false: no sigma is computed (a drag never shows the form)
+    bool withSigmas = true;  ///< false: no sigma is computed (a drag never shows the form)
     /// "= peak 0 \xD7 1" for a parameter that follows another peak's, by PeakParameter;
     /// "" for one of its own. Its box is read-only.
     std::array<std::string, 4> relationText;
@@ -109,6 +110,12 @@ void SetFixCheck(Project& project, PeakForm& form, PeakParameter which, bool che
 /// Accept: apply, relations, refill, envelope, redraw, hide; a refusal of ApplyPeakEditor
 /// changes nothing and is returned for the caller to show.
 Status AcceptPeakEditor(Project& project, Host& host, PeakForm& form);
+/// Opens a form that is never shown on peak `slot` (of its own region), lets `type` write
+/// boxes, and presses Accept, as the peak table and a drag in the plot do: the peak open in
+/// the editor, its saved copy for Cancel and the area scale stay as they were. Nothing is
+/// done when the slot is no listed peak.
+Status AcceptOnPeak(Project& project, Host& host, int slot,
+                    const std::function<void(PeakForm&)>& type);
 /// ReDraw: as Accept, but the editor stays open.
 Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form);
 /// Live editing, a moment after the user typed: when every typed box holds a number, as

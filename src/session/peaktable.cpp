@@ -114,26 +114,7 @@ std::string PeakTableText(const std::vector<PeakTableRow>& rows) {
 
 Status EditPeakTableCell(Project& project, Host& host, int slot, PeakParameter which,
                          const std::string& text) {
-    if (slot < 0 || slot >= kPeakSlots) return Status::Ok();
-    const int r = project.Peaks[slot].Region;
-    if (r < 0 || r >= kRegionCount) return Status::Ok();
-    const std::span<const Int16> list = PeakList(project.Regions[r]);
-    const auto at = std::find(list.begin(), list.end(), slot);
-    if (at == list.end()) return Status::Ok();
-
-    const Int16 current = project.CurrentPeak;
-    const Peak saved = project.SavedPeaks[slot];
-    const float areaScale = project.AreaScale;
-    PeakForm form;
-    Status st = Status::Ok();
-    if (OpenPeakEditor(project, host, form, 10 * r + static_cast<int>(at - list.begin()))) {
-        BoxText(form, which) = text;
-        st = AcceptPeakEditor(project, host, form);
-    }
-    project.CurrentPeak = current;
-    project.SavedPeaks[slot] = saved;
-    project.AreaScale = areaScale;
-    return st;
+    return AcceptOnPeak(project, host, slot, [&](PeakForm& form) { BoxText(form, which) = text; });
 }
 
 }  // namespace molvera
