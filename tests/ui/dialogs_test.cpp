@@ -5,6 +5,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTimer>
 #include <QtTest/QTest>
@@ -110,27 +112,46 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     }
     project().Options.Method = 1;
     project().Options.NewtonTrials = 200;
-    // The zero timer runs once per pass of the event loop during the fit; on its
-    // third run Stop is clicked, a few milliseconds into a fit of 200 trials.
+    // The zero timer runs once per pass of the event loop during the fit; from its third
+    // run, once the window shows a step, Stop is clicked, a few milliseconds into a fit of
+    // 200 trials.
     int ticks = 0;
     bool fittingShown = false, othersDisabled = false;
+    QString progressText;
+    int redrawsAtStop = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (++ticks != 3) return;
+        if (++ticks < 3 || project().StopRequested || !progressText.isEmpty()) return;
+        const QString text = gui->fittingWindow().ProgressLabel()->text();
+        if (text.startsWith(QStringLiteral("Starting"))) return;
+        progressText = text;
         fittingShown = gui->fittingWindow().isVisible();
         othersDisabled = !main().isEnabled() && !region().CommandsEnabled();
+        redrawsAtStop = gui->host().RedrawCount();
         gui->fittingWindow().StopButton()->click();
     });
     timer.start(0);
     const float before = project().TotalChiSquare;
-    const int redrawsBefore = gui->host().RedrawCount();
     Menu("optimiseRegionAction");
     timer.stop();
     EXPECT_TRUE(ticks >= 3 && fittingShown && othersDisabled);
-    EXPECT_TRUE(!gui->fittingWindow().isVisible() && main().isEnabled() &&
-                region().CommandsEnabled() && !project().StopRequested);
-    // One redraw per finished trial: far fewer than the 200 asked for.
-    EXPECT_LT(gui->host().RedrawCount() - redrawsBefore, 100);
+    // The window stays with the summary until closed by the same button.
+    ui::FittingWindow& fitting = gui->fittingWindow();
+    EXPECT_TRUE(fitting.isVisible() && main().isEnabled() && region().CommandsEnabled() &&
+                !project().StopRequested);
+    const QRegularExpressionMatch during =
+        QRegularExpression(QStringLiteral("^Newton's method   trial (\\d+)   chi-square (\\S+)   "
+                                          "\\d+\\.\\d s$"))
+            .match(progressText);
+    ASSERT_TRUE(during.hasMatch()) << progressText.toStdString();
+    EXPECT_TRUE(during.captured(1).toInt() >= 1 && during.captured(2).toFloat() > 0);
+    EXPECT_TRUE(fitting.SummaryLabel()->text().startsWith(QStringLiteral("Newton's method, ")) &&
+                fitting.SummaryLabel()->text().contains(QStringLiteral(" trials")));
+    EXPECT_GE(fitting.Trace().Size(), 2u);
+    fitting.StopButton()->click();
+    EXPECT_FALSE(fitting.isVisible());
+    // Stop ends the fit at once: a few redraws after it, where trial 1 alone makes dozens.
+    EXPECT_LT(gui->host().RedrawCount() - redrawsAtStop, 13);
     EXPECT_LT(project().TotalChiSquare, before);  // the steps made before Stop are kept
 }
 
