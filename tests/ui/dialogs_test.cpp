@@ -116,7 +116,7 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     // run, once the window shows a step, Stop is clicked, a few milliseconds into a fit of
     // 200 trials.
     int ticks = 0;
-    bool fittingShown = false, othersDisabled = false;
+    bool shownAlone = false;  // the fitting window shown, the others disabled
     QString progressText;
     int redrawsAtStop = 0;
     QTimer timer;
@@ -125,8 +125,8 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
         const QString text = gui->fittingWindow().ProgressLabel()->text();
         if (text.startsWith(QStringLiteral("Starting"))) return;
         progressText = text;
-        fittingShown = gui->fittingWindow().isVisible();
-        othersDisabled = !main().isEnabled() && !region().CommandsEnabled();
+        shownAlone =
+            gui->fittingWindow().isVisible() && !main().isEnabled() && !region().CommandsEnabled();
         redrawsAtStop = gui->host().RedrawCount();
         gui->fittingWindow().StopButton()->click();
     });
@@ -134,20 +134,19 @@ TEST_F(GuiTest, StopFittingEndsALongFitEarly) {
     const float before = project().TotalChiSquare;
     Menu("optimiseRegionAction");
     timer.stop();
-    EXPECT_TRUE(ticks >= 3 && fittingShown && othersDisabled);
+    EXPECT_TRUE(ticks >= 3 && shownAlone);
     // The window stays with the summary until closed by the same button.
     ui::FittingWindow& fitting = gui->fittingWindow();
     EXPECT_TRUE(fitting.isVisible() && main().isEnabled() && region().CommandsEnabled() &&
                 !project().StopRequested);
-    const QRegularExpressionMatch during =
-        QRegularExpression(QStringLiteral("^Newton's method   trial (\\d+)   chi-square (\\S+)   "
-                                          "\\d+\\.\\d s$"))
-            .match(progressText);
-    ASSERT_TRUE(during.hasMatch()) << progressText.toStdString();
-    EXPECT_TRUE(during.captured(1).toInt() >= 1 && during.captured(2).toFloat() > 0);
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^Newton's method   trial [1-9]\\d*   "
+                                                  "chi-square [1-9][.\\d]*   \\d+\\.\\d s$"))
+                    .match(progressText)
+                    .hasMatch())
+        << progressText.toStdString();
     EXPECT_TRUE(fitting.SummaryLabel()->text().startsWith(QStringLiteral("Newton's method, ")) &&
-                fitting.SummaryLabel()->text().contains(QStringLiteral(" trials")));
-    EXPECT_GE(fitting.Trace().Size(), 2u);
+                fitting.SummaryLabel()->text().contains(QStringLiteral(" trials")) &&
+                fitting.Trace().Size() >= 2);
     fitting.StopButton()->click();
     EXPECT_FALSE(fitting.isVisible());
     // Stop ends the fit at once: a few redraws after it, where trial 1 alone makes dozens.
