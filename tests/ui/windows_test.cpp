@@ -308,5 +308,18 @@ TEST_F(GuiTest, DroppedFilesOpenInOneStep) {
     EXPECT_TRUE(main().windowTitle().startsWith(QStringLiteral("c1s_three_peaks.xps")));
 }
 
+// The windows come back where they were at the last exit only when that is on a screen.
+TEST_F(GuiTest, GeometryComesBackWhereItFits) {
+    for (int away : {0, 5000}) {
+        main().move(0, 30);
+        const QRect was(main().frameGeometry().right() + 10 + away, 30, 220, 400);
+        region().setGeometry(was);
+        gui = std::make_unique<ui::Gui>(sink, chooser);  // the old one saves at its end
+        gui->Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa");
+        EXPECT_EQ(region().geometry() == was, away == 0);
+        EXPECT_FALSE(main().frameGeometry().intersects(region().frameGeometry()));
+    }
+}
+
 }  // namespace
 }  // namespace molvera::test
