@@ -30,8 +30,7 @@ TEST(SideBySide, PlacesTheWindowsWithoutOverlapWithinTheScreen) {
 
 TEST(RecentFiles, LatestFirstEachOnceAtMostEight) {
     RecentFiles recent({"b.xps", "a.vms", "b.xps", ""});
-    recent.Add("a.vms");
-    recent.Add("c.csv");
+    for (const char* path : {"a.vms", "c.csv"}) recent.Add(path);
     EXPECT_EQ(recent.Paths(), (std::vector<std::string>{"c.csv", "a.vms", "b.xps"}));
     for (int k = 0; k < 8; ++k) recent.Add(std::to_string(k) + ".xps");
     recent.Remove("3.xps");

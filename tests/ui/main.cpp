@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include "ui/application.h"
@@ -12,7 +11,6 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleTest(&argc, argv);
     molvera::ui::Application app(argc, argv);
-    QStandardPaths::setTestModeEnabled(true);
     const QTemporaryDir settings;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     return RUN_ALL_TESTS();

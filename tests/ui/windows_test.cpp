@@ -269,7 +269,8 @@ TEST_F(GuiTest, TitleFollowsThePlotDuringOptimiseAllWarningsStayInTheStatusLine)
 }
 
 // File > Save As asks, Save then writes the same file without a dialog; both files used
-// are recent, an entry re-opens its file as `molvera FILE` would, a missing one goes.
+// are recent, an entry re-opens its file as `molvera FILE` would, a missing one goes;
+// Quit asks before unsaved changes are lost.
 TEST_F(GuiTest, FileMenuSavesAndReopensRecentFiles) {
     const std::string csv = ImportSample();
     const std::string xps = (ScratchDir() / "c1s.xps").string();
@@ -287,6 +288,9 @@ TEST_F(GuiTest, FileMenuSavesAndReopensRecentFiles) {
     Menu("recentFileAction1");
     EXPECT_EQ(sink.messages.back(), MissingRecentFileText(xps));
     EXPECT_TRUE(recent[0] == csv && std::count(recent.begin(), recent.end(), xps) == 0);
+    sink.saveAnswer = SaveChangesAnswer::Cancel;
+    Menu("quitAction");  // asks about the import as Close does; Cancel keeps the program
+    EXPECT_TRUE(sink.questions.size() == 1 && main().isVisible());
 }
 
 // Files dropped on a window open as on the command line, in one undo step; the windows
