@@ -8,6 +8,8 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <QThread>
 
 #include "bench_options.h"
@@ -31,6 +33,8 @@ QApplication& App() {
     static char* argv[] = {name, nullptr};
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     static QApplication app(argc, argv);
+    static const QTemporaryDir settings;  // the windows' geometry goes there, not to the user's
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     return app;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include "base/numtext.h"
 
@@ -44,8 +45,38 @@ std::string FitSummaryText(const FitSummary& s) {
 }
 
 std::string FitProgressText(const FitProgress& p) {
-    return std::string(p.method) + "   iteration " + std::to_string(p.iteration) +
-           "   chi-square " + FormatGeneral(p.chiSquare) + "   " + FormatFixed(p.seconds, 1) + " s";
+    const bool lm = std::string_view(p.method) == kLevenbergMarquardtName;
+    return std::string(p.method) + (lm ? "   iteration " : "   trial ") +
+           std::to_string(p.iteration) + "   chi-square " + FormatGeneral(p.chiSquare) + "   " +
+           FormatFixed(p.seconds, 1) + " s";
+}
+
+void FitTrace::Add(float chiSquare) {
+    if (hasLast_ && static_cast<int>(last_.x) % stride_ == 0) points_.push_back(last_);
+    last_ = {hasLast_ ? last_.x + 1 : 0, static_cast<double>(chiSquare)};
+    hasLast_ = true;
+    if (points_.size() < kMaxPoints) return;
+    for (std::size_t i = 1; 2 * i < points_.size(); ++i) points_[i] = points_[2 * i];
+    points_.resize((points_.size() + 1) / 2);
+    stride_ *= 2;
+}
+
+std::vector<FitTrace::Point> FitTrace::Polyline(double width, double height) const {
+    std::vector<Point> line = points_;
+    if (hasLast_) line.push_back(last_);
+    if (line.empty()) return line;
+    auto logOf = [](double chi) { return std::log10(std::max(chi, 1e-30)); };
+    double low = logOf(line[0].y), high = low;
+    for (const Point& p : line) {
+        low = std::min(low, logOf(p.y));
+        high = std::max(high, logOf(p.y));
+    }
+    const double first = line.front().x, span = line.back().x - first;
+    for (Point& p : line) {
+        p.x = span > 0 ? (p.x - first) / span * width : 0;
+        p.y = high > low ? (high - logOf(p.y)) / (high - low) * height : height / 2;
+    }
+    return line;
 }
 
 std::string SigmaText(const Sigma& sigma) {

@@ -18,6 +18,7 @@
 #include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
 #include "ui/regionwindow.h"
+#include "ui/workspace.h"
 
 namespace molvera::ui {
 
@@ -35,6 +36,9 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     };
     BuildDialogs();
     WireEditMenus();
+    workspace_ = std::make_unique<Workspace>(*this);
+    main_->fileUsed = [this](const std::string& path) { workspace_->FileUsed(path); };
+    region_->fileUsed = main_->fileUsed;
 }
 
 void Gui::WireEditMenus() {
@@ -107,6 +111,7 @@ void Gui::BuildDialogs() {
 }
 
 Gui::~Gui() {
+    workspace_->SaveGeometry();
     if (Application* app = Application::Instance()) app->afterInput = nullptr;
     host_.Attach(nullptr, nullptr, nullptr);
 }
@@ -123,6 +128,7 @@ void Gui::Start(const std::string& defaultOptionsPath, const std::string& recove
     main_->RecolourRegionButtons();
     main_->show();
     region_->show();
+    workspace_->PlaceWindows();
     if (!recoveryFolder.empty()) main_->StartRecovery(recoveryFolder);
     history_.Reset(*project_);  // a restored copy is where the history starts
     RefreshEditMenus();
@@ -134,9 +140,9 @@ void Gui::OpenFiles(const std::vector<std::string>& paths) {
         if (kind.project) {
             if (main_->MayDropProject()) main_->LoadProjectFile(path);
         } else if (kind.format) {
-            for (const Status& message :
-                 ImportIntoEmptyRegion(*project_, host_, *kind.format, path).Messages())
-                host_.Show(message);
+            const ImportResult result = ImportIntoEmptyRegion(*project_, host_, *kind.format, path);
+            for (const Status& message : result.Messages()) host_.Show(message);
+            if (result.status) workspace_->FileUsed(path);
         } else {
             host_.Show(kind.refusal);
         }

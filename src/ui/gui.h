@@ -24,6 +24,7 @@ class RegionShiftDialog;
 class RegionCaptionDialog;
 class PeakEditor;
 class ConstraintDialog;
+class Workspace;
 
 /// One running program.
 class Gui {
@@ -32,12 +33,14 @@ public:
     ~Gui();
 
     /// Start-up: line-shape tables, cleared project, the options file at
-    /// `defaultOptionsPath` (silently absent), then the main and region windows shown;
+    /// `defaultOptionsPath` (silently absent), then the main and region windows shown
+    /// (Workspace::PlaceWindows);
     /// with a `recoveryFolder`, the autosave there (MainWindow::StartRecovery).
     void Start(const std::string& defaultOptionsPath = "default.opa",
                const std::string& recoveryFolder = "");
-    /// Files named on the command line, in turn: a project is opened as Open XPS opens
-    /// it, an instrument file imported into the first empty region; refusals are shown.
+    /// Files named on the command line, dropped or chosen from the recent files, in turn: a
+    /// project is opened as Open XPS opens it, an instrument file imported into the first
+    /// empty region; refusals are shown.
     void OpenFiles(const std::vector<std::string>& paths);
 
     Project& project() { return *project_; }
@@ -53,6 +56,7 @@ public:
     PeakEditor& peakEditor() { return *peakEditor_; }
     ConstraintDialog& constraintDialog() { return *constraints_; }
     UndoHistory& history() { return history_; }
+    Workspace& workspace() { return *workspace_; }
 
     /// After a command: a change of the project becomes an undo step.
     void RecordStep();
@@ -75,6 +79,7 @@ private:
     std::unique_ptr<ConstraintDialog> constraints_;
     std::unique_ptr<PeakEditor> peakEditor_;
     UndoHistory history_;
+    std::unique_ptr<Workspace> workspace_;
 
     /// The peak editor and the region dialogs, built and hooked to the other windows.
     void BuildDialogs();

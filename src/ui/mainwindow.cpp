@@ -206,11 +206,19 @@ void MainWindow::LoadProjectFile(const std::string& path) {
     project_.FileName = path;
     MarkSaved(path);
     if (projectReplaced) projectReplaced();
+    if (fileUsed) fileUsed(path);
 }
 
 bool MainWindow::SaveProjectCommand() {
     const std::string path = files_.Save(kSaveProjectTitle, kProjectFilter, "xps");
-    if (path.empty()) return false;
+    return !path.empty() && SaveTo(path);
+}
+
+bool MainWindow::SaveCommand() {
+    return saved_.Path().empty() ? SaveProjectCommand() : SaveTo(saved_.Path());
+}
+
+bool MainWindow::SaveTo(const std::string& path) {
     project_.FileName = path;
     if (Status st = SaveProject(project_, path); !st) {
         host_.Show(st);
@@ -220,6 +228,7 @@ bool MainWindow::SaveProjectCommand() {
     // SaveProject may have cut the description to its stored length.
     SetDescription(QString::fromStdString(Latin1ToUtf8(project_.Description)));
     host_.Show(msg::kFileSaved);
+    if (fileUsed) fileUsed(path);
     return true;
 }
 

@@ -43,6 +43,8 @@ public:
     /// Open XPS and Save XPS, as their buttons run them; Save XPS: true when it saved.
     void OpenProjectCommand();
     bool SaveProjectCommand();
+    /// File > Save: to the project's file without a dialog, or as Save XPS when it has none.
+    bool SaveCommand();
     /// The project as it is now is the one in `path` ("": a new project, never saved).
     void MarkSaved(const std::string& path);
     /// The title with the file name, marked when the project has unsaved changes.
@@ -63,12 +65,15 @@ public:
     std::function<void(int buttonIndex)> openPeakEditor;
     /// Called when Open XPS has put another project in place of the open one.
     std::function<void()> projectReplaced;
+    /// Called with the path of a project file opened or saved.
+    std::function<void(const std::string& path)> fileUsed;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void PeakButtonClicked(int i);
+    bool SaveTo(const std::string& path);
     void Autosave();
 
     Project& project_;

@@ -141,24 +141,26 @@ void QtHost::Yield() {
 void QtHost::FitStarted() {
     fitRunning_ = true;
     sinceProgress_.invalidate();
-    if (fitting_) fitting_->ShowProgress(QStringLiteral("Starting\u2026"));
-    if (fitting_) fitting_->show();
+    if (fitting_) fitting_->BeginFit();
     if (main_) main_->setEnabled(false);
     if (region_) region_->SetCommandsEnabled(false);
     if (enableDialogs) enableDialogs(false);
 }
 
 void QtHost::FitProgressed(const FitProgress& progress) {
-    // A few times a second: more would cost the fit time and nobody can read it.
-    constexpr qint64 kProgressGapMs = 250;
-    if (!fitting_ || (sinceProgress_.isValid() && sinceProgress_.elapsed() < kProgressGapMs))
-        return;
-    sinceProgress_.restart();
-    fitting_->ShowProgress(FromLatin1(FitProgressText(progress)));
+    // Every step goes into the sparkline; the window is repainted at most every 40 ms:
+    // more often would cost the fit time and nobody can read it.
+    constexpr qint64 kProgressGapMs = 40;
+    if (!fitting_) return;
+    const bool show = !sinceProgress_.isValid() || sinceProgress_.elapsed() >= kProgressGapMs;
+    if (show) sinceProgress_.restart();
+    fitting_->Progress(progress, show);
 }
 
 void QtHost::ShowFitSummary(const FitSummary& summary) {
-    if (region_) region_->SetFitSummary(FromLatin1(FitSummaryText(summary)));
+    const QString text = FromLatin1(FitSummaryText(summary));
+    if (region_) region_->SetFitSummary(text);
+    if (fitting_) fitting_->ShowSummary(text);
 }
 
 void QtHost::ShowWarnings(const std::vector<std::string>& warnings) {
@@ -173,7 +175,7 @@ void QtHost::FitEnded() {
     fitRunning_ = false;
     if (redrawPending_) RequestPlotRedraw();
     CheckRegion();
-    if (fitting_) fitting_->hide();
+    if (fitting_) fitting_->EndFit();
     if (main_) main_->setEnabled(true);
     if (region_) region_->SetCommandsEnabled(true);
     if (enableDialogs) enableDialogs(true);

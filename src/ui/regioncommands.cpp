@@ -21,7 +21,10 @@ namespace molvera::ui {
 
 void RegionWindow::Import(const ImportFormat& format) {
     const std::string path = files_.Open(format.title, format.filter);
-    if (path.empty()) return;
+    if (!path.empty()) ImportFrom(format, path);
+}
+
+void RegionWindow::ImportFrom(const ImportFormat& format, const std::string& path) {
     project_.FileName = path;
     const ImportResult result = ImportFile(project_, host_, format, path);
     for (const Status& message : result.Messages()) host_.Show(message);
@@ -29,6 +32,7 @@ void RegionWindow::Import(const ImportFormat& format) {
     for (std::string& w : RegionWarnings(project_, project_.CurrentRegion))
         warnings.push_back(std::move(w));
     if (result.status) host_.ShowWarnings(warnings);
+    if (result.status && fileUsed) fileUsed(path);
 }
 
 bool RegionWindow::SaveDialog(std::string_view title, std::string_view filter,

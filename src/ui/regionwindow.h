@@ -49,6 +49,8 @@ public:
 
     // The menu commands.
     void Import(const ImportFormat& format);
+    /// Imports `path` in `format` into the current region, as Import does after its dialog.
+    void ImportFrom(const ImportFormat& format, const std::string& path);
     void ExportSpectrumCommand();
     void ExportPeakParametersCommand();
     void ExportClipboardCommand();
@@ -70,6 +72,8 @@ public:
     std::function<void()> addPeak;  ///< Add Peak and the peak editor on the new peak
     std::function<void()> openRegionCaption;
     std::function<void()> openRegionShift;
+    /// Called with the path of an instrument file imported.
+    std::function<void(const std::string& path)> fileUsed;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

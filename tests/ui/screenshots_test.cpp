@@ -4,8 +4,11 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 #include "base/messages.h"
 #include "session/recovery.h"
@@ -14,6 +17,7 @@
 #include "support/files.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
+#include "ui/fittingwindow.h"
 #include "ui/gui_fixture.h"
 #include "ui/optionswindow.h"
 #include "ui/peakeditor.h"
@@ -110,6 +114,28 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     Save(*ui::QuestionBox(QString::fromLatin1(msg::kRestoreTitle),
                           QString::fromStdString(RestoreQuestion(copy))),
          dir, "restore-prompt.png");
+
+    // The fitting window during a fit of peaks moved off (a tenth of a second into it), and
+    // after it with the summary; the region window's File menu.
+    for (int slot : {0, 1, 2}) project().Peaks[slot].Position += 0.6f;
+    project().Options.NewtonTrials = 400;
+    bool grabbed = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        const QString text = gui->fittingWindow().ProgressLabel()->text();
+        if (grabbed || !text.contains(QStringLiteral("trial")) || text.endsWith(" 0.0 s")) return;
+        grabbed = true;
+        Save(gui->fittingWindow(), dir, "fitting-window.png");
+    });
+    timer.start(0);
+    Menu("optimiseRegionAction");
+    timer.stop();
+    EXPECT_TRUE(grabbed);
+    Save(gui->fittingWindow(), dir, "fitting-window-summary.png");
+    auto* file = region().findChild<QMenu*>(QStringLiteral("fileMenu"));
+    file->popup(region().mapToGlobal(QPoint(0, 0)));
+    Save(*file, dir, "region-file-menu.png");
+    file->hide();
 }
 
 }  // namespace

@@ -4,10 +4,13 @@
 #include <tuple>
 
 #include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 
 #include "base/messages.h"
 #include "fileio/projectfile.h"
@@ -19,6 +22,7 @@
 #include "ui/peakeditor.h"
 #include "ui/plotwidget.h"
 #include "ui/regiondialogs.h"
+#include "ui/workspace.h"
 
 namespace molvera::test {
 namespace {
@@ -90,6 +94,7 @@ TEST_F(GuiTest, AKilledProgramsUnsavedImportIsRestoredAtTheNextStart) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");
     env.insert("XDG_STATE_HOME", QString::fromStdString(state.string()));
+    env.insert("XDG_CONFIG_HOME", QString::fromStdString(state.string()));  // its settings
     env.insert("MOLVERA_AUTOSAVE_SECONDS", "1");
     app.setProcessEnvironment(env);
     app.setWorkingDirectory(MOLVERA_SOURCE_DIR);  // its default.opa, as here
@@ -261,6 +266,63 @@ TEST_F(GuiTest, TitleFollowsThePlotDuringOptimiseAllWarningsStayInTheStatusLine)
     position = fitted;
     Menu("redisplayAction");
     EXPECT_TRUE(region().WarningText().isEmpty() && sink.messages.empty());  // no message box
+}
+
+// File > Save As asks, Save then writes the same file without a dialog; both files used
+// are recent, an entry re-opens its file as `molvera FILE` would, a missing one goes;
+// Quit asks before unsaved changes are lost.
+TEST_F(GuiTest, FileMenuSavesAndReopensRecentFiles) {
+    const std::string csv = ImportSample();
+    const std::string xps = (ScratchDir() / "c1s.xps").string();
+    chooser.paths = {xps};
+    Menu("saveAsAction");
+    main().DescriptionBox()->setText(QStringLiteral("etched"));
+    Menu("saveAction");
+    EXPECT_EQ(chooser.requests.size(), 2u);  // the import and Save As only
+    EXPECT_EQ(ReadBytes(xps), ProjectFileBytes(project()));
+    const std::vector<std::string>& recent = gui->workspace().Recent().Paths();
+    ASSERT_TRUE(recent.size() >= 2 && recent[0] == xps && recent[1] == csv);
+    Menu("recentFileAction1");  // the spectrum again, into the first empty region
+    EXPECT_TRUE(IsSet(project().Regions[1].HasData) && project().CurrentRegion == 1);
+    std::filesystem::remove(xps);
+    Menu("recentFileAction1");
+    EXPECT_EQ(sink.messages.back(), MissingRecentFileText(xps));
+    EXPECT_TRUE(recent[0] == csv && std::count(recent.begin(), recent.end(), xps) == 0);
+    sink.saveAnswer = SaveChangesAnswer::Cancel;
+    Menu("quitAction");  // asks about the import as Close does; Cancel keeps the program
+    EXPECT_TRUE(sink.questions.size() == 1 && main().isVisible());
+}
+
+// Files dropped on a window open as on the command line, in one undo step; the windows
+// start side by side.
+TEST_F(GuiTest, DroppedFilesOpenInOneStep) {
+    EXPECT_FALSE(main().frameGeometry().intersects(region().frameGeometry()));
+    QMimeData mime;
+    mime.setUrls(
+        {QUrl::fromLocalFile(QString::fromStdString(std::string(MOLVERA_SOURCE_DIR) +
+                                                    "/fuzz/corpus/project/c1s_three_peaks.xps")),
+         QUrl::fromLocalFile(QString::fromStdString(DataFile("real/lg4x/C1s_sample.csv")))});
+    // As the platform delivers a drag: to the window, entering, then dropping.
+    QDragEnterEvent enter(QPoint(20, 20), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(QPointF(20, 20), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(region().windowHandle(), &enter);
+    QApplication::sendEvent(region().windowHandle(), &drop);
+    EXPECT_TRUE(drop.isAccepted() && IsSet(project().Regions[1].HasData) &&
+                project().CurrentRegion == 1 && gui->history().Steps() == 1u);
+    EXPECT_TRUE(main().windowTitle().startsWith(QStringLiteral("c1s_three_peaks.xps")));
+}
+
+// The windows come back where they were at the last exit only when that is on a screen.
+TEST_F(GuiTest, GeometryComesBackWhereItFits) {
+    for (int away : {0, 5000}) {
+        main().move(0, 30);
+        const QRect was(main().frameGeometry().right() + 10 + away, 30, 220, 400);
+        region().setGeometry(was);
+        gui = std::make_unique<ui::Gui>(sink, chooser);  // the old one saves at its end
+        gui->Start(std::string(MOLVERA_SOURCE_DIR) + "/default.opa");
+        EXPECT_EQ(region().geometry() == was, away == 0);
+        EXPECT_FALSE(main().frameGeometry().intersects(region().frameGeometry()));
+    }
 }
 
 }  // namespace
