@@ -32,10 +32,12 @@ QApplication& App() {
     static char name[] = "molvera_bench";
     static char* argv[] = {name, nullptr};
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication app(argc, argv);
+    // Never destroyed: a QApplication torn down among the static destructors after main()
+    // crashes on Qt's own statics already gone.
+    static QApplication* app = new QApplication(argc, argv);
     static const QTemporaryDir settings;  // the windows' geometry goes there, not to the user's
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
-    return app;
+    return *app;
 }
 
 class SilentSink : public ui::UserSink {

@@ -41,13 +41,22 @@ double BackgroundAt(const Region& region, double be) {
     return bg(j) + t * (bg(j + 1) - bg(j));
 }
 
+namespace {
+
+// The peak's own height at its position (the drawn curve there less the background).
+double OwnHeight(const Project& project, const Peak& peak, double shift) {
+    return PeakValue(IsSet(project.Options.GLSum), peak, static_cast<double>(peak.Position) + shift,
+                     shift);
+}
+
+}  // namespace
+
 std::optional<PlotPoint> PeakApex(const Project& project, int slot) {
     if (ListedAt(project, slot) < 0) return std::nullopt;
     const Region& region = project.Current();
     const Peak& peak = project.Peaks[static_cast<std::size_t>(slot)];
     const double be = static_cast<double>(peak.Position) + region.Shift;
-    return PlotPoint{
-        be, BackgroundAt(region, be) + static_cast<double>(peak.HeightPercent) * region.NetScale};
+    return PlotPoint{be, BackgroundAt(region, be) + OwnHeight(project, peak, region.Shift)};
 }
 
 Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to) {
@@ -60,15 +69,15 @@ Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to) {
     // The apex stays at its energy when the position is held: the height is measured there.
     const double be = movePosition ? to.be : static_cast<double>(peak.Position) + region.Shift;
     const double height = to.i - BackgroundAt(region, be);
-    if (moveHeight && !(height > 0 && region.NetScale > 0))
+    // The shape scales with the area: the new area is the old one times the height ratio.
+    const double now = OwnHeight(project, peak, region.Shift);
+    const double area = static_cast<double>(peak.Area) * height / now;
+    if (moveHeight && !(height > 0 && now > 0 && std::isfinite(area)))
         return Status::Error("the apex must lie above the background", "");
     const double shift = region.Shift;
-    Peak shaped = peak;  // the area of the same shape at the new height
-    shaped.HeightPercent = static_cast<float>(height / region.NetScale);
-    const float area = HeightPercentToArea(project, shaped);
     return AcceptOnPeak(project, host, slot, [&](PeakForm& form) {
         if (movePosition) form.positionText = FormatRoundTrip(static_cast<float>(be - shift));
-        if (moveHeight) form.areaText = FormatRoundTrip(area);
+        if (moveHeight) form.areaText = FormatRoundTrip(static_cast<float>(area));
     });
 }
 

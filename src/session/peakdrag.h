@@ -13,8 +13,8 @@
 namespace molvera {
 
 /// The apex of peak `slot` of the current region as drawn: its position plus the region's
-/// shift, and the background there plus its height (HeightPercent x NetScale). None when
-/// the slot is not a peak of the current region with a background.
+/// shift, and its curve there (the background plus the peak's value). None when the slot
+/// is not a peak of the current region with a background.
 std::optional<PlotPoint> PeakApex(const Project& project, int slot);
 
 /// The background under `be` in the current region: linear between the two range points
@@ -22,10 +22,10 @@ std::optional<PlotPoint> PeakApex(const Project& project, int slot);
 double BackgroundAt(const Region& region, double be);
 
 /// Moves the apex of peak `slot` of the current region to `to`: the position becomes
-/// to.be minus the shift, the height to.i minus the background there, turned into
-/// the area of the peak's shape. A fixed or linked position, or a fixed or linked area,
-/// stays as it is; peaks linked to this one follow. Refused (nothing changes) when the slot
-/// is no peak of the current region or the height is not above the background.
+/// to.be minus the shift, and its area scales so that its own height there becomes to.i
+/// minus the background (the shape is proportional to the area). A fixed or linked position, or a
+/// fixed or linked area, stays as it is; peaks linked to this one follow. Refused (nothing changes)
+/// when the slot is no peak of the current region or the height is not above the background.
 Status DragPeakApex(Project& project, Host& host, int slot, PlotPoint to);
 
 /// Moves the low (`low` true) or the high end of the current region's background range to

@@ -6,6 +6,7 @@
 
 #include "model/project.h"
 #include "session/mainwindow.h"
+#include "session/peakdrag.h"
 #include "spectral/lineshape.h"
 #include "ui/application.h"
 #include "ui/backgrounddialog.h"
@@ -95,6 +96,18 @@ void Gui::BuildDialogs() {
     peakEditor_->highlighted = [&table](int slot) { table.SelectPeak(slot); };
     table.edited = [this] { peakEditor_->Refill(); };
     table.openEditor = main_->openPeakEditor;
+    PlotWidget& plot = *region_->Plot();
+    // A drag in the plot stores what typing the values would; a refused step (an apex
+    // below the background, crossing ends) just leaves the curve where it was.
+    plot.dragPeak = [this, &table](int slot, PlotPoint to) {
+        if (!DragPeakApex(*project_, host_, slot, to)) return;
+        peakEditor_->Refill();
+        table.SelectPeak(slot);
+    };
+    plot.dragBackgroundEnd = [this](bool low, double be) {
+        if (DragBackgroundEnd(*project_, host_, low, be) && background_->isVisible())
+            background_->Open();
+    };
     options_->setAsymmetryFrameEnabled = [this](bool on) { peakEditor_->SetAsymmetryEnabled(on); };
 
     host_.hidePeakEditor = [this] { peakEditor_->HideEditor(); };

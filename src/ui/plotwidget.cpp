@@ -10,6 +10,7 @@
 #include <QScreen>
 #include <QWheelEvent>
 
+#include "session/peakdrag.h"
 #include "ui/qtcanvas.h"
 
 namespace molvera::ui {
@@ -25,6 +26,8 @@ int RefreshInterval(const QWidget& widget) {
 
 // A drag shorter than this many pixels is a click.
 constexpr double kDragPixels = 4;
+// A handle takes hold of the pointer this many pixels around it.
+constexpr double kHandlePixels = 7;
 
 }  // namespace
 
@@ -96,6 +99,60 @@ QPointF PlotWidget::ToPlotUnits(const QPointF& position) const {
     return {p.be, p.i};
 }
 
+QPointF PlotWidget::ToWidget(const PlotPoint& point) const {
+    return FromSurface({SurfaceX(layout_.spectrum, point.be), SurfaceY(layout_.spectrum, point.i)},
+                       QSizeF(size()));
+}
+
+std::vector<std::pair<PlotWidget::Handle, QPointF>> PlotWidget::Handles() const {
+    std::vector<std::pair<Handle, QPointF>> handles;
+    const Region& region = project_.Current();
+    if (!hasScale_ || !IsSet(region.HasBackground)) return handles;
+    for (const bool low : {true, false}) {
+        const double be = low ? region.BackgroundLowBE : region.BackgroundHighBE;
+        handles.push_back({{low ? Drag::BackgroundLow : Drag::BackgroundHigh, -1, -1},
+                           ToWidget({be, BackgroundAt(region, be)})});
+    }
+    const std::span<const Int16> peaks = PeakList(region);
+    for (int k = 0; k < static_cast<int>(peaks.size()); ++k)
+        if (const std::optional<PlotPoint> apex = PeakApex(project_, peaks[k]))
+            handles.push_back({{Drag::Peak, peaks[k], k}, ToWidget(*apex)});
+    return handles;
+}
+
+PlotWidget::Handle PlotWidget::HandleAt(const QPointF& position) const {
+    Handle nearest;
+    double best = kHandlePixels;
+    for (const auto& [handle, at] : Handles()) {
+        const QPointF d = at - position;
+        const double distance = std::hypot(d.x(), d.y());
+        if (distance <= best) best = distance, nearest = handle;
+    }
+    return nearest;
+}
+
+void PlotWidget::DrawHandles(QPainter& painter) const {
+    const SurfaceRect& a = layout_.spectrum.area;
+    const QSizeF s(size());
+    painter.save();
+    painter.setClipRect(QRectF(FromSurface({a.x0, a.y1}, s), FromSurface({a.x1, a.y0}, s)));
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const auto& [handle, at] : Handles()) {
+        if (handle.kind == Drag::Peak) {
+            const Rgb c = PeakColour(handle.k);
+            painter.setPen(QPen(QColor(c.r, c.g, c.b), 1.5));
+            painter.setBrush(Qt::white);
+            painter.drawRect(QRectF(at - QPointF(3.5, 3.5), QSizeF(7, 7)));
+        } else {
+            painter.setPen(QPen(Qt::darkGray, 1));
+            painter.setBrush(Qt::gray);
+            painter.drawPolygon(QPolygonF({at + QPointF(0, -6), at + QPointF(5, 0),
+                                           at + QPointF(0, 6), at + QPointF(-5, 0)}));
+        }
+    }
+    painter.restore();
+}
+
 void PlotWidget::paintEvent(QPaintEvent*) {
     ++paintCount_;
     dirty_ = false;
@@ -119,6 +176,7 @@ void PlotWidget::paintEvent(QPaintEvent*) {
     }
     layout_ = DrawPlot(project_, canvas, options_);
     canvas.Flush();
+    DrawHandles(painter);
     if (drag_ == Drag::Zoom) {
         painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
         painter.setBrush(Qt::NoBrush);
@@ -154,6 +212,14 @@ void PlotWidget::mouseMoveEvent(QMouseEvent* event) {
         options_.view = Pan(dragView_, b.be - a.be, b.i - a.i);
     } else if (drag_ == Drag::Zoom) {
         dragTo_ = at;
+    } else if (drag_ != Drag::None) {
+        const QPointF s = Surface(at);
+        const PlotPoint to = ToPlot(layout_.spectrum, s.x(), s.y());
+        if (drag_ == Drag::Peak && dragPeak) dragPeak(dragSlot_, to);
+        if (drag_ != Drag::Peak && dragBackgroundEnd)
+            dragBackgroundEnd(drag_ == Drag::BackgroundLow, to.be);
+    } else {
+        setCursor(HandleAt(at).kind == Drag::None ? Qt::ArrowCursor : Qt::OpenHandCursor);
     }
     Point(at);
     if (drag_ != Drag::None) update();
@@ -164,6 +230,17 @@ void PlotWidget::mousePressEvent(QMouseEvent* event) {
     if (!hasScale_ || !layout_.spectrum.area.Contains(s.x(), s.y())) return;
     const bool pan = event->button() == Qt::MiddleButton ||
                      (event->button() == Qt::LeftButton && event->modifiers() & Qt::ShiftModifier);
+    if (const Handle grab = HandleAt(event->position());
+        !pan && event->button() == Qt::LeftButton && grab.kind != Drag::None) {
+        // The view stands still under the pointer while a handle is dragged.
+        drag_ = grab.kind;
+        dragSlot_ = grab.slot;
+        dragFromAuto_ = options_.view.IsAuto();
+        options_.view = layout_.spectrum.view;
+        if (grab.kind == Drag::Peak) SetSelectedPeak(grab.slot);
+        setCursor(Qt::ClosedHandCursor);
+        return;
+    }
     if (pan || event->button() == Qt::LeftButton) {
         drag_ = pan ? Drag::Pan : Drag::Zoom;
         dragFrom_ = dragTo_ = event->position();
@@ -181,6 +258,10 @@ void PlotWidget::mouseReleaseEvent(QMouseEvent* event) {
             options_.view = ZoomTo(layout_.spectrum.view, a.be, a.i, b.be, b.i);
         }
         update();
+    } else if (drag_ != Drag::None && drag_ != Drag::Pan) {
+        if (dragFromAuto_) options_.view = {};
+        setCursor(Qt::OpenHandCursor);
+        RequestRedraw();
     }
     drag_ = Drag::None;
 }

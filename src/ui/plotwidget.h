@@ -4,6 +4,8 @@
 // refresh. The mouse and keys zoom and pan the view; the arithmetic is in plot/plotview.
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include <QElapsedTimer>
 #include <QPointF>
@@ -12,6 +14,8 @@
 
 #include "model/records.h"
 #include "plot/spectrumplot.h"
+
+class QPainter;
 
 namespace molvera::ui {
 
@@ -57,6 +61,12 @@ public:
     /// Called when a paint shows another region than the paint before (the window's title
     /// follows it).
     std::function<void(int region)> painted;
+    /// Dragging a peak's apex (a small square on it) or an end of the background range (a
+    /// diamond): called at each step with the point under the pointer, or the energy.
+    std::function<void(int slot, PlotPoint to)> dragPeak;
+    std::function<void(bool low, double be)> dragBackgroundEnd;
+    /// The widget position of a plot point in the spectrum panel, as of the last paint.
+    QPointF ToWidget(const PlotPoint& point) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -70,7 +80,17 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    enum class Drag { None, Zoom, Pan };
+    enum class Drag { None, Zoom, Pan, Peak, BackgroundLow, BackgroundHigh };
+    struct Handle {
+        Drag kind = Drag::None;
+        int slot = -1;
+        int k = -1;  ///< the peak's place in the region's list (its colour)
+    };
+    // The peak apexes and background ends of the current region, in widget positions.
+    std::vector<std::pair<Handle, QPointF>> Handles() const;
+    // The handle within reach of a widget position (Drag::None for none).
+    Handle HandleAt(const QPointF& position) const;
+    void DrawHandles(QPainter& painter) const;
     // The read-out text for a widget position: of the panel under it; empty outside them.
     std::string ReadoutAt(const QPointF& position) const;
     // The pointer moved to a widget position.
@@ -87,7 +107,9 @@ private:
     Drag drag_ = Drag::None;
     QPointF pointerAt_;  // widget positions
     QPointF dragFrom_, dragTo_;
-    PlotView dragView_;  // the view when the pan started
+    PlotView dragView_;  // the view when the pan or the handle's drag started
+    int dragSlot_ = -1;
+    bool dragFromAuto_ = false;  // a handle's drag freezes an auto view, then gives it back
     QTimer refreshTimer_;
     QElapsedTimer sinceLastPaint_;
     int paintCount_ = 0;

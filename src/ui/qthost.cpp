@@ -130,8 +130,10 @@ void QtHost::Yield() {
     timer.start();
     QCoreApplication::processEvents();
     if (region_ && region_->Plot()->PaintCount() != paintsBefore) {
-        constexpr qint64 kRefreshMs = 16;
-        paintGapMs_ = std::max(kRefreshMs, 10 * timer.elapsed());
+        // 25 frames a second at most, as the fitting window's texts: a fit moves too fast
+        // to follow any closer, and each paint is time the fit waits.
+        constexpr qint64 kFitFrameMs = 40;
+        paintGapMs_ = std::max(kFitFrameMs, 10 * timer.elapsed());
         sincePaint_.restart();
     }
     if (redrawPending_ && (!sincePaint_.isValid() || sincePaint_.elapsed() >= paintGapMs_))

@@ -80,8 +80,8 @@ protected:
     void PeakButtonsChanged(int region) override;
 
 private:
-    /// Asks the plot for a repaint; during a fit at most one paint in every stretch of
-    /// ten paint durations, so that painting costs the fit no more than about a tenth.
+    /// Asks the plot for a repaint; during a fit at most one paint in every 40 ms or ten
+    /// paint durations, whichever is longer, so that painting costs the fit little.
     void RequestPlotRedraw();
 
     Project& project_;

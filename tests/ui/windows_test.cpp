@@ -14,6 +14,7 @@
 
 #include "base/messages.h"
 #include "fileio/projectfile.h"
+#include "session/peakdrag.h"
 #include "support/files.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
@@ -323,6 +324,53 @@ TEST_F(GuiTest, GeometryComesBackWhereItFits) {
         EXPECT_EQ(region().geometry() == was, away == 0);
         EXPECT_FALSE(main().frameGeometry().intersects(region().frameGeometry()));
     }
+}
+
+}  // namespace
+}  // namespace molvera::test
+
+namespace molvera::test {
+namespace {
+
+// A peak's apex and a background end dragged with the mouse: the peak follows the pointer,
+// the drag is one undo step, and Ctrl+Z gives the project back byte for byte.
+TEST_F(GuiTest, DraggingAPeakAndABackgroundEndIsOneUndoStepEach) {
+    SampleWithPeaks(1);
+    gui->RecordStep();  // the menu items ran without input events
+    ui::PlotWidget& plot = *region().Plot();
+    plot.RedrawNow();
+    const int slot = project().Current().PeakIndex[0];
+    const std::string before = ProjectFileBytes(project());
+    const std::size_t steps = gui->history().Steps();
+    const auto drag = [&](QPointF from, QPointF to) {
+        QTest::mousePress(&plot, Qt::LeftButton, {}, from.toPoint());
+        for (int i = 1; i <= 4; ++i) {
+            const QPointF at = from + (to - from) * i / 4.0;
+            QMouseEvent move(QEvent::MouseMove, at, plot.mapToGlobal(at), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&plot, &move);
+        }
+        QTest::mouseRelease(&plot, Qt::LeftButton, {}, to.toPoint());
+    };
+    const QPointF apex = plot.ToWidget(*PeakApex(project(), slot)).toPoint();
+    const QPointF target = apex + QPointF(-40, -30);
+    drag(apex, target);
+    const QPointF pointer = plot.ToPlotUnits(target);
+    const PlotPoint moved = *PeakApex(project(), slot);
+    EXPECT_NEAR(moved.be, pointer.x(), 1e-3);
+    EXPECT_NEAR(moved.i, pointer.y(), 1e-3 * pointer.y());
+    EXPECT_EQ(gui->history().Steps(), steps + 1);
+    EXPECT_EQ(plot.SelectedPeak(), slot);
+
+    const Region& r = project().Current();
+    const float low = r.BackgroundLowBE;
+    const QPointF end = plot.ToWidget({low, BackgroundAt(r, low)}).toPoint();
+    drag(end, end + QPointF(-60, 0));  // to the left: higher binding energy
+    EXPECT_GT(r.BackgroundLowBE, low);
+    EXPECT_EQ(gui->history().Steps(), steps + 2);
+    gui->UndoStep();
+    gui->UndoStep();
+    EXPECT_TRUE(ProjectFileBytes(project()) == before);
 }
 
 }  // namespace
