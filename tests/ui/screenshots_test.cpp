@@ -43,7 +43,7 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
 
     main().RegionButton(1)->click();
     SampleWithPeaks(3);
-    for (auto [slot, position] : {std::pair{0, 284.8f}, {1, 286.3f}, {2, 288.6f}}) {
+    for (auto [slot, position] : {std::pair{0, 284.4f}, {1, 285.4f}, {2, 286.6f}}) {
         Peak& peak = project().Peaks[slot];
         peak.Position = position;
         peak.HeightPercent = 30;
