@@ -34,6 +34,7 @@ Gui::Gui(UserSink& sink, FileChooser& chooser)
     main_->projectReplaced = [this] {
         history_.Reset(*project_);
         RefreshEditMenus();
+        region_->Plot()->SetView({});  // another project starts unzoomed (Undo keeps the zoom)
     };
     BuildDialogs();
     WireEditMenus();

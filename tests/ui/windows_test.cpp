@@ -125,7 +125,7 @@ TEST_F(GuiTest, AKilledProgramsUnsavedImportIsRestoredAtTheNextStart) {
 
 // The cursor read-out belongs to the plot it was read on: another region or another
 // project clears it.
-TEST_F(GuiTest, CursorReadOutClearsOnAnotherRegionOrProject) {
+TEST_F(GuiTest, CursorReadOutAndZoomClearOnAnotherRegionOrProject) {
     ImportSample();
     ui::PlotWidget& plot = *region().Plot();
     auto point = [&] {
@@ -140,9 +140,10 @@ TEST_F(GuiTest, CursorReadOutClearsOnAnotherRegionOrProject) {
     EXPECT_FALSE(plot.HasReadout());
     main().RegionButton(0)->click();
     ASSERT_TRUE(point());
+    plot.SetView(ZoomAbout(plot.Layout().spectrum.view, 285, 1000, 0.5));
     chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps"};
     Click(main(), "openProjectButton");
-    EXPECT_FALSE(plot.HasReadout());
+    EXPECT_TRUE(!plot.HasReadout() && plot.View().IsAuto());  // the new project unzoomed
 }
 
 TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletesClearParametersDoesNotAsk) {
