@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <map>
+#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -135,13 +136,20 @@ std::string FitSpectrumRows(int index, const SeriesSpectrum& s, std::string_view
 
 std::string FitSeriesRows(const std::vector<SeriesSpectrum>& series,
                           const std::vector<int>& indices, std::string_view model,
-                          const FitOptions& options, int jobs) {
+                          const FitOptions& options, int jobs,
+                          const std::function<void(std::size_t)>& progress) {
     std::vector<std::string> rows(indices.size());
     std::atomic<std::size_t> next{0};
+    std::size_t done = 0;
+    std::mutex doneMutex;
     auto work = [&] {
         for (std::size_t k = next++; k < indices.size() && !gInterrupted.load(); k = next++) {
             const int i = indices[k];
             rows[k] = FitSpectrumRows(i, series[static_cast<std::size_t>(i)], model, options);
+            if (progress) {
+                const std::lock_guard<std::mutex> lock(doneMutex);
+                progress(++done);
+            }
         }
     };
     std::vector<std::thread> workers;

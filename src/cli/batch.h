@@ -2,6 +2,7 @@
 // One model over a series of spectra: every spectrum imported into a fresh project, the
 // region parameters applied, fitted, and a CSV row written per peak.
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,10 +37,12 @@ std::string FitSpectrumRows(int index, const SeriesSpectrum& s, std::string_view
                             const FitOptions& options);
 
 /// The rows of the spectra `indices` (in that order), fitted by `jobs` threads; a
-/// spectrum not started when Ctrl-C is pressed gives no row.
+/// spectrum not started when Ctrl-C is pressed gives no row. `progress`, when given, is
+/// called with the number of spectra done after each (from one thread at a time).
 std::string FitSeriesRows(const std::vector<SeriesSpectrum>& series,
                           const std::vector<int>& indices, std::string_view model,
-                          const FitOptions& options, int jobs);
+                          const FitOptions& options, int jobs,
+                          const std::function<void(std::size_t)>& progress = {});
 
 /// The results files joined in spectrum order under one header; an error when a file
 /// has another header or a spectrum appears in two files.

@@ -1,6 +1,9 @@
 // batch and merge.
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -75,7 +78,22 @@ int RunBatch(int argc, char** argv) {
     const std::vector<SeriesSpectrum> series = ReadSeries(files, format);
     std::vector<int> indices;
     for (int i = shard; i < static_cast<int>(series.size()); i += shards) indices.push_back(i);
-    const std::string rows = FitSeriesRows(series, indices, model, s.project.Options, *jobs);
+    // "spectrum 12 of 500" on stderr when it is a terminal, a few times a second.
+    const auto start = std::chrono::steady_clock::now();
+    double shown = -1;
+    auto progress = [&](std::size_t done) {
+        const double t =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        if (t - shown < 0.2 && done < indices.size()) return;
+        shown = t;
+        std::fprintf(stderr, "\rspectrum %zu of %zu   ", done, indices.size());
+        std::fflush(stderr);
+    };
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+    const std::string rows =
+        FitSeriesRows(series, indices, model, s.project.Options, *jobs,
+                      terminal ? progress : std::function<void(std::size_t)>());
+    if (terminal && shown >= 0) std::fprintf(stderr, "\n");
     if (Status st = WriteFileBytes(*args.Value("o"), BatchHeader() + rows, msg::kErrorSavingFile);
         !st)
         return Refused(st);
