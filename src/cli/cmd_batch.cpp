@@ -54,7 +54,7 @@ int RunBatch(int argc, char** argv) {
     const std::vector<std::string>& files = args.Positional();
     if (files.empty())
         return Fail("no spectrum files given\nusage: " + std::string(Usage("batch")));
-    if (!CheckArgs(args, {"model", "region", "format", "jobs", "shard", "o"}, files.size(),
+    if (!CheckArgs(args, {"model", "region", "format", "jobs", "shard", "plots", "o"}, files.size(),
                    Usage("batch")))
         return kExitUsage;
     if (!args.Has("model"))
@@ -97,6 +97,13 @@ int RunBatch(int argc, char** argv) {
     if (Status st = WriteFileBytes(*args.Value("o"), BatchHeader() + rows, msg::kErrorSavingFile);
         !st)
         return Refused(st);
+    if (auto prefix = args.Value("plots")) {
+#ifdef MOLVERA_CLI_RENDER
+        if (!WriteSeriesPlots(BatchHeader() + rows, *prefix)) Print(msg::kErrorSavingFile);
+#else
+        Warn("this build draws no pictures: --plots " + *prefix + " ignored");
+#endif
+    }
     if (gInterrupted.load()) std::fprintf(stderr, "stopped: the finished rows are kept\n");
     return 0;
 }

@@ -55,7 +55,8 @@ const Command kCommands[] = {
      "check fitting options as the options dialog's OK does and write them", RunOptions},
     {"batch",
      "molvera-cli batch --model (FILE.rpa | PROJECT.xps --region N) FILES... "
-     "[--format vamas|ascii|...] [--jobs N] [--shard I/N] [--options FILE.opa] -o RESULTS.csv",
+     "[--format vamas|ascii|...] [--jobs N] [--shard I/N] [--plots PREFIX] [--options FILE.opa] "
+     "-o RESULTS.csv",
      "fit one model to every spectrum of the files and write a CSV row per spectrum and peak",
      RunBatch},
     {"merge", "molvera-cli merge A.csv B.csv ... -o ALL.csv",

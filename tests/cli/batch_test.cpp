@@ -91,7 +91,12 @@ TEST_F(Batch, WorkersAndShardsGiveTheSameBytesAndABadFileOnlyItsRow) {
 
 // A row holds the values and sigmas that apply-params and fit give on that spectrum.
 TEST_F(Batch, RowEqualsApplyParamsAndFit) {
-    ASSERT_EQ(Cmd("batch --model p.xps --region 1 '" + spectrum + "' --jobs 2 -o r.csv"), 0);
+    ASSERT_EQ(Cmd("batch --model p.xps --region 1 '" + spectrum + "' --jobs 2 --plots s -o r.csv"),
+              0);
+#ifdef MOLVERA_CLI_RENDER
+    for (const std::string name : {"position", "fwhm", "area", "gl", "chi_square"})
+        EXPECT_EQ(ReadBytes(dir / ("s-" + name + ".png")).substr(1, 3), "PNG") << name;
+#endif
     ASSERT_EQ(Cmd("import ascii '" + spectrum + "' -o q.xps"), 0);
     ASSERT_EQ(Cmd("apply-params q.xps --region 1 m.rpa -o q.xps"), 0);
     ASSERT_EQ(Cmd("fit q.xps --region 1 --json -o q.xps"), 0);
