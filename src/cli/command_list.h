@@ -35,5 +35,12 @@ int RunApplyParams(int argc, char** argv);
 int RunFit(int argc, char** argv);
 int RunConstrain(int argc, char** argv);
 int RunRender(int argc, char** argv);
+int RunBatch(int argc, char** argv);
+int RunMerge(int argc, char** argv);
+
+/// batch --plots PREFIX: PREFIX-position.png, -fwhm, -area, -gl and -chi_square.png, each
+/// value of every peak against the spectrum index (or the VAMAS experimental variable when
+/// every fitted spectrum has one), from the rows batch wrote. False when one cannot be saved.
+bool WriteSeriesPlots(const std::string& csv, const std::string& prefix);
 
 }  // namespace molvera::cli

@@ -53,6 +53,14 @@ const Command kCommands[] = {
      "[--area-search ...] [--fwhm-search ...] [--pos-newton L:DELTA|L:off] [--area-newton ...] "
      "[--fwhm-newton ...] [--gl-sum | --gl-product] -o OUT.opa",
      "check fitting options as the options dialog's OK does and write them", RunOptions},
+    {"batch",
+     "molvera-cli batch --model (FILE.rpa | PROJECT.xps --region N) FILES... "
+     "[--format vamas|ascii|...] [--jobs N] [--shard I/N] [--plots PREFIX] [--options FILE.opa] "
+     "-o RESULTS.csv",
+     "fit one model to every spectrum of the files and write a CSV row per spectrum and peak",
+     RunBatch},
+    {"merge", "molvera-cli merge A.csv B.csv ... -o ALL.csv",
+     "join the results of batch --shard runs in spectrum order", RunMerge},
     {"dump-options", "molvera-cli dump-options FILE.opa", "print an option file as JSON",
      RunDumpOptions},
 #ifdef MOLVERA_CLI_RENDER

@@ -23,6 +23,9 @@ struct ImportedSpectrum {
     std::vector<float> energy;
     std::vector<float> intensity;
     bool overflow = false;  ///< the file held more than 5000 points
+    /// The first experimental variable of a VAMAS block (etch time, angle...), when the
+    /// file has one and it is a number.
+    std::optional<double> variable = std::nullopt;
 };
 
 /// The fit a Kratos export may carry with its spectrum.

@@ -158,7 +158,12 @@ Block ReadBlock(Lines& lines, const Header& h, bool keep) {
     b.aes = b.technique.find("AES") != std::string::npos;
     b.xps = !b.aes && b.technique.find("XPS") != std::string::npos;
     if (IsMap(h.mode)) lines.Skip(2);  // x, y coordinates
-    lines.Skip(h.experimentalVariables);
+    for (std::int64_t v = 0; v < h.experimentalVariables; ++v) {
+        const std::string_view value = lines.Next();
+        const std::size_t length = LeadingNumberLength(value);
+        if (v == 0 && length > 0 && value.find_first_not_of(" \t\r", length) == value.npos)
+            b.spectrum.variable = LeadingNumber(value);
+    }
     lines.Skip(1);  // analysis source label
     // ISS and the mass spectrometries (FABMS, SIMS, SNMS and their energy spectra) name
     // their sputtering ion
