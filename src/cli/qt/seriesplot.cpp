@@ -15,6 +15,8 @@
 
 #include "base/numtext.h"
 #include "cli/command_list.h"
+#include "plot/plotview.h"
+#include "plot/spectrumplot.h"
 
 namespace molvera::cli {
 
@@ -42,8 +44,6 @@ std::vector<std::string> Fields(const std::string& line) {
 struct Point {
     double x, y;
 };
-
-QString Number(double v) { return QString::fromStdString(FormatGeneral(static_cast<float>(v))); }
 
 // Low and high of `values`, widened a little (and around a single value) for the frame.
 std::pair<double, double> Extent(const std::vector<double>& values) {
@@ -74,18 +74,23 @@ bool Plot(const std::map<int, std::vector<Point>>& peaks, const QString& title,
         const auto [y0, y1] = Extent(ys);
         auto px = [&](double x) { return frame.left() + (x - x0) / (x1 - x0) * frame.width(); };
         auto py = [&](double y) { return frame.bottom() - (y - y0) / (y1 - y0) * frame.height(); };
-        for (int k = 0; k <= 4; ++k) {  // five ticks on each axis
-            const double fx = x0 + (x1 - x0) * k / 4, fy = y0 + (y1 - y0) * k / 4;
+        // Round ticks (1, 2, 5 x 10^n) on both axes, labelled as the region plot labels them.
+        const double xStep = NiceStep(x1 - x0, 6), yStep = NiceStep(y1 - y0, 6);
+        for (const double fx : Ticks(x0, x1, 6)) {
             painter.drawLine(QPointF(px(fx), frame.bottom()), QPointF(px(fx), frame.bottom() + 5));
             painter.drawText(QRectF(px(fx) - 50, frame.bottom() + 6, 100, 20), Qt::AlignHCenter,
-                             Number(fx));
+                             QString::fromStdString(TickLabel(fx, xStep)));
+        }
+        for (const double fy : Ticks(y0, y1, 6)) {
             painter.drawLine(QPointF(frame.left() - 5, py(fy)), QPointF(frame.left(), py(fy)));
             painter.drawText(QRectF(0, py(fy) - 10, kLeft - 8, 20),
-                             Qt::AlignRight | Qt::AlignVCenter, Number(fy));
+                             Qt::AlignRight | Qt::AlignVCenter,
+                             QString::fromStdString(TickLabel(fy, yStep)));
         }
         int n = 0;
         for (const auto& [slot, points] : peaks) {
-            const QColor colour = QColor::fromHsv((n * 67) % 360, 220, 190);
+            const Rgb c = slot < 0 ? kEnvelopeColour : PeakColour(n);
+            const QColor colour(c.r, c.g, c.b);
             painter.setPen(QPen(colour, 2));
             for (std::size_t k = 0; k < points.size(); ++k) {
                 const QPointF at(px(points[k].x), py(points[k].y));
