@@ -24,26 +24,8 @@ constexpr std::array kColumns = {"spectrum", "file",       "block",      "variab
                                  "fwhm",     "fwhm_sigma", "area",       "area_sigma",
                                  "gl",       "gl_sigma",   "chi_square", "error"};
 
-// A CSV field: quoted when it holds a comma or a quote; line ends become blanks so that
-// every row stays one line.
-std::string Field(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    std::replace(text.begin(), text.end(), '\r', ' ');
-    if (text.find_first_of(",\"") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + "\"";
-}
-
-// The shortest text that reads back to exactly this double, whatever the locale.
-std::string Exact(double value) {
-    std::array<char, 32> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return std::string(buffer.data(), end);
-}
-
 std::string SigmaField(const Sigma& sigma) {
-    return sigma.state == Sigma::State::Value ? Exact(sigma.value) : std::string();
+    return sigma.state == Sigma::State::Value ? ExactText(sigma.value) : std::string();
 }
 
 std::string Trimmed(std::string text) {
@@ -53,15 +35,33 @@ std::string Trimmed(std::string text) {
 
 // The columns before the peak's: spectrum, file, block, variable.
 std::string Lead(int index, const SeriesSpectrum& s) {
-    return std::to_string(index) + "," + Field(s.file) + "," + std::to_string(s.block) + "," +
-           (s.spectrum.variable ? Exact(*s.spectrum.variable) : std::string()) + ",";
+    return std::to_string(index) + "," + CsvField(s.file) + "," + std::to_string(s.block) + "," +
+           (s.spectrum.variable ? ExactText(*s.spectrum.variable) : std::string()) + ",";
 }
 
 std::string FailedRow(int index, const SeriesSpectrum& s, const std::string& why) {
-    return Lead(index, s) + std::string(kColumns.size() - 5, ',') + Field(why) + "\n";
+    return Lead(index, s) + std::string(kColumns.size() - 5, ',') + CsvField(why) + "\n";
 }
 
 }  // namespace
+
+// A CSV field: quoted when it holds a comma or a quote; line ends become blanks so that
+// every row stays one line.
+std::string CsvField(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::replace(text.begin(), text.end(), '\r', ' ');
+    if (text.find_first_of(",\"") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
+}
+
+// The shortest text that reads back to exactly this double, whatever the locale.
+std::string ExactText(double value) {
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return std::string(buffer.data(), end);
+}
 
 std::vector<SeriesSpectrum> ReadSeries(const std::vector<std::string>& files,
                                        const ImportFormat* format) {
@@ -121,7 +121,7 @@ std::string FitSpectrumRows(int index, const SeriesSpectrum& s, std::string_view
         const Peak& peak = project.Peaks[static_cast<std::size_t>(slot)];
         const PeakSigmas& sigmas = u.peaks[static_cast<std::size_t>(slot)];
         rows += Lead(index, s) + std::to_string(slot) + "," +
-                Field(Latin1ToUtf8(Trimmed(peak.Label.Str()))) + ",";
+                CsvField(Latin1ToUtf8(Trimmed(peak.Label.Str()))) + ",";
         for (PeakParameter p : {PeakParameter::Position, PeakParameter::FWHM, PeakParameter::Area,
                                 PeakParameter::GL}) {
             rows += p == PeakParameter::GL

@@ -35,6 +35,7 @@ int RunApplyParams(int argc, char** argv);
 int RunFit(int argc, char** argv);
 int RunConstrain(int argc, char** argv);
 int RunRender(int argc, char** argv);
+int RunReport(int argc, char** argv);
 int RunBatch(int argc, char** argv);
 int RunMerge(int argc, char** argv);
 

@@ -67,6 +67,9 @@ const Command kCommands[] = {
     {"render", "molvera-cli render IN.xps --region N -o OUT.png|OUT.pdf|OUT.svg [--with-peaks]",
      "draw a region as the printout: a PNG picture or a PDF page, with the peak table on request",
      RunRender},
+    {"report", "molvera-cli report IN.xps [--region N | --all] -o OUT.csv|OUT.json|OUT.html",
+     "every fitted peak with its uncertainties: a CSV table, a JSON record or an HTML page",
+     RunReport},
 #endif
 };
 

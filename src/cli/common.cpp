@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -125,6 +127,15 @@ std::optional<int> RegionArg(const Args& args, const std::string& name) {
     auto n = IntArg(args, name, 1, 10);
     if (!n) return std::nullopt;
     return *n - 1;
+}
+
+std::string LowerExtension(const std::string& path) {
+    const auto dot = path.find_last_of('.');
+    if (dot == std::string::npos || path.find_first_of("/\\", dot) != std::string::npos) return "";
+    std::string ext = path.substr(dot + 1);
+    std::transform(ext.begin(), ext.end(), ext.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return ext;
 }
 
 int Fail(const std::string& text) {

@@ -64,6 +64,9 @@ std::optional<int> NotANumberOption(const Args& args, const std::string& name);
 /// A whole number option in [lo, hi].
 std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi);
 
+/// The extension of a path's file name in lower case ("png"), or "" when it has none.
+std::string LowerExtension(const std::string& path);
+
 /// Prints "molvera-cli: text" to stderr and returns the exit code for a refusal.
 int Fail(const std::string& text);
 

@@ -1,7 +1,5 @@
 // render: a region drawn as the printout (PNG picture, PDF page or SVG figure), for reports.
 
-#include <algorithm>
-#include <cctype>
 #include <string>
 
 #include <QGuiApplication>
@@ -23,15 +21,6 @@ namespace {
 // Size of the PNG picture in pixels (and of the SVG figure in 1/96 inch).
 constexpr int kPictureWidth = 1200;
 constexpr int kPictureHeight = 800;
-
-std::string LowerExtension(const std::string& path) {
-    const auto dot = path.find_last_of('.');
-    if (dot == std::string::npos || path.find_first_of("/\\", dot) != std::string::npos) return "";
-    std::string ext = path.substr(dot + 1);
-    std::transform(ext.begin(), ext.end(), ext.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return ext;
-}
 
 bool WritePdf(const Project& project, const std::string& path, bool withPeaks) {
     QPrinter printer(QPrinter::HighResolution);

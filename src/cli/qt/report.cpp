@@ -1,0 +1,82 @@
+// report: every peak of the project as a CSV table, a JSON object or an HTML page with
+// each region's picture.
+
+#include "cli/report.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QGuiApplication>
+
+#include "base/messages.h"
+#include "cli/command_list.h"
+#include "cli/common.h"
+#include "fileio/files.h"
+#include "ui/printing.h"
+
+namespace molvera::cli {
+
+namespace {
+
+// The picture render draws of each region, as PNG bytes.
+std::vector<std::string> RegionPngs(Project project, const std::vector<int>& regions) {
+    std::vector<std::string> pngs;
+    for (int r : regions) {
+        project.CurrentRegion = static_cast<Int16>(r);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        ui::RegionPicture(project, false, QSize(1200, 800)).save(&buffer, "PNG");
+        pngs.emplace_back(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    }
+    return pngs;
+}
+
+std::string BaseName(const std::string& path) {
+    const std::size_t slash = path.find_last_of("/\\");
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace
+
+int RunReport(int argc, char** argv) {
+    Args args(argc, argv, 2, {"all"});
+    if (!CheckArgs(args, {"region", "all", "o", "options"}, 1, Usage("report"))) return kExitUsage;
+    if (!args.Has("o")) return Fail("no output file given (-o OUT.csv, OUT.json or OUT.html)");
+    if (args.Has("region") && args.Has("all")) return Fail("give --region N or --all, not both");
+    const std::string out = *args.Value("o");
+    const std::string ext = LowerExtension(out);
+    if (ext != "csv" && ext != "json" && ext != "html")
+        return Fail("the output file must end in .csv, .json or .html");
+    int region = -1;
+    if (args.Has("region")) {
+        auto r = RegionArg(args);
+        if (!r) return Fail("--region takes a region number 1..10");
+        region = *r;
+    }
+
+    Session s;
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    const std::string input = args.Positional()[0];
+    if (Status st = LoadInput(s, input); !st) return Refused(st);
+    const std::vector<int> regions = ReportRegions(s.project, region);
+    if (region >= 0 && regions.empty())
+        return Fail("region " + std::to_string(region + 1) + " holds no data");
+
+    std::string text;
+    if (ext == "csv") {
+        text = ReportCsv(s.project, regions);
+    } else if (ext == "json") {
+        text = ReportJson(s.project, regions, BaseName(input));
+    } else {
+        // Drawing needs a Qt application; without a display it draws off-screen.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        int qtArgc = 1;
+        char* qtArgv[] = {argv[0], nullptr};
+        QGuiApplication app(qtArgc, qtArgv);
+        text = ReportHtml(s.project, regions, BaseName(input), RegionPngs(s.project, regions));
+    }
+    if (Status st = WriteFileBytes(out, text, msg::kErrorSavingFile); !st) return Refused(st);
+    return 0;
+}
+
+}  // namespace molvera::cli

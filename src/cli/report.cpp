@@ -1,0 +1,312 @@
+#include "cli/report.h"
+
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "base/numtext.h"
+#include "cli/batch.h"
+#include "cli/jsondump.h"
+#include "fitting/peakmodel.h"
+#include "fitting/uncertainty.h"
+#include "session/peakform.h"
+#include "session/peaktable.h"
+
+#ifndef MOLVERA_VERSION
+#define MOLVERA_VERSION "unknown"
+#endif
+
+namespace molvera::cli {
+
+namespace {
+
+// The CSV columns, in the order RegionRows fills them.
+constexpr std::array<const char*, 24> kColumns{"region",
+                                               "caption",
+                                               "peak",
+                                               "label",
+                                               "type",
+                                               "splitting",
+                                               "position",
+                                               "position_sigma",
+                                               "position_mark",
+                                               "fwhm",
+                                               "fwhm_sigma",
+                                               "fwhm_mark",
+                                               "area",
+                                               "area_sigma",
+                                               "area_percent",
+                                               "area_percent_sigma",
+                                               "height_percent",
+                                               "area_mark",
+                                               "gl",
+                                               "gl_sigma",
+                                               "gl_mark",
+                                               "rsf",
+                                               "normalised_area",
+                                               "at_percent"};
+
+// One field of a peak's row: its CSV text and its JSON value (null where the CSV is empty).
+struct Cell {
+    const char* name;
+    std::string text;
+    Json json;
+};
+
+using Row = std::vector<Cell>;
+
+Cell TextCell(const char* name, const std::string& latin1) {
+    const std::string utf8 = Latin1ToUtf8(latin1);
+    return {name, utf8, utf8};
+}
+
+Cell IntCell(const char* name, int value) { return {name, std::to_string(value), value}; }
+
+Cell FloatCell(const char* name, float value) {
+    return {name, FormatRoundTrip(value), FloatJson(value)};
+}
+
+Cell DoubleCell(const char* name, std::optional<double> value) {
+    if (!value || !std::isfinite(*value)) return {name, "", nullptr};
+    return {name, ExactText(*value), *value};
+}
+
+std::string Trimmed(std::string text) {
+    while (!text.empty() && text.back() == ' ') text.pop_back();
+    while (!text.empty() && text.front() == ' ') text.erase(0, 1);
+    return text;
+}
+
+// The columns of each value: the value, its sigma, its mark ("fixed" or the relation).
+struct ValueColumns {
+    const char* value;
+    const char* sigma;
+    const char* mark;
+    PeakParameter which;
+};
+
+constexpr std::array<ValueColumns, 4> kValues{{
+    {"position", "position_sigma", "position_mark", PeakParameter::Position},
+    {"fwhm", "fwhm_sigma", "fwhm_mark", PeakParameter::FWHM},
+    {"area", "area_sigma", "area_mark", PeakParameter::Area},
+    {"gl", "gl_sigma", "gl_mark", PeakParameter::GL},
+}};
+
+// The rows of region `r`'s peaks, in its order.
+std::vector<Row> RegionRows(const Project& project, int r) {
+    const Region& region = project.Regions[r];
+    std::vector<int> slots;
+    double total = 0;
+    for (Int16 slot : PeakList(region)) {
+        if (slot < 0 || slot >= kPeakSlots || !IsSet(project.Peaks[slot].InUse)) continue;
+        slots.push_back(slot);
+        total += project.Peaks[slot].Area;
+    }
+    const bool fitted = IsSet(region.HasData) && IsSet(region.HasBackground);
+    Uncertainties u;
+    if (fitted) u = ComputeUncertainties(project, {r});
+    std::vector<Row> rows;
+    for (int slot : slots) {
+        const Peak& peak = project.Peaks[slot];
+        const PeakSigmas& s = u.peaks[static_cast<std::size_t>(slot)];
+        const char* type = PeakTypeText(peak.PeakType);
+        Row row{IntCell("region", r + 1),
+                TextCell("caption", Trimmed(region.Caption.Str())),
+                IntCell("peak", slot),
+                TextCell("label", Trimmed(peak.Label.Str())),
+                TextCell("type", type ? type : "?"),
+                FloatCell("splitting", peak.Splitting)};
+        for (const ValueColumns& c : kValues) {
+            const std::string relation = RelationText(project, slot, c.which);
+            const bool fixed = IsFixed(peak, c.which);
+            const Sigma& sigma = s.parameters[static_cast<std::size_t>(c.which)];
+            std::optional<double> value;
+            if (fitted && !fixed && relation.empty() && sigma.state == Sigma::State::Value)
+                value = sigma.value;
+            row.push_back(
+                c.which == PeakParameter::GL
+                    ? IntCell(c.value, peak.PercentGL)
+                    : FloatCell(c.value, static_cast<float>(ParameterValue(peak, c.which))));
+            row.push_back(DoubleCell(c.sigma, value));
+            if (c.which == PeakParameter::Area) {
+                std::optional<double> percent;
+                std::optional<double> percentSigma;
+                if (total != 0) percent = 100 * peak.Area / total;
+                if (fitted && s.areaPercentSigma.state == Sigma::State::Value)
+                    percentSigma = s.areaPercentSigma.value;
+                row.push_back(DoubleCell("area_percent", percent));
+                row.push_back(DoubleCell("area_percent_sigma", percentSigma));
+                row.push_back(FloatCell("height_percent", peak.HeightPercent));
+            }
+            row.push_back(TextCell(c.mark, !relation.empty() ? relation : fixed ? "fixed" : ""));
+        }
+        // Quantification: filled once peaks carry sensitivity factors.
+        for (const char* name : {"rsf", "normalised_area", "at_percent"})
+            row.push_back({name, "", nullptr});
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+std::string HtmlEscaped(const std::string& text) {
+    std::string out;
+    for (char c : text) {
+        switch (c) {
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            default:
+                out += c;
+        }
+    }
+    return out;
+}
+
+std::string Base64(const std::string& bytes) {
+    static constexpr char kDigits[] =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        unsigned n = static_cast<unsigned char>(bytes[i]) << 16;
+        if (i + 1 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 1]) << 8;
+        if (i + 2 < bytes.size()) n |= static_cast<unsigned char>(bytes[i + 2]);
+        out += kDigits[(n >> 18) & 63];
+        out += kDigits[(n >> 12) & 63];
+        out += i + 1 < bytes.size() ? kDigits[(n >> 6) & 63] : '=';
+        out += i + 2 < bytes.size() ? kDigits[n & 63] : '=';
+    }
+    return out;
+}
+
+const char* BackgroundName(BackgroundKind kind) {
+    switch (kind) {
+        case BackgroundKind::Shirley:
+            return "Shirley";
+        case BackgroundKind::Linear:
+            return "linear";
+        case BackgroundKind::Tougaard:
+            return "Tougaard";
+    }
+    return "?";
+}
+
+const char* MethodName(float method) {
+    return method == 0 ? "Search method" : method == 2 ? "Levenberg-Marquardt" : "Newton's method";
+}
+
+}  // namespace
+
+std::vector<int> ReportRegions(const Project& project, int region) {
+    std::vector<int> regions;
+    for (int r = 0; r < kRegionCount; ++r)
+        if ((region < 0 || r == region) && IsSet(project.Regions[r].HasData)) regions.push_back(r);
+    return regions;
+}
+
+std::string ReportCsv(const Project& project, const std::vector<int>& regions) {
+    std::string text;
+    for (const char* name : kColumns) text += (text.empty() ? "" : ",") + std::string(name);
+    text += "\n";
+    for (int r : regions) {
+        for (const Row& row : RegionRows(project, r)) {
+            std::string line;
+            for (const Cell& c : row) line += (line.empty() ? "" : ",") + CsvField(c.text);
+            text += line + "\n";
+        }
+    }
+    return text;
+}
+
+std::string ReportJson(const Project& project, const std::vector<int>& regions,
+                       const std::string& source) {
+    Json report;
+    report["program"] = "Molvera";
+    report["version"] = MOLVERA_VERSION;
+    report["source"] = source;
+    report["method"] = MethodName(project.Options.Method);
+    report["options"] = OptionsToJson(project.Options);
+    Json list = Json::array();
+    for (int r : regions) {
+        const Region& region = project.Regions[r];
+        Json j;
+        j["region"] = r + 1;
+        j["caption"] = Latin1ToUtf8(Trimmed(region.Caption.Str()));
+        Json background;
+        background["present"] = IsSet(region.HasBackground);
+        background["type"] = BackgroundName(region.BackgroundType);
+        background["low_be"] = FloatJson(region.BackgroundLowBE);
+        background["high_be"] = FloatJson(region.BackgroundHighBE);
+        background["linear_step"] = FloatJson(region.LinearStep);
+        background["parameter"] = FloatJson(region.BackgroundParameter);
+        background["start_average"] = FloatJson(region.StartAverage);
+        background["end_average"] = FloatJson(region.EndAverage);
+        background["end_point_average"] = region.EndPointAverage;
+        j["background"] = background;
+        j["chi_square"] = FloatJson(region.ChiSquare);
+        if (IsSet(region.HasData) && IsSet(region.HasBackground)) {
+            const double reduced = ComputeUncertainties(project, {r}).reducedChiSquare;
+            j["reduced_chi_square"] = std::isfinite(reduced) ? Json(reduced) : Json(nullptr);
+        } else {
+            j["reduced_chi_square"] = nullptr;
+        }
+        Json peaks = Json::array();
+        for (const Row& row : RegionRows(project, r)) {
+            Json peak;
+            for (const Cell& c : row)
+                if (std::string(c.name) != "region" && std::string(c.name) != "caption")
+                    peak[c.name] = c.json;
+            peaks.push_back(peak);
+        }
+        j["peaks"] = peaks;
+        list.push_back(j);
+    }
+    report["regions"] = list;
+    return report.dump(2) + "\n";
+}
+
+std::string ReportHtml(const Project& project, const std::vector<int>& regions,
+                       const std::string& source, const std::vector<std::string>& pngs) {
+    std::string html =
+        "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\">\n<title>Molvera report: " +
+        HtmlEscaped(source) +
+        "</title>\n<style>\nbody { font-family: sans-serif; margin: 2em; }\n"
+        "table { border-collapse: collapse; margin-bottom: 2em; }\n"
+        "th, td { border: 1px solid #888; padding: 2px 6px; }\n"
+        "td.n { text-align: right; font-variant-numeric: tabular-nums; }\n"
+        "img { max-width: 100%; }\n</style></head>\n<body>\n<h1>" +
+        HtmlEscaped(source) + "</h1>\n<p>Molvera " MOLVERA_VERSION ", " +
+        MethodName(project.Options.Method) + "</p>\n";
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+        const int r = regions[i];
+        html += "<h2>Region " + std::to_string(r + 1) + " " +
+                HtmlEscaped(Latin1ToUtf8(Trimmed(project.Regions[r].Caption.Str()))) + "</h2>\n";
+        if (i < pngs.size() && !pngs[i].empty())
+            html += "<p><img alt=\"region " + std::to_string(r + 1) +
+                    "\" src=\"data:image/png;base64," + Base64(pngs[i]) + "\"></p>\n";
+        // The peak table of the region window, in its readable form.
+        html += "<table>\n<tr>";
+        for (const std::string& title : PeakTableHeader())
+            html += "<th>" + HtmlEscaped(Latin1ToUtf8(title)) + "</th>";
+        html += "</tr>\n";
+        for (const PeakTableRow& row : PeakTableRows(project, r)) {
+            html += "<tr>";
+            for (std::size_t c = 0; c < row.cells.size(); ++c)
+                html += (c == kPeakColumn || c == kTypeColumn ? "<td>" : "<td class=\"n\">") +
+                        HtmlEscaped(Latin1ToUtf8(row.cells[c])) + "</td>";
+            html += "</tr>\n";
+        }
+        html += "</table>\n";
+    }
+    return html + "</body></html>\n";
+}
+
+}  // namespace molvera::cli

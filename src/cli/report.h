@@ -1,0 +1,31 @@
+#pragma once
+// The project report: every peak of the chosen regions with its values, uncertainties and
+// marks, as CSV rows, a JSON object that reproduces the fit, or an HTML page.
+
+#include <string>
+#include <vector>
+
+#include "model/records.h"
+
+namespace molvera::cli {
+
+/// The regions with data, 0-based: all of them (`region` < 0) or the one asked for.
+std::vector<int> ReportRegions(const Project& project, int region);
+
+/// The CSV: a header row, then one row per peak. Numbers read back to the project's
+/// values exactly, whatever the locale; a sigma is empty where no fit determines one
+/// (the value is fixed or follows another peak). The quantification columns (rsf,
+/// normalised_area, at_percent) are there and empty for now.
+std::string ReportCsv(const Project& project, const std::vector<int>& regions);
+
+/// The same as JSON, with each region's background, chi-square and reduced chi-square,
+/// the fitting options, the program version and the source file name.
+std::string ReportJson(const Project& project, const std::vector<int>& regions,
+                       const std::string& source);
+
+/// One self-contained HTML page: per region its picture (`pngs[i]`, the PNG bytes of
+/// `regions[i]`, embedded as a data URI) and its table.
+std::string ReportHtml(const Project& project, const std::vector<int>& regions,
+                       const std::string& source, const std::vector<std::string>& pngs);
+
+}  // namespace molvera::cli
