@@ -14,6 +14,7 @@
 #include "fileio/regionparams.h"
 #include "model/project.h"
 #include "session/fitcommands.h"
+#include "session/report.h"
 
 namespace molvera::cli {
 
@@ -44,24 +45,6 @@ std::string FailedRow(int index, const SeriesSpectrum& s, const std::string& why
 }
 
 }  // namespace
-
-// A CSV field: quoted when it holds a comma or a quote; line ends become blanks so that
-// every row stays one line.
-std::string CsvField(std::string text) {
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    std::replace(text.begin(), text.end(), '\r', ' ');
-    if (text.find_first_of(",\"") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + "\"";
-}
-
-// The shortest text that reads back to exactly this double, whatever the locale.
-std::string ExactText(double value) {
-    std::array<char, 32> buffer{};
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    return std::string(buffer.data(), end);
-}
 
 std::vector<SeriesSpectrum> ReadSeries(const std::vector<std::string>& files,
                                        const ImportFormat* format) {

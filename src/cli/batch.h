@@ -27,12 +27,6 @@ struct SeriesSpectrum {
 std::vector<SeriesSpectrum> ReadSeries(const std::vector<std::string>& files,
                                        const ImportFormat* format);
 
-/// A CSV field: quoted when it holds a comma or a quote; line ends become blanks.
-std::string CsvField(std::string text);
-
-/// The shortest text that reads back to exactly this double, whatever the locale.
-std::string ExactText(double value);
-
 /// The first line of the results.
 std::string BatchHeader();
 

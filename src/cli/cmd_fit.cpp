@@ -10,9 +10,9 @@
 #include "base/numtext.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "cli/jsondump.h"
 #include "session/constraintform.h"
 #include "session/fitcommands.h"
+#include "session/jsondump.h"
 
 namespace molvera::cli {
 

@@ -7,8 +7,8 @@
 
 #include "cli/command_list.h"
 #include "cli/common.h"
-#include "cli/jsondump.h"
 #include "fileio/optionfile.h"
+#include "session/jsondump.h"
 #include "session/optionsform.h"
 
 namespace molvera::cli {

@@ -3,11 +3,15 @@
 #include <memory>
 
 #include <QApplication>
+#include <QBuffer>
+#include <QByteArray>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPainter>
 #include <QPrinterInfo>
 
 #include "plot/printout.h"
+#include "session/report.h"
 #include "ui/qtcanvas.h"
 
 namespace molvera::ui {
@@ -66,6 +70,26 @@ QImage RegionPicture(const Project& project, bool withPeakTable, QSize size) {
     DrawRegionOn(painter, QRectF(image.rect()), project, withPeakTable);
     painter.end();
     return image;
+}
+
+std::optional<std::string> ReportText(const Project& project, const std::vector<int>& regions,
+                                      const std::string& path, const std::string& source) {
+    const QString ext = QFileInfo(QString::fromStdString(path)).suffix().toLower();
+    if (ext == "csv") return ReportCsv(project, regions);
+    if (ext == "json") return ReportJson(project, regions, source);
+    if (ext != "html") return std::nullopt;
+    // Each region as the render command draws it, as PNG bytes.
+    std::vector<std::string> pngs;
+    Project copy = project;
+    for (int r : regions) {
+        copy.CurrentRegion = static_cast<Int16>(r);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        RegionPicture(copy, false, QSize(1200, 800)).save(&buffer, "PNG");
+        pngs.emplace_back(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    }
+    return ReportHtml(project, regions, source, pngs);
 }
 
 }  // namespace molvera::ui

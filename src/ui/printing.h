@@ -2,6 +2,10 @@
 // The region on paper, in a PDF file or in a picture for the clipboard, drawn by the
 // printout code through a QtCanvas.
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include <QImage>
 #include <QPainter>
 #include <QPrinter>
@@ -26,5 +30,11 @@ bool PrintRegion(const molvera::Project& project, QPrinter& printer, bool withPe
 
 /// The current region drawn as the printout on a white picture of `size` pixels.
 QImage RegionPicture(const molvera::Project& project, bool withPeakTable, QSize size);
+
+/// The report of `regions` in the format the extension of `path` names (csv, json or
+/// html, the page with each region's picture); nothing for another extension.
+std::optional<std::string> ReportText(const molvera::Project& project,
+                                      const std::vector<int>& regions, const std::string& path,
+                                      const std::string& source);
 
 }  // namespace molvera::ui

@@ -12,9 +12,13 @@
 #include <QSettings>
 #include <QUrl>
 
+#include "base/messages.h"
+#include "fileio/files.h"
 #include "session/mainwindow.h"
+#include "session/report.h"
 #include "ui/gui.h"
 #include "ui/mainwindow.h"
+#include "ui/printing.h"
 #include "ui/regionwindow.h"
 
 namespace molvera::ui {
@@ -124,6 +128,8 @@ void Workspace::BuildFileMenu() {
         [&main] { main.SaveProjectCommand(); });
     add(QStringLiteral("Import..."), "importAction", QKeySequence(Qt::CTRL | Qt::Key_I),
         [this] { ImportCommand(); });
+    add(QStringLiteral("Export Report..."), "exportReportAction", QKeySequence(),
+        [this] { ExportReportCommand(); });
     recentMenu_ = file->addMenu(QStringLiteral("Recent Files"));
     recentMenu_->setObjectName(QStringLiteral("recentFilesMenu"));
     file->addSeparator();
@@ -160,6 +166,24 @@ void Workspace::ImportCommand() {
     } else {
         gui_.host().Show(kind.refusal);
     }
+}
+
+void Workspace::ExportReportCommand() {
+    const std::string path = gui_.files().Save(
+        "Export Report",
+        "HTML Files (*.html) |*.html|CSV Files (*.csv) |*.csv|JSON Files (*.json) |*.json|",
+        "html");
+    if (path.empty()) return;
+    const Project& project = gui_.project();
+    const std::string source =
+        QFileInfo(QFile::decodeName(project.FileName.c_str())).fileName().toStdString();
+    const auto text = ReportText(project, ReportRegions(project, -1), path, source);
+    if (!text) {
+        gui_.host().ShowError(msg::kErrorSavingFile);
+        return;
+    }
+    gui_.host().ShowOutcome(WriteFileBytes(path, *text, msg::kErrorSavingFile),
+                            msg::kDataFileExported, msg::kErrorSavingFile);
 }
 
 void Workspace::OpenRecent(const std::string& path) {

@@ -32,6 +32,9 @@ public:
     /// File > Import...: a project is opened, an instrument file imported into the current
     /// region in the format its extension names.
     void ImportCommand();
+    /// File > Export Report...: every peak of the regions with data as CSV, JSON or an
+    /// HTML page, by the extension of the name chosen.
+    void ExportReportCommand();
     /// A recent file's entry: opened as `molvera FILE` opens it; a missing file is removed.
     void OpenRecent(const std::string& path);
 

@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/jsondump.h"
+#include "session/jsondump.h"
 #include "support/files.h"
 
 namespace molvera::test {
@@ -195,9 +195,8 @@ TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
 
 TEST(JsonFloat, ReadsBackToTheSameSingle) {
     for (float f : {0.1f, 284.57f, 1.0f / 3.0f, 3.4028235e38f, 1.0e-45f, -2.5f})
-        EXPECT_EQ(static_cast<float>(nlohmann::json::parse(cli::FloatJson(f).dump()).get<double>()),
-                  f);
-    EXPECT_EQ(cli::FloatJson(std::numeric_limits<float>::quiet_NaN()), "NaN");
+        EXPECT_EQ(static_cast<float>(nlohmann::json::parse(FloatJson(f).dump()).get<double>()), f);
+    EXPECT_EQ(FloatJson(std::numeric_limits<float>::quiet_NaN()), "NaN");
 }
 
 // The picture's pixels and the PDF are the printout's (tested there); here PNG and refusals.

@@ -15,6 +15,7 @@
 #include "base/messages.h"
 #include "fileio/projectfile.h"
 #include "session/peakdrag.h"
+#include "session/report.h"
 #include "support/files.h"
 #include "ui/backgrounddialog.h"
 #include "ui/constraintdialog.h"
@@ -268,6 +269,19 @@ TEST_F(GuiTest, TitleFollowsThePlotDuringOptimiseAllWarningsStayInTheStatusLine)
     position = fitted;
     Menu("redisplayAction");
     EXPECT_TRUE(region().WarningText().isEmpty() && sink.messages.empty());  // no message box
+}
+
+// File > Export Report writes the report of the project in the format of the name chosen.
+TEST_F(GuiTest, ExportReportWritesTheChosenFormat) {
+    chooser.paths = {std::string(MOLVERA_SOURCE_DIR) + "/fuzz/corpus/project/c1s_three_peaks.xps"};
+    Click(main(), "openProjectButton");
+    const std::string csv = (ScratchDir() / "r.csv").string();
+    const std::string html = (ScratchDir() / "r.html").string();
+    chooser.paths = {csv, html};
+    Menu("exportReportAction");
+    Menu("exportReportAction");
+    EXPECT_EQ(ReadBytes(csv), ReportCsv(project(), ReportRegions(project(), -1)));
+    EXPECT_NE(ReadBytes(html).find("data:image/png;base64,iVBOR"), std::string::npos);
 }
 
 // File > Save As asks, Save then writes the same file without a dialog; both files used

@@ -1,10 +1,8 @@
 // report: every peak of the project as a CSV table, a JSON object or an HTML page with
 // each region's picture.
 
-#include "cli/report.h"
+#include "session/report.h"
 
-#include <QBuffer>
-#include <QByteArray>
 #include <QGuiApplication>
 
 #include "base/messages.h"
@@ -16,20 +14,6 @@
 namespace molvera::cli {
 
 namespace {
-
-// The picture render draws of each region, as PNG bytes.
-std::vector<std::string> RegionPngs(Project project, const std::vector<int>& regions) {
-    std::vector<std::string> pngs;
-    for (int r : regions) {
-        project.CurrentRegion = static_cast<Int16>(r);
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        ui::RegionPicture(project, false, QSize(1200, 800)).save(&buffer, "PNG");
-        pngs.emplace_back(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    }
-    return pngs;
-}
 
 std::string BaseName(const std::string& path) {
     const std::size_t slash = path.find_last_of("/\\");
@@ -62,19 +46,12 @@ int RunReport(int argc, char** argv) {
     if (region >= 0 && regions.empty())
         return Fail("region " + std::to_string(region + 1) + " holds no data");
 
-    std::string text;
-    if (ext == "csv") {
-        text = ReportCsv(s.project, regions);
-    } else if (ext == "json") {
-        text = ReportJson(s.project, regions, BaseName(input));
-    } else {
-        // Drawing needs a Qt application; without a display it draws off-screen.
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-        int qtArgc = 1;
-        char* qtArgv[] = {argv[0], nullptr};
-        QGuiApplication app(qtArgc, qtArgv);
-        text = ReportHtml(s.project, regions, BaseName(input), RegionPngs(s.project, regions));
-    }
+    // The page's pictures need a Qt application; without a display it draws off-screen.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    int qtArgc = 1;
+    char* qtArgv[] = {argv[0], nullptr};
+    QGuiApplication app(qtArgc, qtArgv);
+    const std::string text = *ui::ReportText(s.project, regions, out, BaseName(input));
     if (Status st = WriteFileBytes(out, text, msg::kErrorSavingFile); !st) return Refused(st);
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "cli/jsondump.h"
+#include "session/jsondump.h"
 
 #include <array>
 #include <charconv>
@@ -8,7 +8,7 @@
 #include "base/numtext.h"
 #include "model/recordfields.h"
 
-namespace molvera::cli {
+namespace molvera {
 
 Json FloatJson(float value) {
     if (std::isnan(value)) return "NaN";
@@ -32,6 +32,8 @@ Json ArrayJson(const SingleArray& a) {
 Json TextJson(const std::string& latin1) { return Latin1ToUtf8(latin1); }
 
 // Every field of a record as VisitFields lists them, under its own name.
+// The visitor only adds to a JSON object (nlohmann may throw on allocation only).
+// NOLINTNEXTLINE(bugprone-exception-escape)
 class JsonFields : public EveryField {
 public:
     template <typename T>
@@ -129,4 +131,4 @@ Json OptionsToJson(const FitOptions& o) {
     return j;
 }
 
-}  // namespace molvera::cli
+}  // namespace molvera

@@ -1,14 +1,15 @@
-#include "cli/report.h"
+#include "session/report.h"
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <optional>
 
 #include "base/numtext.h"
-#include "cli/batch.h"
-#include "cli/jsondump.h"
 #include "fitting/peakmodel.h"
 #include "fitting/uncertainty.h"
+#include "session/jsondump.h"
 #include "session/peakform.h"
 #include "session/peaktable.h"
 
@@ -16,7 +17,7 @@
 #define MOLVERA_VERSION "unknown"
 #endif
 
-namespace molvera::cli {
+namespace molvera {
 
 namespace {
 
@@ -309,4 +310,22 @@ std::string ReportHtml(const Project& project, const std::vector<int>& regions,
     return html + "</body></html>\n";
 }
 
-}  // namespace molvera::cli
+// A CSV field: quoted when it holds a comma or a quote; line ends become blanks so that
+// every row stays one line.
+std::string CsvField(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    std::replace(text.begin(), text.end(), '\r', ' ');
+    if (text.find_first_of(",\"") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
+}
+
+// The shortest text that reads back to exactly this double, whatever the locale.
+std::string ExactText(double value) {
+    std::array<char, 32> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return std::string(buffer.data(), end);
+}
+
+}  // namespace molvera

@@ -1,11 +1,11 @@
 #pragma once
-// The project and the fitting options as JSON, for molvera-cli's dump commands.
+// The project and the fitting options as JSON, for molvera-cli's dump commands and reports.
 
 #include <nlohmann/json.hpp>
 
 #include "model/records.h"
 
-namespace molvera::cli {
+namespace molvera {
 
 using Json = nlohmann::ordered_json;
 
@@ -19,4 +19,4 @@ Json ProjectToJson(const Project& project);
 /// Every field of the fitting options; levels as arrays of four.
 Json OptionsToJson(const FitOptions& options);
 
-}  // namespace molvera::cli
+}  // namespace molvera

@@ -1,7 +1,7 @@
 // report: the CSV and JSON read back to the project's values and the fitting engine's
 // uncertainties; the HTML page holds a picture and the peak table of each region.
 
-#include "cli/report.h"
+#include "session/report.h"
 
 #include <sys/wait.h>
 

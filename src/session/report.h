@@ -7,7 +7,13 @@
 
 #include "model/records.h"
 
-namespace molvera::cli {
+namespace molvera {
+
+/// A CSV field: quoted when it holds a comma or a quote; line ends become blanks.
+std::string CsvField(std::string text);
+
+/// The shortest text that reads back to exactly this double, whatever the locale.
+std::string ExactText(double value);
 
 /// The regions with data, 0-based: all of them (`region` < 0) or the one asked for.
 std::vector<int> ReportRegions(const Project& project, int region);
@@ -28,4 +34,4 @@ std::string ReportJson(const Project& project, const std::vector<int>& regions,
 std::string ReportHtml(const Project& project, const std::vector<int>& regions,
                        const std::string& source, const std::vector<std::string>& pngs);
 
-}  // namespace molvera::cli
+}  // namespace molvera
