@@ -47,17 +47,21 @@ std::optional<PeakParameter> ColumnParameter(int column) {
     return std::nullopt;
 }
 
+std::vector<int> ListedPeaks(const Project& project, int r) {
+    std::vector<int> slots;
+    for (Int16 slot : PeakList(project.Regions[r]))
+        if (slot >= 0 && slot < kPeakSlots && IsSet(project.Peaks[slot].InUse))
+            slots.push_back(slot);
+    return slots;
+}
+
 std::vector<PeakTableRow> PeakTableRows(const Project& project, int r, bool withSigmas) {
     std::vector<PeakTableRow> rows;
     if (r < 0 || r >= kRegionCount) return rows;
     const Region& region = project.Regions[r];
-    std::vector<int> slots;
+    const std::vector<int> slots = ListedPeaks(project, r);
     double total = 0;
-    for (Int16 slot : PeakList(region)) {
-        if (slot < 0 || slot >= kPeakSlots || !IsSet(project.Peaks[slot].InUse)) continue;
-        slots.push_back(slot);
-        total += project.Peaks[slot].Area;
-    }
+    for (int slot : slots) total += project.Peaks[slot].Area;
     Uncertainties u;
     const bool sigmas = withSigmas && IsSet(region.HasData) && IsSet(region.HasBackground);
     if (sigmas) u = ComputeUncertainties(project, {r});

@@ -50,6 +50,9 @@ struct PeakTableRow {
     bool operator==(const PeakTableRow&) const = default;
 };
 
+/// The slots of the peaks in use that region `r` lists, in its order.
+std::vector<int> ListedPeaks(const Project& project, int r);
+
 /// The rows of the peaks region `r` lists, in its order; the uncertainties only when
 /// `withSigmas` (they cost a Jacobian of the region).
 std::vector<PeakTableRow> PeakTableRows(const Project& project, int r, bool withSigmas = true);

@@ -96,13 +96,9 @@ constexpr std::array<ValueColumns, 4> kValues{{
 // The rows of region `r`'s peaks, in its order.
 std::vector<Row> RegionRows(const Project& project, int r) {
     const Region& region = project.Regions[r];
-    std::vector<int> slots;
+    const std::vector<int> slots = ListedPeaks(project, r);
     double total = 0;
-    for (Int16 slot : PeakList(region)) {
-        if (slot < 0 || slot >= kPeakSlots || !IsSet(project.Peaks[slot].InUse)) continue;
-        slots.push_back(slot);
-        total += project.Peaks[slot].Area;
-    }
+    for (int slot : slots) total += project.Peaks[slot].Area;
     const bool fitted = IsSet(region.HasData) && IsSet(region.HasBackground);
     Uncertainties u;
     if (fitted) u = ComputeUncertainties(project, {r});
