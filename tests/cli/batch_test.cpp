@@ -21,20 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The fields of a CSV row (quotes kept).
-std::vector<std::string> Fields(const std::string& line) {
-    std::vector<std::string> out(1);
-    bool quoted = false;
-    for (char c : line) {
-        quoted ^= c == '"';
-        if (c == ',' && !quoted)
-            out.emplace_back();
-        else
-            out.back().push_back(c);
-    }
-    return out;
-}
-
 class Batch : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -81,7 +67,7 @@ TEST_F(Batch, WorkersAndShardsGiveTheSameBytesAndABadFileOnlyItsRow) {
     std::set<std::string> fitted, refused;
     std::size_t start = 0;
     for (std::size_t end; (end = one.find('\n', start)) != std::string::npos; start = end + 1) {
-        const auto f = Fields(one.substr(start, end - start));
+        const auto f = CsvFields(one.substr(start, end - start));
         ASSERT_EQ(f.size(), 16u);
         (f[15].empty() ? fitted : refused).insert(f[0] + "/" + f[2] + "/" + f[3]);
     }
@@ -105,7 +91,7 @@ TEST_F(Batch, RowEqualsApplyParamsAndFit) {
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[0] + "\n", cli::BatchHeader());
     for (std::size_t k = 0; k < 3; ++k) {
-        const auto f = Fields(lines[k + 1]);
+        const auto f = CsvFields(lines[k + 1]);
         const auto& p = fit["peaks"][k];
         EXPECT_EQ(std::stoi(f[4]), p["slot"]);
         int column = 6;

@@ -8,7 +8,6 @@
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -24,17 +23,6 @@ namespace molvera::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> Fields(const std::string& line) {
-    std::vector<std::string> out(1);
-    std::istringstream in(line);
-    for (char c; in.get(c);)
-        if (c == ',')
-            out.emplace_back();
-        else
-            out.back().push_back(c);
-    return out;
-}
 
 double Number(const std::string& text) {
     double d = std::nan("");
@@ -76,9 +64,9 @@ TEST_F(Report, CsvAndJsonHoldTheProjectValuesAndSigmasOnlyWhereAFitDeterminesThe
     const auto& peaks = json["regions"][0]["peaks"];
     ASSERT_EQ(lines.size(), 4u);
     ASSERT_EQ(peaks.size(), 3u);
-    const std::vector<std::string> header = Fields(lines[0]);
+    const std::vector<std::string> header = CsvFields(lines[0]);
     for (std::size_t k = 0; k < 3; ++k) {
-        const std::vector<std::string> f = Fields(lines[k + 1]);
+        const std::vector<std::string> f = CsvFields(lines[k + 1]);
         ASSERT_EQ(f.size(), header.size());
         auto at = [&](const std::string& name) {
             return f[static_cast<std::size_t>(std::find(header.begin(), header.end(), name) -

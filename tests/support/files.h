@@ -46,6 +46,20 @@ inline std::vector<std::string> FileLines(const std::string& path) {
     return lines;
 }
 
+/// The fields of a CSV row (quotes kept).
+inline std::vector<std::string> CsvFields(const std::string& line) {
+    std::vector<std::string> out(1);
+    bool quoted = false;
+    for (char c : line) {
+        quoted ^= c == '"';
+        if (c == ',' && !quoted)
+            out.emplace_back();
+        else
+            out.back().push_back(c);
+    }
+    return out;
+}
+
 /// Imports the file at `path` in format `format` ("vamas", ...) as the Import menu does.
 inline ImportResult ImportPath(Project& project, Host& host, const std::string& format,
                                const std::string& path) {
