@@ -9,7 +9,7 @@ root=$(dirname "$here")
 build=$(realpath "$1")
 seconds=$2
 extra=${3:-}
-targets=(${FUZZ_TARGETS:-project regionparams optionfile vamas kratos leybold phi ascii})
+targets=(${FUZZ_TARGETS:-project extension regionparams optionfile vamas kratos leybold phi ascii})
 imports=" vamas kratos leybold phi ascii "
 mkdir -p "$build/findings"
 failed=0

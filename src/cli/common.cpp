@@ -91,7 +91,10 @@ Status LoadOptions(const Args& args, Session& s) {
 
 Status LoadInput(Session& s, const std::string& path) {
     if (!std::filesystem::is_regular_file(path)) return Status::Error("cannot open " + path);
-    return LoadProject(s.project, s.host, path);
+    std::string warning;
+    Status st = LoadProject(s.project, s.host, path, &warning);
+    if (!warning.empty()) Warn(warning);
+    return st;
 }
 
 void Warn(const std::string& text) { std::fprintf(stderr, "warning: %s\n", text.c_str()); }

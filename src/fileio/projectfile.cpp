@@ -1,6 +1,7 @@
 #include "fileio/projectfile.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -26,6 +27,11 @@ constexpr std::string_view kTagEmpty = "DA";
 constexpr Int16 kTextTypeCode = 8;
 constexpr int kOldPeakSlots = 21;
 constexpr std::size_t kMaxProjectFileBytes = std::size_t{64} << 20;
+// The extension block after the description: tag, Int16 version, Int32 length of the
+// fields that follow. Version 1: Single source energy, transmission and mean free path
+// exponents; Int16 count of RSF overrides, each an Int16 slot and a Single.
+constexpr std::string_view kExtensionTag = "MOLVERA-EXT";
+constexpr Int16 kExtensionVersion = 1;
 
 enum class Layout { V40, V30, Old };
 
@@ -68,6 +74,30 @@ void WriteProjectBytes(BinaryWriter& out, const Project& project) {
     out.I16(kTextTypeCode);
     out.I16(static_cast<Int16>(project.Description.size()));
     out.Bytes(project.Description);
+}
+
+// Nothing when the settings are the defaults: a classic project keeps its bytes.
+void WriteExtensionBlock(BinaryWriter& out, const Project& project) {
+    const QuantSettings& q = project.Quant;
+    if (q == QuantSettings{}) return;
+    std::ostringstream fields;
+    BinaryWriter f(fields);
+    f.F32(q.SourceEnergy);
+    f.F32(q.TransmissionExponent);
+    f.F32(q.ImfpExponent);
+    const auto overrides =
+        std::count_if(q.RsfOverride.begin(), q.RsfOverride.end(), [](float v) { return v != 0; });
+    f.I16(static_cast<Int16>(overrides));
+    for (int s = 0; s < kPeakSlots; ++s) {
+        if (q.RsfOverride[s] == 0) continue;
+        f.I16(static_cast<Int16>(s));
+        f.F32(q.RsfOverride[s]);
+    }
+    const std::string bytes = std::move(fields).str();
+    out.Bytes(kExtensionTag);
+    out.I16(kExtensionVersion);
+    out.I32(static_cast<std::int32_t>(bytes.size()));
+    out.Bytes(bytes);
 }
 
 Layout ReadHeader(BinaryReader& in) {
@@ -168,7 +198,43 @@ bool ReadDescription(BinaryReader& in, std::string& text) {
     }
 }
 
+bool Finite(float v) { return std::isfinite(v); }
+
 }  // namespace
+
+Status ReadExtensionBlock(std::string_view bytes, QuantSettings& quant) {
+    BinaryReader in(bytes);
+    try {
+        if (in.Bytes(kExtensionTag.size()) != kExtensionTag) throw ReadError("no tag");
+        if (const int version = in.I16(); version != kExtensionVersion)
+            throw ReadError("unknown version " + std::to_string(version));
+        const std::int32_t length = in.I32();
+        if (length < 0 || static_cast<std::size_t>(length) != in.Remaining())
+            throw ReadError("length " + std::to_string(length));
+        QuantSettings q;
+        q.SourceEnergy = in.F32();
+        q.TransmissionExponent = in.F32();
+        q.ImfpExponent = in.F32();
+        if (!Finite(q.SourceEnergy) || q.SourceEnergy <= 0 || !Finite(q.TransmissionExponent) ||
+            !Finite(q.ImfpExponent))
+            throw ReadError("settings out of range");
+        const int count = in.I16();
+        if (count < 0 || count > kPeakSlots) throw ReadError("count out of range");
+        for (int i = 0; i < count; ++i) {
+            const int slot = in.I16();
+            const float rsf = in.F32();
+            if (slot < 0 || slot >= kPeakSlots || !Finite(rsf) || rsf < 0)
+                throw ReadError("RSF override out of range");
+            q.RsfOverride[slot] = rsf;
+        }
+        if (in.Remaining() != 0) throw ReadError("bytes after the fields");
+        quant = q;
+        return Status::Ok();
+    } catch (const ReadError& e) {
+        return Status::Error("Extension block ignored",
+                             "byte " + std::to_string(in.Position()) + ": " + e.what());
+    }
+}
 
 std::string ProjectFileBytes(Project& project) {
     if (project.Description.size() > static_cast<std::size_t>(kDescriptionLength))
@@ -176,6 +242,7 @@ std::string ProjectFileBytes(Project& project) {
     std::ostringstream bytes;
     BinaryWriter out(bytes);
     WriteProjectBytes(out, project);
+    WriteExtensionBlock(out, project);
     return std::move(bytes).str();
 }
 
@@ -188,7 +255,8 @@ bool HasProjectHeader(std::string_view bytes) {
            bytes.starts_with(kOldHeader);
 }
 
-Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead) {
+Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead,
+                        std::string* warning) {
     BinaryReader in(bytes);
     try {
         const Layout layout = ReadHeader(in);
@@ -207,23 +275,28 @@ Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descript
     const bool read = ReadDescription(in, description);
     if (read) project.Description = description;
     if (descriptionRead) *descriptionRead = read;
+    if (read && in.Remaining() > 0) {
+        const Status ext = ReadExtensionBlock(bytes.substr(in.Position()), project.Quant);
+        if (!ext && warning) *warning = ext.Text();
+    }
     return Status::Ok();
 }
 
-Status LoadProject(Project& project, Host& host, const std::string& path) {
+Status LoadProject(Project& project, Host& host, const std::string& path, std::string* warning) {
     std::string bytes;
     if (Status read = ReadFileBytes(path, kMaxProjectFileBytes, msg::kErrorReadingFile, bytes);
         !read)
         return read;
-    return WithFileName(LoadProjectBytes(project, host, bytes), path);
+    return WithFileName(LoadProjectBytes(project, host, bytes, warning), path);
 }
 
-Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes) {
+Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes,
+                        std::string* warning) {
     // Read into a copy: a file that cannot be read leaves the open project as it was.
     Project read = project;
     ClearProject(read, QuietHost());
     bool descriptionRead = false;
-    if (Status st = ReadProjectBytes(bytes, read, &descriptionRead); !st) return st;
+    if (Status st = ReadProjectBytes(bytes, read, &descriptionRead, warning); !st) return st;
     ClearProject(project, host);
     project = std::move(read);
     if (descriptionRead) host.DescriptionChanged(project.Description);

@@ -13,6 +13,8 @@ namespace molvera {
 /// The bytes of the project file in version 4.0 (Description first cut to 128 characters).
 std::string ProjectFileBytes(Project& project);
 
+/// (Followed by the extension block when the quantification settings are not the defaults.)
+
 /// Writes the whole project in version 4.0. Description is first cut to 128
 /// characters (and kept so). The previous file survives any failure
 /// ("Error in writing file").
@@ -25,14 +27,25 @@ bool HasProjectHeader(std::string_view bytes);
 /// regions and peak slots the file holds, the tail, and the description when the file
 /// has one (`descriptionRead`). Refuses with "Wrong file format" or "Error in reading
 /// file" and a detail (the byte where reading stopped); the records read until then stay.
-Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead = nullptr);
+/// An extension block after the description that cannot be read is ignored and described
+/// in `warning`; it never fails the read.
+Status ReadProjectBytes(std::string_view bytes, Project& project, bool* descriptionRead = nullptr,
+                        std::string* warning = nullptr);
+
+/// The extension block (tag, version, length, fields) into `quant`; refused ("Extension
+/// block ignored" and where) when it is truncated, garbled or of an unknown version, `quant`
+/// then unchanged.
+Status ReadExtensionBlock(std::string_view bytes, QuantSettings& quant);
 
 /// Open XPS: replaces the project by the file's, recomputes every region with a
 /// background and peaks, and reports the whole project. Returns the refusal ("Wrong file
 /// format", "Error in reading file") for the caller to show; the project is then unchanged.
-Status LoadProject(Project& project, Host& host, const std::string& path);
+/// `warning`: why an extension block was ignored, empty when none was.
+Status LoadProject(Project& project, Host& host, const std::string& path,
+                   std::string* warning = nullptr);
 
 /// The same on the bytes of a project file.
-Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes);
+Status LoadProjectBytes(Project& project, Host& host, std::string_view bytes,
+                        std::string* warning = nullptr);
 
 }  // namespace molvera

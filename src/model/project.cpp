@@ -90,6 +90,7 @@ void ClearPeakSlot(Project& project, int slot) {
         c.Operation = 0;
         c.Argument = 0;
     }
+    project.Quant.RsfOverride[slot] = 0;
 }
 
 void SetNewPeakDefaults(Peak& p, int region) {
@@ -113,6 +114,7 @@ void ClearProject(Project& project, Host& host) {
         r.Shift = 0;
     }
     for (int slot = 0; slot < kPeakSlots; ++slot) ClearPeakSlot(project, slot);
+    project.Quant = QuantSettings{};
     host.ProjectCleared();
 }
 

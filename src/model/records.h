@@ -149,6 +149,19 @@ struct PeakConstraint {
 };
 
 /// The whole working state of the program.
+/// Quantification settings: the X-ray source energy (eV), the exponents of the analyser
+/// transmission (T ~ E_kin^a) and of the inelastic mean free path (lambda ~ E_kin^b), and
+/// per peak slot an RSF that replaces the computed one (0: computed). Stored in the
+/// project file's extension block, not in the classic records.
+struct QuantSettings {
+    float SourceEnergy = 1486.6f;  ///< Al K alpha
+    float TransmissionExponent = -0.5f;
+    float ImfpExponent = 0.7f;
+    std::array<float, kPeakSlots> RsfOverride{};
+
+    bool operator==(const QuantSettings&) const = default;
+};
+
 struct Project {
     std::array<Region, kRegionCount> Regions;
     std::array<Peak, kPeakSlots> Peaks;
@@ -164,6 +177,7 @@ struct Project {
     std::string FileName;
     Flag KeepAreas = 0;
     FitOptions Options;
+    QuantSettings Quant;
     bool StopRequested = false;
     Flag Idle = kTrue;  ///< cleared while the program is busy (Tougaard B1 search)
 

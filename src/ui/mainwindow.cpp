@@ -199,10 +199,12 @@ void MainWindow::OpenProjectCommand() {
 }
 
 void MainWindow::LoadProjectFile(const std::string& path) {
-    if (Status st = LoadProject(project_, host_, path); !st) {
+    std::string warning;
+    if (Status st = LoadProject(project_, host_, path, &warning); !st) {
         host_.Show(st);
         return;
     }
+    if (!warning.empty()) host_.ShowWarnings({warning});
     project_.FileName = path;
     MarkSaved(path);
     if (projectReplaced) projectReplaced();

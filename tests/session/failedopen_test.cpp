@@ -33,10 +33,13 @@ const std::string kMissing = "\x01missing";
 
 TEST(FailedOpen, ChangesNothing) {
     const std::string xps = Corpus("project/c1s_three_peaks.xps");
+    const Open loadProject = [](Project& p, Host& h, const std::string& f) {
+        return LoadProject(p, h, f);
+    };
     std::vector<Case> cases = {
-        {"project, wrong format", "not a project\n", LoadProject},
-        {"project, truncated", FirstHalf(xps), LoadProject},
-        {"project, unreadable", kMissing, LoadProject},
+        {"project, wrong format", "not a project\n", loadProject},
+        {"project, truncated", FirstHalf(xps), loadProject},
+        {"project, unreadable", kMissing, loadProject},
         {"region parameters, truncated", FirstHalf(Corpus("regionparams/c1s_three_peaks.rpa")),
          LoadRegionParameters},
         {"region parameters, unreadable", kMissing, LoadRegionParameters},

@@ -1,0 +1,56 @@
+#pragma once
+// Quantification: relative sensitivity factors from xraylib's subshell photoionisation
+// cross-sections, core-level suggestions from its edge energies, and atomic percentages.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/records.h"
+
+namespace molvera {
+
+constexpr double kAlKaEnergy = 1486.6;  ///< eV
+constexpr double kMgKaEnergy = 1253.6;  ///< eV
+
+/// The RSF of a core level ("C 1s", "Fe 2p3/2", "Fe 2p" for both spin-orbit parts) at the
+/// photon energy `sourceEV`: its photoionisation cross-section divided by that of C 1s at
+/// the same energy (so C 1s is 1). Nothing for a label that names no element and level, or
+/// a level the photon cannot ionise.
+std::optional<double> DefaultRsf(std::string_view label, double sourceEV);
+
+/// The core levels whose binding energy lies within `windowEV` of `bindingEV`, nearest
+/// first, as labels ("C 1s", "Fe 2p3/2").
+std::vector<std::string> SuggestLabels(double bindingEV, double windowEV = 5.0);
+
+/// One row of the quantification table.
+struct QuantRow {
+    int slot = 0;
+    int region = 0;
+    std::string label;  ///< trimmed; empty: listed, not counted
+    float position = 0;
+    float area = 0;
+    double rsf = 0;             ///< override or default; 0 when none is known
+    double normalisedArea = 0;  ///< area / (RSF * T * lambda), 0 when not counted
+};
+
+/// The totals per label, in the order the labels first appear.
+struct QuantElement {
+    std::string label;
+    double normalisedArea = 0;
+    double atomicPercent = 0;
+};
+
+struct QuantTable {
+    std::vector<QuantRow> peaks;
+    std::vector<QuantElement> elements;
+};
+
+/// The table over every in-use peak of the regions with data: normalised area =
+/// area / (RSF * E_kin^a * E_kin^b) with E_kin = source energy - position; peaks with the
+/// same label summed; atomic % of each label over all labels. Peaks without a label, an
+/// RSF or a positive kinetic energy are listed and not counted.
+QuantTable Quantify(const Project& project);
+
+}  // namespace molvera
