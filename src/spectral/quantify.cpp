@@ -114,6 +114,7 @@ std::vector<std::string> SuggestLabels(double bindingEV, double windowEV) {
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<std::string> labels;
+    labels.reserve(found.size());
     for (auto& f : found) labels.push_back(std::move(f.second));
     return labels;
 }
