@@ -7,7 +7,7 @@ CMAKE_GEN  := -G Ninja
 
 # Debian packages the build, the tests and the program need.
 PACKAGES := cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchmark-dev libceres-dev \
-            nlohmann-json3-dev libxrl-dev qt6-base-dev qt6-svg-dev fontconfig fonts-dejavu-core
+            nlohmann-json3-dev libcli11-dev libxrl-dev qt6-base-dev qt6-svg-dev fontconfig fonts-dejavu-core
 
 SUDO := $(shell [ "$$(id -u)" = 0 ] || echo sudo)
 

@@ -49,14 +49,10 @@ bool ShardArg(const std::string& text, int& shard, int& count) {
 
 }  // namespace
 
-int RunBatch(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
+int RunBatch(const Args& args) {
     const std::vector<std::string>& files = args.Positional();
     if (files.empty())
         return Fail("no spectrum files given\nusage: " + std::string(Usage("batch")));
-    if (!CheckArgs(args, {"model", "region", "format", "jobs", "shard", "plots", "o"}, files.size(),
-                   Usage("batch")))
-        return kExitUsage;
     if (!args.Has("model"))
         return Fail("no model given (--model FILE.rpa | PROJECT.xps --region N)");
     if (!args.Has("o")) return Fail("no output file given (-o RESULTS.csv)");
@@ -108,11 +104,9 @@ int RunBatch(int argc, char** argv) {
     return 0;
 }
 
-int RunMerge(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
+int RunMerge(const Args& args) {
     const std::size_t count = args.Positional().size();
     if (count == 0) return Fail("no results files given\nusage: " + std::string(Usage("merge")));
-    if (!CheckArgs(args, {"o"}, count, Usage("merge"))) return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o ALL.csv)");
     std::vector<std::string> contents(count);
     for (std::size_t k = 0; k < count; ++k)

@@ -17,9 +17,6 @@ namespace molvera::cli {
 
 namespace {
 
-const std::set<std::string> kPeakOptions = {"position",  "fwhm", "area", "height", "gl", "type",
-                                            "splitting", "ts",   "tl",   "fix",    "o"};
-
 // Loads the options and the input project of a command with one file argument.
 bool Prepare(const Args& args, Session& s, int& exitCode) {
     if (Status st = LoadOptions(args, s); !st) {
@@ -118,18 +115,13 @@ int PeakSlotArg(const Args& args, const Project& project, int& slot) {
 
 }  // namespace
 
-int RunBackground(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"region", "type", "low", "high", "average", "param", "o"}, 1,
-                   Usage("background")))
-        return kExitUsage;
+int RunBackground(const Args& args) {
     auto region = RegionArg(args);
     if (!region) return Fail("--region takes a region number 1..10");
     auto type = args.Value("type");
     if (!type || (*type != "shirley" && *type != "linear" && *type != "tougaard"))
         return Fail("--type is shirley, linear or tougaard");
     if (!args.Has("low") || !args.Has("high")) return Fail("--low and --high are needed");
-    if (auto refused = NotANumberOption(args, "param")) return *refused;  // a name elsewhere
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;
@@ -167,11 +159,7 @@ int RunBackground(int argc, char** argv) {
     return 0;
 }
 
-int RunAddPeak(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    std::set<std::string> known = kPeakOptions;
-    known.insert("region");
-    if (!CheckArgs(args, known, 1, Usage("add-peak"))) return kExitUsage;
+int RunAddPeak(const Args& args) {
     auto region = RegionArg(args);
     if (!region) return Fail("--region takes a region number 1..10");
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
@@ -194,12 +182,7 @@ int RunAddPeak(int argc, char** argv) {
     return 0;
 }
 
-int RunEditPeak(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    std::set<std::string> known = kPeakOptions;
-    known.insert("peak");
-    known.insert("free");
-    if (!CheckArgs(args, known, 1, Usage("edit-peak"))) return kExitUsage;
+int RunEditPeak(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;
@@ -211,9 +194,7 @@ int RunEditPeak(int argc, char** argv) {
     return 0;
 }
 
-int RunDeletePeak(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"peak", "o"}, 1, Usage("delete-peak"))) return kExitUsage;
+int RunDeletePeak(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;

@@ -87,9 +87,7 @@ Json FitJson(const Project& project, const FitSummary& summary, const Uncertaint
 
 }  // namespace
 
-int RunFit(int argc, char** argv) {
-    Args args(argc, argv, 2, {"all", "json"});
-    if (!CheckArgs(args, {"region", "all", "json", "o"}, 1, Usage("fit"))) return kExitUsage;
+int RunFit(const Args& args) {
     if (args.Has("region") == args.Has("all")) return Fail("give --region N or --all");
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
@@ -124,12 +122,7 @@ int RunFit(int argc, char** argv) {
     return 0;
 }
 
-int RunConstrain(int argc, char** argv) {
-    Args args(argc, argv, 2, {"unlink", "no-limits"});
-    if (!CheckArgs(args,
-                   {"peak", "param", "link", "op", "arg", "unlink", "limits", "no-limits", "o"}, 1,
-                   Usage("constrain")))
-        return kExitUsage;
+int RunConstrain(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     const std::string param = args.Value("param").value_or("");
     const std::optional<PeakParameter> kind = ParameterArg(param);

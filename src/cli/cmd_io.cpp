@@ -56,10 +56,8 @@ int RegionWithData(const Args& args, Session& s, bool needBackground) {
     return 0;
 }
 
-int ExportCommand(int argc, char** argv, const char* name, bool needBackground,
+int ExportCommand(const Args& args, bool needBackground,
                   Status (*write)(const Project&, const std::string&)) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"region", "o"}, 1, Usage(name))) return kExitUsage;
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;
@@ -75,9 +73,7 @@ int ExportCommand(int argc, char** argv, const char* name, bool needBackground,
 
 }  // namespace
 
-int RunImport(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"into", "region", "o"}, 2, Usage("import"))) return kExitUsage;
+int RunImport(const Args& args) {
     const ImportFormat* format = FindImportFormat(args.Positional()[0]);
     if (!format) {
         std::string names;
@@ -109,17 +105,11 @@ int RunImport(int argc, char** argv) {
     return 0;
 }
 
-int RunExportSpectrum(int argc, char** argv) {
-    return ExportCommand(argc, argv, "export-spectrum", false, ExportSpectrum);
-}
+int RunExportSpectrum(const Args& args) { return ExportCommand(args, false, ExportSpectrum); }
 
-int RunExportPeaks(int argc, char** argv) {
-    return ExportCommand(argc, argv, "export-peaks", true, ExportPeakParameters);
-}
+int RunExportPeaks(const Args& args) { return ExportCommand(args, true, ExportPeakParameters); }
 
-int RunSaveParams(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"region", "o"}, 1, Usage("save-params"))) return kExitUsage;
+int RunSaveParams(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE.rpa)");
     Session s;
     int code = 0;
@@ -133,9 +123,7 @@ int RunSaveParams(int argc, char** argv) {
     return 0;
 }
 
-int RunApplyParams(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"region", "o"}, 2, Usage("apply-params"))) return kExitUsage;
+int RunApplyParams(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     int code = 0;

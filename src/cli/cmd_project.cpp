@@ -13,9 +13,7 @@
 
 namespace molvera::cli {
 
-int RunDump(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {}, 1, Usage("dump"))) return kExitUsage;
+int RunDump(const Args& args) {
     Session s;
     if (Status st = LoadOptions(args, s); !st) return Refused(st);
     if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
@@ -23,9 +21,7 @@ int RunDump(int argc, char** argv) {
     return 0;
 }
 
-int RunSave(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {"o"}, 1, Usage("save"))) return kExitUsage;
+int RunSave(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE)");
     Session s;
     if (Status st = LoadOptions(args, s); !st) return Refused(st);
@@ -34,9 +30,7 @@ int RunSave(int argc, char** argv) {
     return 0;
 }
 
-int RunDumpOptions(int argc, char** argv) {
-    Args args(argc, argv, 2, {});
-    if (!CheckArgs(args, {}, 1, Usage("dump-options"))) return kExitUsage;
+int RunDumpOptions(const Args& args) {
     Session s;
     if (Status st = ReadOptionFile(s.project.Options, args.Positional()[0]); !st)
         return Refused(st);
@@ -85,16 +79,7 @@ bool ApplyLevelSpec(const std::string& levelText, std::size_t numbers,
 
 }  // namespace
 
-int RunOptions(int argc, char** argv) {
-    Args args(argc, argv, 2, {"gl-sum", "gl-product"});
-    const std::set<std::string> known = {"from",          "method",
-                                         "search-trials", "newton-trials",
-                                         "tolerance",     "pos-search",
-                                         "area-search",   "fwhm-search",
-                                         "pos-newton",    "area-newton",
-                                         "fwhm-newton",   "gl-sum",
-                                         "gl-product",    "o"};
-    if (!CheckArgs(args, known, 0, Usage("options"))) return kExitUsage;
+int RunOptions(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o FILE.opa)");
     if (args.Has("gl-sum") && args.Has("gl-product"))
         return Fail("--gl-sum and --gl-product exclude each other");

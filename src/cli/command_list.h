@@ -3,41 +3,33 @@
 
 #include <string>
 
-#include "cli/args.h"
+#include "cli/common.h"
 
 namespace molvera::cli {
 
-struct Command {
-    const char* name;
-    const char* usage;
-    const char* summary;
-    int (*run)(int argc, char** argv);
-};
-
-/// The command of that name, or nullptr.
-const Command* FindCommand(const std::string& name);
 /// Usage line of a command.
 const char* Usage(const char* name);
 
-int RunDump(int argc, char** argv);
-int RunDumpOptions(int argc, char** argv);
-int RunSave(int argc, char** argv);
-int RunOptions(int argc, char** argv);
-int RunImport(int argc, char** argv);
-int RunBackground(int argc, char** argv);
-int RunAddPeak(int argc, char** argv);
-int RunEditPeak(int argc, char** argv);
-int RunDeletePeak(int argc, char** argv);
-int RunExportSpectrum(int argc, char** argv);
-int RunExportPeaks(int argc, char** argv);
-int RunSaveParams(int argc, char** argv);
-int RunApplyParams(int argc, char** argv);
-int RunFit(int argc, char** argv);
-int RunConstrain(int argc, char** argv);
-int RunRender(int argc, char** argv);
-int RunReport(int argc, char** argv);
-int RunBatch(int argc, char** argv);
-int RunMerge(int argc, char** argv);
+int RunDump(const Args& args);
+int RunDumpOptions(const Args& args);
+int RunSave(const Args& args);
+int RunOptions(const Args& args);
+int RunImport(const Args& args);
+int RunBackground(const Args& args);
+int RunAddPeak(const Args& args);
+int RunEditPeak(const Args& args);
+int RunDeletePeak(const Args& args);
+int RunExportSpectrum(const Args& args);
+int RunExportPeaks(const Args& args);
+int RunSaveParams(const Args& args);
+int RunApplyParams(const Args& args);
+int RunFit(const Args& args);
+int RunConstrain(const Args& args);
+int RunRender(const Args& args);
+int RunReport(const Args& args);
+int RunBatch(const Args& args);
+int RunMerge(const Args& args);
+int RunCompletion(const Args& args);
 
 /// batch --plots PREFIX: PREFIX-position.png, -fwhm, -area, -gl and -chi_square.png, each
 /// value of every peak against the spectrum index (or the VAMAS experimental variable when

@@ -11,7 +11,6 @@
 #include "base/numtext.h"
 #include "fileio/optionfile.h"
 #include "fileio/projectfile.h"
-#include "session/formnumber.h"
 #include "spectral/warnings.h"
 
 namespace molvera::cli {
@@ -22,55 +21,17 @@ namespace {
 void OnInterrupt(int) {
     if (gInterrupted.exchange(true)) _exit(130);
 }
-
-// The options that take a number (and background's --param), and those that take
-// numbers between ":" (a level may also be "off").
-const std::set<std::string> kNumberOptions = {"region",
-                                              "peak",
-                                              "low",
-                                              "high",
-                                              "average",
-                                              "position",
-                                              "fwhm",
-                                              "area",
-                                              "gl",
-                                              "ts",
-                                              "tl",
-                                              "height",
-                                              "splitting",
-                                              "link",
-                                              "arg",
-                                              "search-trials",
-                                              "newton-trials",
-                                              "tolerance"};
-const std::set<std::string> kNumberListOptions = {"limits",      "pos-search", "area-search",
-                                                  "fwhm-search", "pos-newton", "area-newton",
-                                                  "fwhm-newton"};
-
-// "--gl: 'abc' is not a number" for the first numeric option given something else.
-std::string BadNumber(const Args& args) {
-    for (const std::string& name : kNumberOptions)
-        for (const std::string& value : args.Values(name))
-            if (!BoxNumber(value)) return NotANumber("--" + name, value).message();
-    for (const std::string& name : kNumberListOptions) {
-        for (const std::string& value : args.Values(name)) {
-            std::size_t start = 0;
-            for (std::size_t colon = 0; colon != std::string::npos; start = colon + 1) {
-                colon = value.find(':', start);
-                const std::string part = value.substr(start, colon - start);
-                if (part != "off" && !BoxNumber(part))
-                    return NotANumber("--" + name, part).message();
-            }
-        }
-    }
-    return {};
-}
 }  // namespace
 
-std::optional<int> NotANumberOption(const Args& args, const std::string& name) {
-    const std::optional<std::string> value = args.Value(name);
-    if (!value || BoxNumber(*value)) return std::nullopt;
-    return Fail(NotANumber("--" + name, *value).message());
+std::optional<std::string> Args::Value(const std::string& name) const {
+    const auto it = options.find(name);
+    if (it == options.end() || it->second.empty()) return std::nullopt;
+    return it->second.back();
+}
+
+std::vector<std::string> Args::Values(const std::string& name) const {
+    const auto it = options.find(name);
+    return it == options.end() ? std::vector<std::string>() : it->second;
 }
 
 void InstallInterruptHandler() { std::signal(SIGINT, OnInterrupt); }
@@ -153,26 +114,6 @@ void Print(const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str())
 int Refused(const Status& status) {
     Print(status);
     return kExitRefused;
-}
-
-bool CheckArgs(const Args& args, const std::set<std::string>& known, std::size_t positional,
-               const char* usage) {
-    std::set<std::string> all = known;
-    all.insert("help");
-    all.insert("options");
-    std::string problem;
-    if (!args.MissingValue().empty()) {
-        problem = "option --" + args.MissingValue() + " needs a value";
-    } else if (auto unknown = args.Unknown(all); !unknown.empty()) {
-        problem = "unknown option " + unknown.front();
-    } else if (args.Positional().size() != positional) {
-        problem = "expected " + std::to_string(positional) + " file argument(s)";
-    } else {
-        problem = BadNumber(args);
-    }
-    if (problem.empty()) return true;
-    std::fprintf(stderr, "molvera-cli: %s\nusage: %s\n", problem.c_str(), usage);
-    return false;
 }
 
 }  // namespace molvera::cli

@@ -2,16 +2,31 @@
 // What every molvera-cli command shares: the host, loading and saving, argument checks.
 
 #include <atomic>
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "base/status.h"
-#include "cli/args.h"
 #include "model/records.h"
 #include "session/sessionhost.h"
 
 namespace molvera::cli {
+
+/// A command line as the parser sorted it: the file arguments in order, and every value
+/// given to each option, by its name without the dashes ("region", "o"); a flag holds a
+/// value for each time it is given.
+struct Args {
+    std::vector<std::string> files;
+    std::map<std::string, std::vector<std::string>> options;
+
+    const std::vector<std::string>& Positional() const { return files; }
+    bool Has(const std::string& name) const { return options.count(name) > 0; }
+    /// The last value given.
+    std::optional<std::string> Value(const std::string& name) const;
+    /// Every value given for an option that may repeat.
+    std::vector<std::string> Values(const std::string& name) const;
+};
 
 /// The host of a command: nothing to show; Ctrl-C asks a running fit to stop.
 class CliHost : public SessionHost {
@@ -56,11 +71,6 @@ std::optional<int> RegionArg(const Args& args, const std::string& name = "region
 /// "position", "area", "fwhm" or "gl" as the parameter it names.
 std::optional<PeakParameter> ParameterArg(const std::string& text);
 
-/// The refusal (printed, and its exit code) of an option that is given something other
-/// than a number; nothing when it holds one or is not given. CheckArgs checks the options
-/// that take numbers in every command.
-std::optional<int> NotANumberOption(const Args& args, const std::string& name);
-
 /// A whole number option in [lo, hi].
 std::optional<int> IntArg(const Args& args, const std::string& name, int lo, int hi);
 
@@ -77,11 +87,6 @@ void Print(const std::string& text);
 
 /// A refusal: printed, and the exit code for a refusal.
 int Refused(const Status& status);
-
-/// Checks the options given against the known ones and the positional count; prints
-/// the problem and the usage and returns false when they do not fit.
-bool CheckArgs(const Args& args, const std::set<std::string>& known, std::size_t positional,
-               const char* usage);
 
 constexpr int kExitRefused = 1;
 constexpr int kExitUsage = 2;

@@ -7,8 +7,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -98,7 +100,9 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
          "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
          "\"SF\")\n"},
         {"frobnicate", 2, ""},
-        {"save p.xps --bogus 1 -o o.xps", 2, ""},
+        {"save p.xps --bogus 1 -o o.xps", 2, "unknown option --bogus\nusage: molvera-cli save"},
+        {"save p.xps o.xps", 2, "expected 1 file argument(s)"},
+        {"fit p.xps --all -o", 2, "option -o needs a value"},
     };
     for (const auto& [args, code, err] : cases) {
         const CliRun r = Cmd(args);
@@ -146,6 +150,7 @@ TEST_F(Cli, EveryNumericOptionRefusesWhatIsNotANumberAndWritesNothing) {
         {"pos-newton", opt + "--pos-newton 1:@", "0.01"},
         {"area-newton", opt + "--area-newton 1:@", "1"},
         {"fwhm-newton", opt + "--fwhm-newton 1:@", "0.01"},
+        {"jobs", "batch --model p.xps --region 1 '" + spectrum + "' --jobs @", "1"},
     };
     for (const Row& row : rows) {
         for (const char* value : {row.good, "abc", "1e999", "nan", ""}) {
@@ -191,6 +196,62 @@ TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
     const auto j = nlohmann::json::parse(Cmd("dump-options o.opa").out);
     EXPECT_TRUE(j["Method"] == 1.0 && j["SearchTrials"] == 2 && j["GLSum"] == -1);  // 2.5 to even
     EXPECT_EQ(j["PositionNewton"][1]["Delta"].get<float>(), 0.05f);
+}
+
+// Every command the overview lists with its usage has a help whose options include
+// every option of the usage; the version is the build's.
+TEST_F(Cli, EveryCommandHasAHelpNamingItsOptions) {
+    EXPECT_EQ(Cmd("--version").out, "molvera-cli " MOLVERA_VERSION "\n");
+    const std::string overview = Cmd("--help").out;
+    std::string words;  // the overview with its line breaks and indents as single blanks
+    std::istringstream in(overview);
+    for (std::string word; in >> word;) words += " " + word;
+    std::size_t commands = 0;
+    std::istringstream lines(overview.substr(overview.find("\nCommands:\n") + 11));
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        if (line[2] == ' ') continue;
+        const std::string command = line.substr(2, line.find(' ', 2) - 2);
+        const CliRun r = Cmd(command + " --help");
+        const std::string usage = r.out.substr(7, r.out.find('\n') - 7);
+        ++commands;
+        EXPECT_EQ(r.code, 0) << command;
+        EXPECT_EQ(r.out.rfind("usage: molvera-cli " + command + " ", 0), 0u) << r.out;
+        EXPECT_NE(words.find(" " + usage + " "), std::string::npos) << usage;
+        for (std::size_t dash = usage.find(" -"); dash != std::string::npos;
+             dash = usage.find(" -", dash + 1)) {
+            const std::string name =
+                usage.substr(dash + 1, usage.find_first_of(" ]|)", dash + 1) - dash - 1);
+            EXPECT_NE(r.out.find("\n  " + name + " "), std::string::npos) << command << name;
+        }
+    }
+    EXPECT_GE(commands, 18u) << overview;
+}
+
+// The script the build writes, sourced in bash: what it offers for the word under the cursor.
+TEST_F(Cli, CompletionOffersCommandsOptionsChoicesAndFilesByExtension) {
+    fs::create_directory(dir / "sub");
+    for (const char* name : {"a.xps", "b.rpa", "c.opa"}) WriteBytes(dir / name, "");
+    const std::pair<const char*, const char*> cases[] = {
+        {"ba", "background batch"},
+        {"fit p.xps --re", "--region"},
+        {"background p.xps --type t", "tougaard"},
+        {"constrain p.xps --op ", "* + - /"},
+        {"apply-params --region 1 a.xps ", "b.rpa sub"},  // the second file is a .rpa
+        {"fit p.xps --options ", "c.opa default.opa sub"},
+        {"fit --json ", "a.xps sub"},  // a flag takes no value
+    };
+    for (const auto& [line, offered] : cases) {
+        const std::string script =
+            "source '" MOLVERA_CLI_COMPLETION "'; COMP_WORDS=(molvera-cli " + std::string(line) +
+            (std::string(line).ends_with(' ') ? "''" : "") +
+            "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _molvera_cli; "
+            "printf '%s\\n' \"${COMPREPLY[@]}\" | LC_ALL=C sort | paste -sd ' '";
+        WriteBytes(dir / "complete.sh", script);
+        const int status =
+            std::system(("cd '" + dir.string() + "' && bash complete.sh > out.txt").c_str());
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+        EXPECT_EQ(ReadBytes(dir / "out.txt"), std::string(offered) + "\n") << line;
+    }
 }
 
 TEST(JsonFloat, ReadsBackToTheSameSingle) {

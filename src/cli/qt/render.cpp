@@ -52,10 +52,7 @@ bool WriteSvg(const Project& project, const std::string& path, bool withPeaks) {
 
 }  // namespace
 
-int RunRender(int argc, char** argv) {
-    Args args(argc, argv, 2, {"with-peaks"});
-    if (!CheckArgs(args, {"region", "o", "with-peaks", "options"}, 1, Usage("render")))
-        return kExitUsage;
+int RunRender(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o OUT.png, OUT.pdf or OUT.svg)");
     const std::string out = *args.Value("o");
     const std::string ext = LowerExtension(out);
@@ -74,7 +71,8 @@ int RunRender(int argc, char** argv) {
     // Drawing needs a Qt application; without a display it draws off-screen.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     int qtArgc = 1;
-    char* qtArgv[] = {argv[0], nullptr};
+    char name[] = "molvera-cli";
+    char* qtArgv[] = {name, nullptr};
     QGuiApplication app(qtArgc, qtArgv);
 
     const bool withPeaks = args.Has("with-peaks");

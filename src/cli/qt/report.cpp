@@ -22,9 +22,7 @@ std::string BaseName(const std::string& path) {
 
 }  // namespace
 
-int RunReport(int argc, char** argv) {
-    Args args(argc, argv, 2, {"all"});
-    if (!CheckArgs(args, {"region", "all", "o", "options"}, 1, Usage("report"))) return kExitUsage;
+int RunReport(const Args& args) {
     if (!args.Has("o")) return Fail("no output file given (-o OUT.csv, OUT.json or OUT.html)");
     if (args.Has("region") && args.Has("all")) return Fail("give --region N or --all, not both");
     const std::string out = *args.Value("o");
@@ -49,7 +47,8 @@ int RunReport(int argc, char** argv) {
     // The page's pictures need a Qt application; without a display it draws off-screen.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     int qtArgc = 1;
-    char* qtArgv[] = {argv[0], nullptr};
+    char name[] = "molvera-cli";
+    char* qtArgv[] = {name, nullptr};
     QGuiApplication app(qtArgc, qtArgv);
     const std::string text = *ui::ReportText(s.project, regions, out, BaseName(input));
     if (Status st = WriteFileBytes(out, text, msg::kErrorSavingFile); !st) return Refused(st);

@@ -1,0 +1,120 @@
+#include "cli/completion.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+
+namespace molvera::cli {
+
+namespace {
+
+// The script's helper: completes the word under the cursor from an action, "=WORDS" those
+// words, ".EXTS" folders and the files ending in one of EXTS (either case), "." any file,
+// "" nothing.
+constexpr const char* kOffer =
+    R"(# bash completion for molvera-cli (written by `molvera-cli completion bash`)
+
+_molvera_cli_offer() {
+    local cur=${COMP_WORDS[COMP_CWORD]} ext
+    case $1 in
+    =*) mapfile -t COMPREPLY < <(compgen -W "${1#=}" -- "$cur") ;;
+    .) compopt -o filenames 2>/dev/null
+       mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
+    .*) compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -d -- "$cur"
+            for ext in ${1#.}; do
+                compgen -f -X "!*.$ext" -- "$cur"
+                compgen -f -X "!*.${ext^^}" -- "$cur"
+            done) ;;
+    esac
+}
+
+)";
+
+// What completion offers for a value named `value` in the help: the words of
+// "shirley|linear|tougaard"; the files with the extensions of "FILE.rpa|PROJECT.xps"; any
+// file for a file argument that names none ("FILES..."); nothing for a number ("N").
+std::string Action(const std::string& value, bool file) {
+    if (!value.empty() &&
+        std::none_of(value.begin(), value.end(), [](unsigned char c) { return std::isupper(c); })) {
+        std::string words = value;
+        std::replace(words.begin(), words.end(), '|', ' ');
+        return "=" + words;
+    }
+    std::string extensions;
+    std::size_t start = 0;
+    for (std::size_t bar = 0; bar != std::string::npos; start = bar + 1) {
+        bar = value.find('|', start);
+        std::string part = value.substr(start, bar - start);
+        if (part.ends_with("...")) part.resize(part.size() - 3);
+        if (const std::size_t dot = part.rfind('.'); dot != std::string::npos)
+            extensions += " " + part.substr(dot + 1);
+    }
+    if (!extensions.empty()) return "." + extensions.substr(1);
+    return file ? "." : "";
+}
+
+}  // namespace
+
+std::string BashCompletion(const CLI::App& app) {
+    std::string commands;
+    std::string cases;
+    for (const CLI::App* sub : app.get_subcommands({})) {
+        commands += sub->get_name() + " ";
+        std::string options, values, files, prev;
+        bool many = false;
+        for (const CLI::Option* o : sub->get_options()) {
+            if (o->get_positional()) {
+                const std::string value = o->get_type_name();
+                files += (files.empty() ? "'" : " '") +
+                         Action(value.empty() ? o->get_name() : value, true) + "'";
+                many = o->get_expected_max() > 1;
+                continue;
+            }
+            options += " " + o->get_name();
+            if (o->get_expected_max() == 0) continue;  // a flag
+            values += " " + o->get_name();
+            prev += "        " + o->get_name() + ") _molvera_cli_offer '" +
+                    Action(o->get_type_name(), false) + "'; return ;;\n";
+        }
+        cases += "    " + sub->get_name() + ")\n        options='" + options.substr(1) +
+                 "'\n        values='" + values + " '\n        files=(" + files + ")\n" +
+                 "        many=" + (many ? "1" : "0") + "\n        case $prev in\n" + prev +
+                 "        esac ;;\n";
+    }
+    return std::string(kOffer) +
+           "_molvera_cli() {\n"
+           "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n"
+           "    COMPREPLY=()\n"
+           "    if ((COMP_CWORD == 1)); then\n"
+           "        _molvera_cli_offer '=" +
+           commands +
+           "--help --version'\n"
+           "        return\n"
+           "    fi\n"
+           "    local options values files many i n=0\n"
+           "    case ${COMP_WORDS[1]} in\n" +
+           cases +
+           "    *) return ;;\n"
+           "    esac\n"
+           "    if [[ $cur == -* ]]; then\n"
+           "        _molvera_cli_offer \"=$options\"\n"
+           "        return\n"
+           "    fi\n"
+           "    # The file argument under the cursor: the words before it that are neither\n"
+           "    # options nor their values; the last one repeats when it takes many files.\n"
+           "    for ((i = 2; i < COMP_CWORD; i++)); do\n"
+           "        if [[ ${COMP_WORDS[i]} != -* ]]; then\n"
+           "            ((++n))\n"
+           "        elif [[ $values == *\" ${COMP_WORDS[i]} \"* ]]; then\n"
+           "            ((++i))\n"
+           "        fi\n"
+           "    done\n"
+           "    ((many && n >= ${#files[@]})) && n=$((${#files[@]} - 1))\n"
+           "    ((n < ${#files[@]})) && _molvera_cli_offer \"${files[n]}\"\n"
+           "}\n"
+           "\n"
+           "complete -F _molvera_cli molvera-cli\n";
+}
+
+}  // namespace molvera::cli
