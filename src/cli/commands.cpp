@@ -317,8 +317,9 @@ std::unique_ptr<CLI::App> CommandApp(const CommandDef& c) {
     app->allow_extras();  // reported below with today's messages
     app->option_defaults()->group("options");
     for (const Opt& f : c.files) {
-        const std::string name = f.name;
-        const bool many = name.size() > 3 && name.ends_with("...");
+        std::string name = f.name;
+        const bool many = name.ends_with("...");
+        if (many) name.resize(name.size() - 3);  // the help shows "FILES ..."
         CLI::Option* o = app->add_option(name, f.help)->type_name(f.value ? f.value : "");
         if (many) o->expected(0, -1)->allow_extra_args();
     }

@@ -31,9 +31,45 @@ _molvera_cli_offer() {
 
 )";
 
+// The completion function: the commands after the program's name, then for the command
+// given (the cases written from the parser) the choices or files of the option before the
+// cursor, its options, or what its file argument under the cursor takes.
+constexpr const char* kStart = R"(_molvera_cli() {
+    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}
+    COMPREPLY=()
+    if ((COMP_CWORD == 1)); then
+        _molvera_cli_offer '=)";
+constexpr const char* kCommands = R"(--help --version'
+        return
+    fi
+    local options values files many i n=0
+    case ${COMP_WORDS[1]} in
+)";
+constexpr const char* kEnd = R"(    *) return ;;
+    esac
+    if [[ $cur == -* ]]; then
+        _molvera_cli_offer "=$options"
+        return
+    fi
+    # The file argument under the cursor: the words before it that are neither options
+    # nor their values; the last one repeats when it takes many files.
+    for ((i = 2; i < COMP_CWORD; i++)); do
+        if [[ ${COMP_WORDS[i]} != -* ]]; then
+            ((++n))
+        elif [[ $values == *" ${COMP_WORDS[i]} "* ]]; then
+            ((++i))
+        fi
+    done
+    ((many && n >= ${#files[@]})) && n=$((${#files[@]} - 1))
+    ((n < ${#files[@]})) && _molvera_cli_offer "${files[n]}"
+}
+
+complete -F _molvera_cli molvera-cli
+)";
+
 // What completion offers for a value named `value` in the help: the words of
 // "shirley|linear|tougaard"; the files with the extensions of "FILE.rpa|PROJECT.xps"; any
-// file for a file argument that names none ("FILES..."); nothing for a number ("N").
+// file for a file argument that names none ("FILES"); nothing for a number ("N").
 std::string Action(const std::string& value, bool file) {
     if (!value.empty() &&
         std::none_of(value.begin(), value.end(), [](unsigned char c) { return std::isupper(c); })) {
@@ -45,8 +81,7 @@ std::string Action(const std::string& value, bool file) {
     std::size_t start = 0;
     for (std::size_t bar = 0; bar != std::string::npos; start = bar + 1) {
         bar = value.find('|', start);
-        std::string part = value.substr(start, bar - start);
-        if (part.ends_with("...")) part.resize(part.size() - 3);
+        const std::string part = value.substr(start, bar - start);
         if (const std::size_t dot = part.rfind('.'); dot != std::string::npos)
             extensions += " " + part.substr(dot + 1);
     }
@@ -82,39 +117,7 @@ std::string BashCompletion(const CLI::App& app) {
                  "        many=" + (many ? "1" : "0") + "\n        case $prev in\n" + prev +
                  "        esac ;;\n";
     }
-    return std::string(kOffer) +
-           "_molvera_cli() {\n"
-           "    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}\n"
-           "    COMPREPLY=()\n"
-           "    if ((COMP_CWORD == 1)); then\n"
-           "        _molvera_cli_offer '=" +
-           commands +
-           "--help --version'\n"
-           "        return\n"
-           "    fi\n"
-           "    local options values files many i n=0\n"
-           "    case ${COMP_WORDS[1]} in\n" +
-           cases +
-           "    *) return ;;\n"
-           "    esac\n"
-           "    if [[ $cur == -* ]]; then\n"
-           "        _molvera_cli_offer \"=$options\"\n"
-           "        return\n"
-           "    fi\n"
-           "    # The file argument under the cursor: the words before it that are neither\n"
-           "    # options nor their values; the last one repeats when it takes many files.\n"
-           "    for ((i = 2; i < COMP_CWORD; i++)); do\n"
-           "        if [[ ${COMP_WORDS[i]} != -* ]]; then\n"
-           "            ((++n))\n"
-           "        elif [[ $values == *\" ${COMP_WORDS[i]} \"* ]]; then\n"
-           "            ((++i))\n"
-           "        fi\n"
-           "    done\n"
-           "    ((many && n >= ${#files[@]})) && n=$((${#files[@]} - 1))\n"
-           "    ((n < ${#files[@]})) && _molvera_cli_offer \"${files[n]}\"\n"
-           "}\n"
-           "\n"
-           "complete -F _molvera_cli molvera-cli\n";
+    return std::string(kOffer) + kStart + commands + kCommands + cases + kEnd;
 }
 
 }  // namespace molvera::cli
