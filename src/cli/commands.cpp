@@ -1,6 +1,7 @@
 #include "cli/commands.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -23,7 +24,7 @@ namespace molvera::cli {
 namespace {
 
 // What the parser checks in a value: nothing, a number, or numbers between ':' (a level
-// of the options dialog may also be "off").
+// of the options dialog may also be "off"); a word the value name lists passes too.
 enum class Check { None, Number, Numbers };
 
 // An option or a file argument of a command. Its value name is what the help shows after
@@ -276,15 +277,18 @@ const CommandDef* FindCommand(const std::string& name) {
     return nullptr;
 }
 
-// "--gl: 'abc' is not a number" when a value (or one between ':') is not a number.
-CLI::Validator NumberCheck(Check check) {
+// "--gl: 'abc' is not a number" when a value (or one between ':') is neither a number nor a
+// word its value name lists ("R|auto": a number or auto).
+CLI::Validator NumberCheck(const Opt& o) {
+    std::vector<std::string> words = ValueWords(o.value);
+    if (o.check == Check::Numbers) words.emplace_back("off");  // a level of the options dialog
     return CLI::Validator(
-        [check](const std::string& text) {
+        [numbers = o.check == Check::Numbers, words](const std::string& text) {
             std::size_t start = 0;
             for (std::size_t colon = 0; colon != std::string::npos; start = colon + 1) {
-                colon = check == Check::Numbers ? text.find(':', start) : std::string::npos;
+                colon = numbers ? text.find(':', start) : std::string::npos;
                 const std::string part = text.substr(start, colon - start);
-                if (!BoxNumber(part) && !(check == Check::Numbers && part == "off"))
+                if (!BoxNumber(part) && std::find(words.begin(), words.end(), part) == words.end())
                     return "'" + part + "' is not a number";
             }
             return std::string();
@@ -330,7 +334,7 @@ std::unique_ptr<CLI::App> CommandApp(const CommandDef& c) {
         CLI::Option* option = o.value ? app->add_option(o.name, o.help) : app->add_flag(o.name);
         option->description(o.help);
         if (o.value) option->type_name(o.value)->take_all();
-        if (o.check != Check::None) option->check(NumberCheck(o.check));
+        if (o.check != Check::None) option->check(NumberCheck(o));
     }
     app->set_help_flag("--help", "print this help and exit");
     return app;

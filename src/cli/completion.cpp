@@ -67,17 +67,14 @@ constexpr const char* kEnd = R"(    *) return ;;
 complete -F _molvera_cli molvera-cli
 )";
 
-// What completion offers for a value named `value` in the help: the words of
-// "shirley|linear|tougaard"; the files with the extensions of "FILE.rpa|PROJECT.xps"; any
-// file for a file argument that names none ("FILES"); nothing for a number ("N").
+// What completion offers for a value named `value` in the help: the words it lists
+// ("shirley|linear|tougaard"); else the files with the extensions it names
+// ("FILE.rpa|PROJECT.xps"), any file for a file argument that names none ("FILES"), and
+// nothing for a number ("N").
 std::string Action(const std::string& value, bool file) {
-    if (!value.empty() &&
-        std::none_of(value.begin(), value.end(), [](unsigned char c) { return std::isupper(c); })) {
-        std::string words = value;
-        std::replace(words.begin(), words.end(), '|', ' ');
-        return "=" + words;
-    }
-    std::string extensions;
+    std::string words, extensions;
+    for (const std::string& word : ValueWords(value)) words += " " + word;
+    if (!words.empty()) return "=" + words.substr(1);
     std::size_t start = 0;
     for (std::size_t bar = 0; bar != std::string::npos; start = bar + 1) {
         bar = value.find('|', start);
@@ -90,6 +87,19 @@ std::string Action(const std::string& value, bool file) {
 }
 
 }  // namespace
+
+std::vector<std::string> ValueWords(std::string_view value) {
+    std::vector<std::string> words;
+    std::size_t start = 0;
+    for (std::size_t bar = 0; bar != std::string_view::npos; start = bar + 1) {
+        bar = value.find('|', start);
+        const std::string_view part = value.substr(start, bar - start);
+        if (!part.empty() &&
+            std::none_of(part.begin(), part.end(), [](unsigned char c) { return std::isupper(c); }))
+            words.emplace_back(part);
+    }
+    return words;
+}
 
 std::string BashCompletion(const CLI::App& app) {
     std::string commands;
