@@ -36,6 +36,7 @@ _molvera_cli_offer() {
 // cursor, its options, or what its file argument under the cursor takes.
 constexpr const char* kStart = R"(_molvera_cli() {
     local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]}
+    [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD-2]}  # --type=...
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
         _molvera_cli_offer '=)";
@@ -54,7 +55,9 @@ constexpr const char* kEnd = R"(    *) return ;;
     # The file argument under the cursor: the words before it that are neither options
     # nor their values; the last one repeats when it takes many files.
     for ((i = 2; i < COMP_CWORD; i++)); do
-        if [[ ${COMP_WORDS[i]} != -* ]]; then
+        if [[ ${COMP_WORDS[i+1]} == = ]]; then
+            ((i += 2))
+        elif [[ ${COMP_WORDS[i]} != -* ]]; then
             ((++n))
         elif [[ $values == *" ${COMP_WORDS[i]} "* ]]; then
             ((++i))
