@@ -92,6 +92,13 @@ std::optional<double> DefaultRsf(std::string_view label, double sourceEV) {
     return cs / carbon;
 }
 
+std::string LabelLevel(std::string_view label) {
+    std::istringstream words{std::string(label)};
+    std::string symbol, level;
+    if (!(words >> symbol)) return {};
+    return words >> level ? symbol + " " + level : symbol;
+}
+
 std::vector<std::string> SuggestLabels(double bindingEV, double windowEV) {
     std::vector<std::pair<double, std::string>> found;
     for (int z = 1; z <= kMaxZ; ++z) {
@@ -127,12 +134,13 @@ QuantTable Quantify(const Project& project) {
         if (!IsSet(region.HasData)) continue;
         for (Int16 slot : PeakList(region)) {
             const Peak& p = project.Peaks[slot];
-            QuantRow row{slot, r, Trimmed(p.Label.Str()), p.Position, p.Area, 0, 0};
+            QuantRow row{slot, r, Trimmed(p.Label.Str()), "", p.Position, p.Area, 0, 0};
+            row.level = LabelLevel(row.label);
             const float override = q.RsfOverride[slot];
             if (override > 0) {
                 row.rsf = override;
             } else if (!row.label.empty()) {
-                row.rsf = DefaultRsf(row.label, q.SourceEnergy).value_or(0.0);
+                row.rsf = DefaultRsf(row.level, q.SourceEnergy).value_or(0.0);
             }
             const double kinetic = q.SourceEnergy - p.Position;
             if (!row.label.empty() && row.rsf > 0 && kinetic > 0) {
@@ -140,9 +148,9 @@ QuantTable Quantify(const Project& project) {
                     std::pow(kinetic, q.TransmissionExponent) * std::pow(kinetic, q.ImfpExponent);
                 row.normalisedArea = p.Area / (row.rsf * factor);
                 auto e = std::find_if(table.elements.begin(), table.elements.end(),
-                                      [&](const QuantElement& x) { return x.label == row.label; });
+                                      [&](const QuantElement& x) { return x.label == row.level; });
                 if (e == table.elements.end())
-                    table.elements.push_back({row.label, row.normalisedArea, 0});
+                    table.elements.push_back({row.level, row.normalisedArea, 0});
                 else
                     e->normalisedArea += row.normalisedArea;
             }

@@ -38,8 +38,8 @@ TEST(QuantifyTest, SuggestionsAreNearestFirstWithinTheWindow) {
     EXPECT_TRUE(SuggestLabels(-1000).empty());
 }
 
-// Two regions: C 1s in two peaks (summed) with the computed RSF, O 1s with an RSF of 2.93,
-// and a peak without a label, listed and not counted.
+// Two regions: C 1s in two peaks (summed by their level) with the computed RSF, O 1s with an RSF
+// of 2.93, and a peak without a label, listed and not counted.
 TEST(QuantifyTest, AtomicPercentMatchesAHandCalculation) {
     Project p;
     auto add = [&](int region, int slot, const char* label, float position, float area) {
@@ -53,7 +53,7 @@ TEST(QuantifyTest, AtomicPercentMatchesAHandCalculation) {
         k.Area = area;
     };
     add(0, 0, "C 1s", 285, 1000);
-    add(0, 1, "C 1s", 286, 500);
+    add(0, 1, "C 1s  C-O", 286, 500);  // the chemical state after the level
     add(0, 3, "", 287, 9999);
     add(2, 2, "O 1s", 532, 2000);
     p.Quant.RsfOverride[2] = 2.93f;
