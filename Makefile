@@ -67,7 +67,7 @@ screenshots: build
 	mkdir -p docs/screenshots
 	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/docs/screenshots \
 	  $(BUILD)/tests/ui/molvera_ui_tests --gtest_also_run_disabled_tests \
-	  --gtest_filter='GuiTest.DISABLED_Screenshots'
+	  --gtest_filter='GuiTest.DISABLED_Screenshots:GuideTest.DISABLED_Screens'
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)
