@@ -28,6 +28,7 @@ int RunBackground(int argc, char** argv);
 int RunAddPeak(int argc, char** argv);
 int RunEditPeak(int argc, char** argv);
 int RunDeletePeak(int argc, char** argv);
+int RunQuantify(int argc, char** argv);
 int RunExportSpectrum(int argc, char** argv);
 int RunExportPeaks(int argc, char** argv);
 int RunSaveParams(int argc, char** argv);

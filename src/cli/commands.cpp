@@ -24,13 +24,19 @@ const Command kCommands[] = {
     {"add-peak",
      "molvera-cli add-peak IN.xps --region N [--position P] [--fwhm W] [--area A | --height H] "
      "[--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] [--fix position,area,fwhm,gl] "
-     "-o OUT.xps",
+     "[--label TEXT] [--rsf R|auto] -o OUT.xps",
      "add a peak to a region and print its slot number", RunAddPeak},
     {"edit-peak",
      "molvera-cli edit-peak IN.xps --peak S [--position P] [--fwhm W] [--area A | --height H] "
      "[--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] [--fix LIST] [--free LIST] "
-     "-o OUT.xps",
+     "[--label TEXT] [--rsf R|auto] -o OUT.xps",
      "change a peak as the peak editor's Accept does", RunEditPeak},
+    {"quantify",
+     "molvera-cli quantify IN.xps [--source al|mg|EV] [--transmission-exponent A] "
+     "[--imfp-exponent B] [--suggest] [-o OUT.xps]",
+     "print the quantification table (peaks, then elements with at.%) as CSV; with -o save the "
+     "project with the settings given",
+     RunQuantify},
     {"delete-peak", "molvera-cli delete-peak IN.xps --peak S -o OUT.xps", "delete a peak",
      RunDeletePeak},
     {"export-spectrum", "molvera-cli export-spectrum IN.xps --region N -o OUT.dat",

@@ -42,7 +42,9 @@ const std::set<std::string> kNumberOptions = {"region",
                                               "arg",
                                               "search-trials",
                                               "newton-trials",
-                                              "tolerance"};
+                                              "tolerance",
+                                              "transmission-exponent",
+                                              "imfp-exponent"};
 const std::set<std::string> kNumberListOptions = {"limits",      "pos-search", "area-search",
                                                   "fwhm-search", "pos-newton", "area-newton",
                                                   "fwhm-newton"};

@@ -202,6 +202,33 @@ const char* MethodName(float method) {
 
 }  // namespace
 
+std::string QuantCsv(const QuantTable& table, bool suggest) {
+    auto number = [](double v, bool known) {
+        return known && std::isfinite(v) ? ExactText(v) : std::string();
+    };
+    std::string text = "region,peak,label,position,area,rsf,normalised_area";
+    text += suggest ? ",suggestions\n" : "\n";
+    for (const QuantRow& p : table.peaks) {
+        text += std::to_string(p.region + 1) + "," + std::to_string(p.slot) + "," +
+                CsvField(Latin1ToUtf8(p.label)) + "," + FormatRoundTrip(p.position) + "," +
+                FormatRoundTrip(p.area) + "," + number(p.rsf, p.rsf > 0) + "," +
+                number(p.normalisedArea, p.counted);
+        if (suggest) {
+            std::string near;
+            if (p.label.empty())
+                for (const std::string& level : SuggestLabels(p.position))
+                    near += (near.empty() ? "" : "; ") + level;
+            text += "," + CsvField(near);
+        }
+        text += "\n";
+    }
+    text += "\nlabel,normalised_area,at_percent\n";
+    for (const QuantElement& e : table.elements)
+        text += CsvField(Latin1ToUtf8(e.label)) + "," + number(e.normalisedArea, true) + "," +
+                number(e.atomicPercent, true) + "\n";
+    return text;
+}
+
 std::vector<int> ReportRegions(const Project& project, int region) {
     std::vector<int> regions;
     for (int r = 0; r < kRegionCount; ++r)

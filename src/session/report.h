@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/records.h"
+#include "spectral/quantify.h"
 
 namespace molvera {
 
@@ -14,6 +15,13 @@ std::string CsvField(std::string text);
 
 /// The shortest text that reads back to exactly this double, whatever the locale.
 std::string ExactText(double value);
+
+/// The quantification table as CSV: a header and a row per peak (region, peak, label,
+/// position, area, rsf, normalised_area; with `suggest` a column of the core levels near
+/// each unlabelled peak, "; " between them), a blank line, then a header and a row per
+/// label (label, normalised_area, at_percent). A number that is not known (no RSF, a peak
+/// not counted) is an empty field.
+std::string QuantCsv(const QuantTable& table, bool suggest);
 
 /// The regions with data, 0-based: all of them (`region` < 0) or the one asked for.
 std::vector<int> ReportRegions(const Project& project, int region);

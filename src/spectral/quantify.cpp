@@ -147,6 +147,7 @@ QuantTable Quantify(const Project& project) {
                 const double factor =
                     std::pow(kinetic, q.TransmissionExponent) * std::pow(kinetic, q.ImfpExponent);
                 row.normalisedArea = p.Area / (row.rsf * factor);
+                row.counted = true;
                 auto e = std::find_if(table.elements.begin(), table.elements.end(),
                                       [&](const QuantElement& x) { return x.label == row.level; });
                 if (e == table.elements.end())

@@ -38,6 +38,7 @@ struct QuantRow {
     float area = 0;
     double rsf = 0;             ///< override or default; 0 when none is known
     double normalisedArea = 0;  ///< area / (RSF * T * lambda), 0 when not counted
+    bool counted = false;       ///< in the elements' sums
 };
 
 /// The totals per element and level, in the order they first appear.

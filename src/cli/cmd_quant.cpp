@@ -1,0 +1,43 @@
+// quantify: the quantification table of a project as CSV; its settings changed on request.
+
+#include <cstdio>
+#include <string>
+
+#include "cli/command_list.h"
+#include "cli/common.h"
+#include "session/formnumber.h"
+#include "session/report.h"
+#include "spectral/quantify.h"
+
+namespace molvera::cli {
+
+int RunQuantify(int argc, char** argv) {
+    Args args(argc, argv, 2, {"suggest"});
+    if (!CheckArgs(args, {"source", "transmission-exponent", "imfp-exponent", "suggest", "o"}, 1,
+                   Usage("quantify")))
+        return kExitUsage;
+    // --source al|mg|EV: the photon energy; the exponents are checked as numbers by CheckArgs.
+    const std::optional<std::string> sourceText = args.Value("source");
+    float source = 0;
+    if (sourceText == "al" || sourceText == "mg") {
+        source = static_cast<float>(sourceText == "al" ? kAlKaEnergy : kMgKaEnergy);
+    } else if (sourceText) {
+        if (auto refused = NotANumberOption(args, "source")) return *refused;
+        source = BoxSingle(*sourceText);
+        if (!(source > 0)) return Fail("--source is al, mg or a photon energy above 0 eV");
+    }
+    Session s;
+    if (Status st = LoadOptions(args, s); !st) return Refused(st);
+    if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
+    QuantSettings& q = s.project.Quant;
+    if (sourceText) q.SourceEnergy = source;
+    if (auto v = args.Value("transmission-exponent")) q.TransmissionExponent = BoxSingle(*v);
+    if (auto v = args.Value("imfp-exponent")) q.ImfpExponent = BoxSingle(*v);
+    if (args.Has("o")) {
+        if (Status st = SaveOutput(s, args); !st) return Refused(st);
+    }
+    std::fputs(QuantCsv(Quantify(s.project), args.Has("suggest")).c_str(), stdout);
+    return 0;
+}
+
+}  // namespace molvera::cli
