@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/version.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
 
@@ -84,8 +85,10 @@ void PrintOverview() {
     for (const Command& c : kCommands) std::printf("  %-16s %s\n", c.name, c.summary);
     std::printf(
         "\nRegions are numbered 1..10, peaks by their slot 0..50. Every command that loads or\n"
-        "computes takes --options FILE.opa (default: default.opa in the working directory).\n"
-        "Run 'molvera-cli COMMAND --help' for the options of a command.\n");
+        "computes takes --options FILE.opa (default: default.opa in the working directory,\n"
+        "else in ~/.config/molvera, else the installed one).\n"
+        "Run 'molvera-cli COMMAND --help' for the options of a command, 'molvera-cli --version'\n"
+        "for the version.\n");
 }
 
 }  // namespace
@@ -102,6 +105,10 @@ const char* Usage(const char* name) {
 }
 
 int Main(int argc, char** argv) {
+    if (argc == 2 && !std::strcmp(argv[1], "--version")) {
+        std::printf("molvera-cli %s\n", ProgramVersion());
+        return 0;
+    }
     if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "help")) {
         PrintOverview();
         return argc < 2 ? kExitUsage : 0;

@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 
+#include "ui/about.h"
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
@@ -109,6 +110,7 @@ void RegionWindow::BuildMenus() {
             [this] { OptimiseRegionCommand(); });
     AddItem(nullptr, QStringLiteral("ReDisplay"), "redisplayAction",
             [this] { ReDisplayCommand(); });
+    AddHelpMenu(*menuBar(), *this);
 }
 
 QAction* RegionWindow::Action(const QString& itemName) const {

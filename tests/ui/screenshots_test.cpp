@@ -137,6 +137,13 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     file->popup(region().mapToGlobal(QPoint(0, 0)));
     Save(*file, dir, "region-file-menu.png");
     file->hide();
+
+    // Help > About Molvera.
+    region().findChild<QAction*>(QStringLiteral("aboutAction"))->trigger();
+    auto* about = region().findChild<QWidget*>(QStringLiteral("aboutDialog"));
+    ASSERT_NE(about, nullptr);
+    Save(*about, dir, "about-dialog.png");
+    about->close();
 }
 
 }  // namespace
