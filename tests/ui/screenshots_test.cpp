@@ -2,6 +2,7 @@
 // folder named by MOLVERA_SCREENSHOT_DIR. Disabled in the normal test run.
 #include <tuple>
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDir>
 #include <QLabel>
@@ -25,6 +26,7 @@
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/printing.h"
+#include "ui/quantwindow.h"
 
 namespace molvera::test {
 namespace {
@@ -79,7 +81,9 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     gui->backgroundDialog().hide();
 
     // The third peak in the editor, highlighted in the plot and the table, its FWHM
-    // following the first peak's; then the second with its area constraint open.
+    // following the first peak's, labelled C 1s with the computed RSF; then the second with
+    // its area constraint open.
+    for (int slot : {0, 2}) project().Peaks[slot].Label = Text20::From("C 1s");
     main().PeakButton(12)->click();
     Save(gui->peakEditor(), dir, "peak-editor.png");
     region().Table()->Refresh();
@@ -137,6 +141,43 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     file->popup(region().mapToGlobal(QPoint(0, 0)));
     Save(*file, dir, "region-file-menu.png");
     file->hide();
+
+    // Quantification on a real VAMAS file (a survey, Ni 2p, O 1s, C 1s and W 4f into regions
+    // 1-5): C 1s and O 1s in two components each, W 4f as one f doublet, each region fitted.
+    Click(main(), "closeButton");  // the changes discarded
+    main().RegionButton(0)->click();
+    chooser.paths.push_back(DataFile("real/lg4x/0-150W.vms"));
+    Menu("importVamasAction");
+    project().Options.Method = 2;
+    struct Component {
+        int region;
+        const char *position, *label, *type, *splitting;
+    };
+    ui::PeakEditor& editor = gui->peakEditor();
+    for (const Component& c : {Component{3, "282.5", "C 1s", "s", "0"},
+                               {3, "284.6", "C 1s", "s", "0"},
+                               {2, "528.4", "O 1s", "s", "0"},
+                               {2, "530.6", "O 1s", "s", "0"},
+                               {4, "33.5", "W 4f", "f", "2.15"}}) {
+        if (project().CurrentRegion != c.region) {
+            main().RegionButton(c.region)->click();
+            GiveBackground();
+        }
+        Menu("addPeakAction");
+        Child<QComboBox>(editor, "peakType")->setCurrentText(QString::fromLatin1(c.type));
+        Type(editor, "splittingText", QString::fromLatin1(c.splitting));
+        Type(editor, "positionText", QString::fromLatin1(c.position));
+        Type(editor, "labelText", QString::fromLatin1(c.label));
+        Click(editor, "acceptButton");
+    }
+    for (int r : {2, 3, 4}) {
+        main().RegionButton(r)->click();
+        Menu("optimiseRegionAction");
+    }
+    ui::QuantWindow& quant = gui->quantWindow();
+    quant.Open();
+    quant.resize(600, 400);
+    Save(quant, dir, "quantification.png");
 }
 
 }  // namespace
