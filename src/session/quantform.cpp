@@ -122,7 +122,9 @@ Status ApplyQuantForm(Project& project, QuantForm& form) {
                                                   : static_cast<float>(*BoxNumber(form.energyText));
     q.TransmissionExponent = static_cast<float>(*BoxNumber(form.transmissionText));
     q.ImfpExponent = static_cast<float>(*BoxNumber(form.imfpText));
+    const int chosen = form.source;  // "Other" stays chosen while its energy is typed
     FillQuantForm(project, form);
+    form.source = chosen;
     return Status::Ok();
 }
 

@@ -50,8 +50,9 @@ struct QuantForm {
 /// The form from the project's settings (the source by its energy).
 void FillQuantForm(const Project& project, QuantForm& form);
 
-/// The form into Project::Quant; a box without a number, or an energy that is not
-/// positive, is refused ("Source energy: 'abc' is not a number") and nothing is stored.
+/// The form into Project::Quant, the boxes rewritten as read (the source stays as chosen);
+/// a box without a number, or an energy that is not positive, is refused ("Source energy:
+/// 'abc' is not a number") and nothing is stored.
 Status ApplyQuantForm(Project& project, QuantForm& form);
 
 /// The peak table's columns.

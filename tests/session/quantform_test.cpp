@@ -45,6 +45,10 @@ TEST(QuantFormTest, SettingsRefuseBadNumbersAndStoreNothing) {
     std::tie(form.source, form.transmissionText, form.imfpText) = std::tuple(kSourceMgKa, "0", "0");
     ASSERT_TRUE(ApplyQuantForm(p, form));
     EXPECT_EQ(std::tuple(p.Quant.SourceEnergy, form.energyText), std::tuple(1253.6f, "1253.6"));
+    form.source = kSourceOther;  // chosen: the box keeps Mg's energy until one is typed
+    ASSERT_TRUE(ApplyQuantForm(p, form));
+    EXPECT_EQ(std::tuple(p.Quant.SourceEnergy, form.source),
+              std::tuple(1253.6f, int{kSourceOther}));
 }
 
 // Both exponents 0, so that normalised area = area / RSF: C 1s 1000 / 1 (xraylib's C 1s is
