@@ -2,7 +2,6 @@
 // calculation, and the editor's Label and RSF boxes through Accept, Cancel, save and undo.
 #include "session/quantform.h"
 
-#include <algorithm>
 #include <memory>
 #include <tuple>
 
@@ -11,7 +10,6 @@
 #include "fileio/projectfile.h"
 #include "model/project.h"
 #include "session/history.h"
-#include "spectral/envelope.h"
 #include "spectral/regionedit.h"
 #include "support/recording_host.h"
 #include "support/sample_region.h"
@@ -31,15 +29,13 @@ TEST(QuantFormTest, SettingsRefuseBadNumbersAndStoreNothing) {
     } refused[] = {
         {kSourceOther, "abc", "0", "0", "Source energy: 'abc' is not a number", "energyText"},
         {kSourceOther, "-5", "0", "0", "Source energy: '-5' is not positive", "energyText"},
-        {kSourceMgKa, "abc", "1x", "0", "Transmission exponent: '1x' is not a number",
-         "transmissionText"},
         {kSourceAlKa, "", "0", "", "IMFP exponent: '' is not a number", "imfpText"},
     };
     for (const auto& r : refused) {
         std::tie(form.source, form.energyText, form.transmissionText, form.imfpText) =
             std::tuple(r.source, r.energy, r.a, r.b);
-        EXPECT_EQ(ApplyQuantForm(p, form).Text(), r.message);
-        EXPECT_EQ(form.invalidBox, r.box);
+        EXPECT_EQ(std::pair(ApplyQuantForm(p, form).Text(), form.invalidBox),
+                  std::pair(std::string(r.message), std::string(r.box)));
         EXPECT_TRUE(p.Quant == QuantSettings{});
     }
     std::tie(form.source, form.transmissionText, form.imfpText) = std::tuple(kSourceMgKa, "0", "0");
@@ -68,8 +64,7 @@ TEST(QuantFormTest, TablesMatchAHandCalculation) {
     add(1, 3, "Xx 9z", 540, 70);
     p.Quant.RsfOverride[1] = 2;
     std::tie(p.Quant.TransmissionExponent, p.Quant.ImfpExponent) = std::pair(0.0f, 0.0f);
-    const QuantLines lines = QuantTableLines(p);
-    EXPECT_EQ(QuantTablesText(lines),
+    EXPECT_EQ(QuantTablesText(QuantTableLines(p)),
               "Region\tPeak\tLabel\tPosition (eV)\tArea\tRSF\tNormalised area\n"
               "1\t0\tC 1s\t285\t1000\t1.000\t1000\n"
               "1\t2\t\t287\t50\t\tnot counted: no label\n"
@@ -79,57 +74,43 @@ TEST(QuantFormTest, TablesMatchAHandCalculation) {
               "Label\tNormalised area\tAt. %\n"
               "C 1s\t1000\t76.92\n"
               "O 1s\t300\t23.08\n");
-    EXPECT_EQ(std::tuple(lines.peaks[0].counted, lines.peaks[1].counted, lines.peaks[2].rsfTyped),
-              std::tuple(true, false, true));
 }
 
-// The editor on peak 0 (284.567 eV) of region 1.
-class QuantEditorTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ClearProject(*project, QuietHost());
-        test::FillSampleRegion(*project, 1);
-        test::GiveSampleBackground(*project, 1);
-        ASSERT_EQ(AddPeak(*project, QuietHost()), 0);
-        std::tie(peak().Position, peak().Area) = std::pair(284.567f, 250.0f);
-        ComputeRegionEnvelope(*project, QuietHost());
-    }
-    Peak& peak() { return project->Peaks[0]; }
-    Status Accept(const char* label, const char* rsf) {
+// The editor on peak 0 of region 1: refusals store nothing; a typed RSF and label come back
+// after save and load, Undo gives the bytes before, Cancel undoes a live edit.
+TEST(QuantEditorTest, TypedRsfAndLabelAreStoredSavedAndUndone) {
+    auto project = std::make_unique<Project>();
+    test::RecordingHost host;
+    ClearProject(*project, QuietHost());
+    test::FillSampleRegion(*project, 1);
+    test::GiveSampleBackground(*project, 1);
+    ASSERT_EQ(AddPeak(*project, QuietHost()), 0);
+    PeakForm form;
+    auto accept = [&](const char* label, const char* rsf) {
         EXPECT_TRUE(OpenPeakEditor(*project, host, form, 10));
         std::tie(form.labelText, form.rsfText) = std::pair(label, rsf);
         return AcceptPeakEditor(*project, host, form);
-    }
-    std::unique_ptr<Project> project = std::make_unique<Project>();
-    PeakForm form;
-    test::RecordingHost host;
-};
-
-TEST_F(QuantEditorTest, TypedRsfAndLabelAreStoredSavedAndUndone) {
-    const auto choices = LabelChoices(*project, 0);
-    EXPECT_NE(std::find(choices.begin(), choices.end(), "C 1s"), choices.end());
+    };
     for (const auto& [label, rsf, message, box] :
          {std::tuple("C 1s", "abc",
                      "RSF: 'abc' is not a number (an empty box uses the computed RSF)", "rsfText"),
           {"C 1s", "0", "RSF: '0' is not positive (an empty box uses the computed RSF)", "rsfText"},
           {"123456789012345678901", "", "Label: at most 20 characters ('123456789012345678901')",
            "labelText"}}) {
-        EXPECT_EQ(Accept(label, rsf).Text(), message);
-        EXPECT_EQ(std::tuple(form.invalidBox, peak().Label, project->Quant.RsfOverride[0]),
-                  std::tuple(box, Text20(), 0.0f));
+        EXPECT_EQ(accept(label, rsf).Text(), message);
+        EXPECT_EQ(
+            std::tuple(form.invalidBox, project->Peaks[0].Label, project->Quant.RsfOverride[0]),
+            std::tuple(box, Text20(), 0.0f));
     }
     UndoHistory history;
     history.Reset(*project);
     const std::string before = ProjectFileBytes(*project);
-    ASSERT_TRUE(Accept("C 1s", "2.5"));
+    ASSERT_TRUE(accept("C 1s", "2.5"));
     EXPECT_TRUE(history.Record(*project));
-    EXPECT_EQ(std::tuple(peak().Label, project->Quant.RsfOverride[0]),
-              std::tuple(Text20::From("C 1s"), 2.5f));
     ASSERT_TRUE(history.Undo(*project, host));
     EXPECT_TRUE(ProjectFileBytes(*project) == before);
     ASSERT_TRUE(history.Redo(*project, host));
 
-    // Live editing stores a typed RSF at once; Cancel puts the one before back.
     ASSERT_TRUE(OpenPeakEditor(*project, host, form, 10));
     EXPECT_EQ(std::tuple(form.labelText, form.rsfText, form.rsfPlaceholder),
               std::tuple("C 1s", "2.5", "1.000 from xraylib"));
