@@ -10,7 +10,8 @@ namespace molvera {
 
 namespace {
 
-constexpr std::size_t kLabelLength = 20;  // Peak::Label holds 20 characters
+constexpr std::size_t kLabelLength = 20;   // Peak::Label holds 20 characters
+constexpr std::size_t kLabelChoices = 15;  // a drop-down that fits on any screen
 
 bool ValidSlot(int slot) { return slot >= 0 && slot < kPeakSlots; }
 
@@ -88,7 +89,9 @@ void StoreQuantBoxes(Project& project, const PeakForm& form, int slot) {
 
 std::vector<std::string> LabelChoices(const Project& project, int slot) {
     if (!ValidSlot(slot)) return {};
-    return SuggestLabels(project.Peaks[slot].Position);
+    std::vector<std::string> labels = SuggestLabels(project.Peaks[slot].Position);
+    if (labels.size() > kLabelChoices) labels.resize(kLabelChoices);
+    return labels;
 }
 
 void FillQuantForm(const Project& project, QuantForm& form) {

@@ -29,7 +29,7 @@ Status CheckQuantBoxes(PeakForm& form);
 void StoreQuantBoxes(Project& project, const PeakForm& form, int slot);
 
 /// The core levels near the position of peak `slot` that the user may pick as its label,
-/// nearest first.
+/// nearest first, at most 15.
 std::vector<std::string> LabelChoices(const Project& project, int slot);
 
 // ---- The quantification window ----
