@@ -51,13 +51,7 @@ TEST(QuantFormTest, SettingsRefuseBadNumbersAndStoreNothing) {
 // 1 by definition) and O 1s 600 / 2 (typed): 1000 / 1300 = 76.92 at.% and 23.08 at.%.
 TEST(QuantFormTest, TablesMatchAHandCalculation) {
     Project p;
-    auto add = [&](int region, int slot, const char* label, float position, float area) {
-        Region& r = p.Regions[region];
-        r.HasData = kTrue;
-        r.PeakIndex[r.PeakCount++] = static_cast<Int16>(slot);
-        std::tie(p.Peaks[slot].InUse, p.Peaks[slot].Label, p.Peaks[slot].Position,
-                 p.Peaks[slot].Area) = std::tuple(kTrue, Text20::From(label), position, area);
-    };
+    auto add = [&](auto... args) { test::AddQuantPeak(p, args...); };
     add(0, 0, "C 1s", 285, 1000);
     add(0, 2, "", 287, 50);
     add(1, 1, "O 1s", 532, 600);
