@@ -121,11 +121,13 @@ void RegionWindow::ShowRegion(bool redraw) {
     if (!isVisible()) show();
     if (redraw) plot_->RequestRedraw();
     table_->RequestRefresh();
+    if (redrawn) redrawn();
 }
 
 void RegionWindow::Redraw() {
     plot_->RequestRedraw();
     table_->RequestRefresh();
+    if (redrawn) redrawn();
 }
 
 void RegionWindow::SetWarning(const QString& text) {

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/sample_region.h"
+
 namespace molvera {
 namespace {
 
@@ -42,16 +44,7 @@ TEST(QuantifyTest, SuggestionsAreNearestFirstWithinTheWindow) {
 // of 2.93, and a peak without a label, listed and not counted.
 TEST(QuantifyTest, AtomicPercentMatchesAHandCalculation) {
     Project p;
-    auto add = [&](int region, int slot, const char* label, float position, float area) {
-        Region& r = p.Regions[region];
-        r.HasData = kTrue;
-        r.PeakIndex[r.PeakCount++] = static_cast<Int16>(slot);
-        Peak& k = p.Peaks[slot];
-        k.InUse = kTrue;
-        k.Label = Text20::From(label);
-        k.Position = position;
-        k.Area = area;
-    };
+    auto add = [&](auto... args) { test::AddQuantPeak(p, args...); };
     add(0, 0, "C 1s", 285, 1000);
     add(0, 1, "C 1s  C-O", 286, 500);  // the chemical state after the level
     add(0, 3, "", 287, 9999);

@@ -66,7 +66,7 @@ TEST_F(GuideTest, DISABLED_Screens) {
     for (const Start& s : {Start{"C 1s C-C", "284.6", "15000"}, Start{"C 1s C=O", "287.5", "1500"},
                            Start{"C 1s pi-pi*", "290.8", "1000"}}) {
         Menu("addPeakAction");
-        project().Peaks[project().CurrentPeak].Label = Text20::From(s.label);
+        Type(editor, "labelText", QLatin1String(s.label));
         Type(editor, "positionText", QLatin1String(s.position));
         Type(editor, "fwhmText", "1.4");
         Type(editor, "glText", "30");
