@@ -396,19 +396,15 @@ std::string ReportHtml(const Project& project, const std::vector<int>& regions,
         if (i < pngs.size() && !pngs[i].empty())
             html += "<p><img alt=\"region " + std::to_string(r + 1) +
                     "\" src=\"data:image/png;base64," + Base64(pngs[i]) + "\"></p>\n";
-        // The peak table of the region window, in its readable form.
-        html += "<table>\n<tr>";
-        for (const std::string& title : PeakTableHeader())
-            html += "<th>" + HtmlEscaped(Latin1ToUtf8(title)) + "</th>";
-        html += "</tr>\n";
+        // The peak table of the region window, in its readable form (peak and type as text).
+        std::vector<std::vector<std::string>> rows;
         for (const PeakTableRow& row : PeakTableRows(project, r)) {
-            html += "<tr>";
-            for (std::size_t c = 0; c < row.cells.size(); ++c)
-                html += (c == kPeakColumn || c == kTypeColumn ? "<td>" : "<td class=\"n\">") +
-                        HtmlEscaped(Latin1ToUtf8(row.cells[c])) + "</td>";
-            html += "</tr>\n";
+            rows.emplace_back();
+            for (const std::string& cell : row.cells) rows.back().push_back(Latin1ToUtf8(cell));
         }
-        html += "</table>\n";
+        std::vector<std::string> header;
+        for (const std::string& title : PeakTableHeader()) header.push_back(Latin1ToUtf8(title));
+        html += rows.empty() ? "<p>No peaks.</p>\n" : HtmlTable(header, rows, kTypeColumn + 1);
     }
     return html + "</body></html>\n";
 }
