@@ -104,6 +104,7 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
         {"edit-peak p.xps --peak 0 --rsf 0 -o o.xps", 1, "--rsf: '0' is not above 0"},
         {"add-peak p.xps --region 1 --rsf -1 -o o.xps", 1, "--rsf: '-1' is not above 0"},
         {"quantify p.xps --source 0 -o o.xps", 1, "--source is al, mg or a photon energy"},
+        {"quantify p.xps --imfp-exponent 6 -o o.xps", 1, "lie within -5 .. 5"},
         {"quantify p.xps --source cu -o o.xps", 1, "--source: 'cu' is not a number"},
         {"save p.xps --bogus 1 -o o.xps", 2, ""},
     };
