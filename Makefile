@@ -62,12 +62,17 @@ bench: build
 
 # Pictures of the main window, the region window with a fitted spectrum, the options,
 # background and constraint dialogs and the peak editor, as PNG files in docs/screenshots/
-# (committed: the README shows them).
+# (committed: the README shows them), and the HTML report as a browser shows it: a
+# headless chromium, which only this target installs, draws report-html.png.
+SCREENSHOT_PACKAGES := chromium
+
 screenshots: build
+	$(call install,$(SCREENSHOT_PACKAGES))
 	mkdir -p docs/screenshots
 	QT_QPA_PLATFORM=offscreen MOLVERA_SCREENSHOT_DIR=$(CURDIR)/docs/screenshots \
 	  $(BUILD)/tests/ui/molvera_ui_tests --gtest_also_run_disabled_tests \
 	  --gtest_filter='GuiTest.DISABLED_Screenshots:GuideTest.DISABLED_Screens'
+	./examples/report-screenshot.sh $(BUILD)/molvera-cli docs/screenshots/report-html.png
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD)

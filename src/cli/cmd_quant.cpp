@@ -18,21 +18,22 @@ int RunQuantify(int argc, char** argv) {
         return kExitUsage;
     // --source al|mg|EV: the photon energy; the exponents are checked as numbers by CheckArgs.
     const std::optional<std::string> sourceText = args.Value("source");
-    float source = 0;
-    if (sourceText == "al" || sourceText == "mg") {
-        source = static_cast<float>(sourceText == "al" ? kAlKaEnergy : kMgKaEnergy);
-    } else if (sourceText) {
+    if (sourceText != "al" && sourceText != "mg")
         if (auto refused = NotANumberOption(args, "source")) return *refused;
-        source = BoxSingle(*sourceText);
-        if (!(source > 0)) return Fail("--source is al, mg or a photon energy above 0 eV");
-    }
     Session s;
     if (Status st = LoadOptions(args, s); !st) return Refused(st);
     if (Status st = LoadInput(s, args.Positional()[0]); !st) return Refused(st);
     QuantSettings& q = s.project.Quant;
-    if (sourceText) q.SourceEnergy = source;
+    if (sourceText)
+        q.SourceEnergy = *sourceText == "al"   ? static_cast<float>(kAlKaEnergy)
+                         : *sourceText == "mg" ? static_cast<float>(kMgKaEnergy)
+                                               : BoxSingle(*sourceText);
     if (auto v = args.Value("transmission-exponent")) q.TransmissionExponent = BoxSingle(*v);
     if (auto v = args.Value("imfp-exponent")) q.ImfpExponent = BoxSingle(*v);
+    if (!QuantSettingsInRange(q))
+        return Fail(
+            "--source is al, mg or a photon energy above 0 and up to 100000 eV; "
+            "--transmission-exponent and --imfp-exponent lie within -5 .. 5");
     if (args.Has("o")) {
         if (Status st = SaveOutput(s, args); !st) return Refused(st);
     }

@@ -126,6 +126,12 @@ std::vector<std::string> SuggestLabels(double bindingEV, double windowEV) {
     return labels;
 }
 
+bool QuantSettingsInRange(const QuantSettings& q) {
+    auto within = [](float v, float lo, float hi) { return v >= lo && v <= hi; };
+    return q.SourceEnergy > 0 && q.SourceEnergy <= 100000 &&
+           within(q.TransmissionExponent, -5, 5) && within(q.ImfpExponent, -5, 5);
+}
+
 QuantTable Quantify(const Project& project) {
     const QuantSettings& q = project.Quant;
     QuantTable table;
@@ -143,10 +149,12 @@ QuantTable Quantify(const Project& project) {
                 row.rsf = DefaultRsf(row.level, q.SourceEnergy).value_or(0.0);
             }
             const double kinetic = q.SourceEnergy - p.Position;
-            if (!row.label.empty() && row.rsf > 0 && kinetic > 0) {
-                const double factor =
-                    std::pow(kinetic, q.TransmissionExponent) * std::pow(kinetic, q.ImfpExponent);
-                row.normalisedArea = p.Area / (row.rsf * factor);
+            const double factor =
+                std::pow(kinetic, q.TransmissionExponent) * std::pow(kinetic, q.ImfpExponent);
+            const double normalised = p.Area / (row.rsf * factor);
+            // A kinetic energy a hair above 0 can take the factor out of the double range.
+            if (!row.label.empty() && row.rsf > 0 && kinetic > 0 && std::isfinite(normalised)) {
+                row.normalisedArea = normalised;
                 row.counted = true;
                 auto e = std::find_if(table.elements.begin(), table.elements.end(),
                                       [&](const QuantElement& x) { return x.label == row.level; });

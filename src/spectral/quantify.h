@@ -28,6 +28,11 @@ std::string LabelLevel(std::string_view label);
 /// first, as labels ("C 1s", "Fe 2p3/2").
 std::vector<std::string> SuggestLabels(double bindingEV, double windowEV = 5.0);
 
+/// Whether Quantify takes these settings: a source energy above 0 and at most 100 keV,
+/// both exponents within +-5, so that every factor stays far inside the double range. The
+/// project reader ignores an extension block whose settings lie outside.
+bool QuantSettingsInRange(const QuantSettings& settings);
+
 /// One row of the quantification table.
 struct QuantRow {
     int slot = 0;
