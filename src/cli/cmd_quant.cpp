@@ -37,7 +37,9 @@ int RunQuantify(int argc, char** argv) {
     if (args.Has("o")) {
         if (Status st = SaveOutput(s, args); !st) return Refused(st);
     }
-    std::fputs(QuantCsv(Quantify(s.project), args.Has("suggest")).c_str(), stdout);
+    const QuantTable table = Quantify(s.project);
+    for (const std::string& note : table.notes) std::fprintf(stderr, "warning: %s\n", note.c_str());
+    std::fputs(QuantCsv(table, args.Has("suggest")).c_str(), stdout);
     return 0;
 }
 

@@ -147,8 +147,7 @@ QuantLines QuantTableLines(const Project& project) {
     QuantLines lines;
     for (const QuantRow& row : table.peaks) {
         QuantPeakLine line;
-        line.counted =
-            !row.label.empty() && row.rsf > 0 && project.Quant.SourceEnergy - row.position > 0;
+        line.counted = row.counted;
         line.rsfTyped = project.Quant.RsfOverride[row.slot] > 0;
         line.cells = {std::to_string(row.region + 1),
                       std::to_string(row.slot),
@@ -165,6 +164,7 @@ QuantLines QuantTableLines(const Project& project) {
     for (const QuantElement& e : table.elements)
         lines.elements.push_back({e.label, FormatGeneral(static_cast<float>(e.normalisedArea)),
                                   FormatFixed(e.atomicPercent, 2)});
+    lines.notes = table.notes;
     return lines;
 }
 

@@ -81,6 +81,7 @@ struct QuantPeakLine {
 struct QuantLines {
     std::vector<QuantPeakLine> peaks;
     std::vector<std::array<std::string, 3>> elements;
+    std::vector<std::string> notes;  ///< Quantify's cautions
     bool operator==(const QuantLines&) const = default;
 };
 

@@ -242,9 +242,12 @@ std::string QuantHtml(const Project& project) {
                         p.counted && counted > 0 && std::isfinite(counted)
                             ? FormatFixed(100 * p.normalisedArea / counted, 2)
                             : ""});
-    return html + HtmlTable({"Region", "Peak", "Label", "Position (eV)", "Area", "RSF",
-                             "Normalised area", "At. %"},
-                            rows, 3);
+    html += HtmlTable(
+        {"Region", "Peak", "Label", "Position (eV)", "Area", "RSF", "Normalised area", "At. %"},
+        rows, 3);
+    for (const std::string& note : table.notes)
+        html += "<p class=\"note\">" + HtmlEscaped(Latin1ToUtf8(note)) + "</p>\n";
+    return html;
 }
 
 const char* BackgroundName(BackgroundKind kind) {
@@ -368,11 +371,15 @@ std::string ReportJson(const Project& project, const std::vector<int>& regions,
             overrides.push_back({{"peak", slot}, {"rsf", FloatJson(q.RsfOverride[slot])}});
     quant["rsf_overrides"] = overrides;
     Json elements = Json::array();
-    for (const QuantElement& e : Quantify(project).elements)
+    const QuantTable table = Quantify(project);
+    for (const QuantElement& e : table.elements)
         elements.push_back({{"label", Latin1ToUtf8(e.label)},
                             {"normalised_area", DoubleCell("", e.normalisedArea).json},
                             {"at_percent", DoubleCell("", e.atomicPercent).json}});
     quant["elements"] = elements;
+    Json notes = Json::array();
+    for (const std::string& note : table.notes) notes.push_back(Latin1ToUtf8(note));
+    quant["notes"] = notes;
     report["quantification"] = quant;
     return report.dump(2) + "\n";
 }
@@ -386,6 +393,7 @@ std::string ReportHtml(const Project& project, const std::vector<int>& regions,
         "table { border-collapse: collapse; margin-bottom: 2em; }\n"
         "th, td { border: 1px solid #888; padding: 2px 6px; }\n"
         "td.n { text-align: right; font-variant-numeric: tabular-nums; }\n"
+        "p.note { color: #a0522d; }\n"
         "img { max-width: 100%; }\n</style></head>\n<body>\n<h1>" +
         HtmlEscaped(source) + "</h1>\n<p>Molvera " MOLVERA_VERSION ", " +
         MethodName(project.Options.Method) + "</p>\n" + QuantHtml(project);

@@ -56,6 +56,9 @@ struct QuantElement {
 struct QuantTable {
     std::vector<QuantRow> peaks;
     std::vector<QuantElement> elements;
+    /// Cautions on the numbers, one per level: a computed RSF of a p, d or f level, where
+    /// xraylib's subshell cross-sections lie 1.5 to 4 times below Scofield's calculated ones.
+    std::vector<std::string> notes;
 };
 
 /// The table over every in-use peak of the regions with data: normalised area =

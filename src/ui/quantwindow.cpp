@@ -84,6 +84,11 @@ QuantWindow::QuantWindow(Project& project, QtHost& host, QWidget* parent)
     layout->addWidget(peaks_, 3);
     layout->addWidget(new QLabel(QStringLiteral("Elements"), this));
     layout->addWidget(elements_, 2);
+    notes_ = new QLabel(this);
+    notes_->setObjectName(QStringLiteral("quantNotes"));
+    notes_->setWordWrap(true);
+    notes_->setStyleSheet(QStringLiteral("color: #a0522d"));
+    layout->addWidget(notes_);
 
     for (QTableWidget* table : {peaks_, elements_}) {
         auto* copy = new QAction(QStringLiteral("Copy tables"), table);
@@ -165,6 +170,10 @@ void QuantWindow::ShowTables() {
                 i, c,
                 Cell(lines_.elements[static_cast<std::size_t>(i)][static_cast<std::size_t>(c)],
                      c == 0));
+    QStringList notes;
+    for (const std::string& note : lines_.notes) notes << QString::fromLatin1(note.c_str());
+    notes_->setText(notes.join(QLatin1Char('\n')));
+    notes_->setVisible(!notes.isEmpty());
 }
 
 void QuantWindow::SettingsEdited() {

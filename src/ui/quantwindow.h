@@ -13,6 +13,7 @@
 class QComboBox;
 class QLineEdit;
 class QMenuBar;
+class QLabel;
 class QTableWidget;
 
 namespace molvera::ui {
@@ -57,6 +58,7 @@ private:
     QLineEdit* imfp_;
     QTableWidget* peaks_;
     QTableWidget* elements_;
+    QLabel* notes_;  ///< the cautions on computed RSFs
     QTimer refreshTimer_;
 };
 
