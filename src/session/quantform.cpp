@@ -56,13 +56,17 @@ std::string NotCountedText(const QuantRow& row) {
 
 }  // namespace
 
+std::string RsfPlaceholder(const Project& project, const std::string& label) {
+    const std::optional<double> rsf = DefaultRsf(LabelLevel(label), project.Quant.SourceEnergy);
+    return rsf ? FormatFixed(*rsf, 3) + " from xraylib" : "none";
+}
+
 void FillQuantBoxes(const Project& project, PeakForm& form, int slot) {
     if (!ValidSlot(slot)) return;
     form.labelText = LabelText(project.Peaks[slot]);
     const float typed = project.Quant.RsfOverride[slot];
     form.rsfText = typed > 0 ? FormatRoundTrip(typed) : "";
-    const std::optional<double> rsf = DefaultRsf(form.labelText, project.Quant.SourceEnergy);
-    form.rsfPlaceholder = rsf ? FormatFixed(*rsf, 3) + " from xraylib" : "none";
+    form.rsfPlaceholder = RsfPlaceholder(project, form.labelText);
     form.shownText["labelText"] = form.labelText;
     form.shownText["rsfText"] = form.rsfText;
 }

@@ -18,6 +18,9 @@ namespace molvera {
 /// typed for it ("" when the computed one is used) and what the empty RSF box shows
 /// ("2.881 from xraylib", or "none" when the label names no core level).
 void FillQuantBoxes(const Project& project, PeakForm& form, int slot);
+/// What the empty RSF box shows for a label: the computed RSF ("2.931 from xraylib") or
+/// "none".
+std::string RsfPlaceholder(const Project& project, const std::string& label);
 
 /// The Label and RSF boxes the user changed: a label longer than 20 characters, an RSF
 /// that is no number or not positive is refused ("RSF: 'abc' is not a number") with the

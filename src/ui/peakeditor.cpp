@@ -173,6 +173,9 @@ QHBoxLayout* PeakEditor::QuantRow() {
     menu->setObjectName(QStringLiteral("labelChoicesMenu"));
     suggest_->setMenu(menu);
     connect(menu, &QMenu::aboutToShow, this, &PeakEditor::FillLabelChoices);
+    connect(label_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        rsf_->setPlaceholderText(FromLatin1(RsfPlaceholder(project_, ToLatin1(text))));
+    });
     rsf_ = NamedBox(this, QStringLiteral("rsfText"), 150);
     rsf_->setToolTip(
         QStringLiteral("Relative sensitivity factor; empty for the one computed from the label"));
