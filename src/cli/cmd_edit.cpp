@@ -9,6 +9,7 @@
 #include "cli/common.h"
 #include "model/project.h"
 #include "session/backgroundform.h"
+#include "session/formnumber.h"
 #include "session/peakform.h"
 #include "spectral/lineshape.h"
 #include "spectral/regionedit.h"
@@ -75,6 +76,19 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
         return Fail("--fix takes a list of position, area, fwhm, gl");
     if (auto v = args.Value("free"); v && !ParseParameterList(*v, freed))
         return Fail("--free takes a list of position, area, fwhm, gl");
+    // --label: Latin-1, at most 20 characters ("" clears it); --rsf: above 0, or auto (0).
+    const std::optional<std::string> label = args.Value("label");
+    const std::string latin1 = Utf8ToLatin1(label.value_or(""));
+    if (label && Latin1ToUtf8(latin1) != *label)
+        return Fail("--label: '" + *label + "' holds a character outside Latin-1");
+    if (latin1.size() > Text20{}.chars.size())
+        return Fail("--label: '" + *label + "' is longer than 20 characters");
+    const std::optional<std::string> rsfText = args.Value("rsf");
+    float rsf = 0;
+    if (rsfText && *rsfText != "auto") {
+        rsf = BoxSingle(*rsfText);
+        if (!(rsf > 0)) return Fail("--rsf: '" + *rsfText + "' is not above 0 (a number or auto)");
+    }
 
     PeakForm form;
     if (!OpenPeakEditor(project, s.host, form, PeakButtonIndex(project.CurrentRegion, k)))
@@ -99,6 +113,8 @@ int EditWithPeakEditor(Session& s, const Args& args, int slot) {
     for (PeakParameter p : fix) SetFixCheck(project, form, p, true);
     for (PeakParameter p : freed) SetFixCheck(project, form, p, false);
     if (Status st = AcceptPeakEditor(project, s.host, form); !st) return Refused(st);
+    if (label) peak.Label = Text20::From(latin1);
+    if (rsfText) project.Quant.RsfOverride[slot] = rsf;
     return 0;
 }
 

@@ -19,6 +19,7 @@ int RunBackground(const Args& args);
 int RunAddPeak(const Args& args);
 int RunEditPeak(const Args& args);
 int RunDeletePeak(const Args& args);
+int RunQuantify(const Args& args);
 int RunExportSpectrum(const Args& args);
 int RunExportPeaks(const Args& args);
 int RunSaveParams(const Args& args);

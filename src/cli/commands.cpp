@@ -9,15 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "base/version.h"
 #include "cli/command_list.h"
 #include "cli/common.h"
 #include "cli/completion.h"
 #include "fileio/formats.h"
 #include "session/formnumber.h"
-
-#ifndef MOLVERA_VERSION
-#define MOLVERA_VERSION "unknown"
-#endif
 
 namespace molvera::cli {
 
@@ -66,6 +63,8 @@ std::vector<Opt> PeakOptions(std::vector<Opt> options) {
         {"--ts", "T", "tail scale", Check::Number},
         {"--tl", "L", "tail length", Check::Number},
         {"--fix", "LIST", "fix these of position, area, fwhm, gl (comma-separated)"},
+        {"--label", "TEXT", "element and level first ('C 1s'), up to 20 Latin-1 characters"},
+        {"--rsf", "R|auto", "relative sensitivity factor; auto: the computed one", Check::Number},
     };
     options.insert(options.end(), std::begin(boxes), std::end(boxes));
     options.push_back(Out("OUT.xps"));
@@ -126,7 +125,7 @@ const std::vector<CommandDef>& Commands() {
         {"add-peak",
          "molvera-cli add-peak IN.xps --region N [--position P] [--fwhm W] [--area A | "
          "--height H] [--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] "
-         "[--fix position,area,fwhm,gl] -o OUT.xps",
+         "[--fix position,area,fwhm,gl] [--label TEXT] [--rsf R|auto] -o OUT.xps",
          "add a peak to a region and print its slot number",
          RunAddPeak,
          {kIn},
@@ -134,11 +133,25 @@ const std::vector<CommandDef>& Commands() {
         {"edit-peak",
          "molvera-cli edit-peak IN.xps --peak S [--position P] [--fwhm W] [--area A | "
          "--height H] [--gl G] [--type s|p|d|f] [--splitting S] [--ts T] [--tl L] [--fix LIST] "
-         "[--free LIST] -o OUT.xps",
+         "[--free LIST] [--label TEXT] [--rsf R|auto] -o OUT.xps",
          "change a peak as the peak editor's Accept does",
          RunEditPeak,
          {kIn},
          PeakOptions({kPeak, {"--free", "LIST", "free these of position, area, fwhm, gl"}})},
+        {"quantify",
+         "molvera-cli quantify IN.xps [--source al|mg|EV] [--transmission-exponent A] "
+         "[--imfp-exponent B] [--suggest] [-o OUT.xps]",
+         "print the quantification table (peaks, then elements with at.%) as CSV; with -o save "
+         "the project with the settings given",
+         RunQuantify,
+         {kIn},
+         {{"--source", "al|mg|EV", "X-ray source: Al K-alpha, Mg K-alpha or a photon energy (eV)",
+           Check::Number},
+          {"--transmission-exponent", "A", "analyser transmission E^A (default -0.5)",
+           Check::Number},
+          {"--imfp-exponent", "B", "inelastic mean free path E^B (default 0.7)", Check::Number},
+          {"--suggest", nullptr, "add the core levels near each unlabelled peak"},
+          Out("OUT.xps", "save the project with the settings given")}},
         {"delete-peak",
          "molvera-cli delete-peak IN.xps --peak S -o OUT.xps",
          "delete a peak",
@@ -414,7 +427,8 @@ void PrintOverview() {
     }
     std::printf(
         "\nRegions are numbered 1..10, peaks by their slot 0..50. Every command that loads or\n"
-        "computes takes --options FILE.opa (default: default.opa in the working directory).\n"
+        "computes takes --options FILE.opa (default: default.opa in the working directory,\n"
+        "else in ~/.config/molvera, else the installed one).\n"
         "Run 'molvera-cli COMMAND --help' for the options of a command.\n"
         "\nOptions:\n"
         "  --help     print this help and exit\n"
@@ -435,13 +449,13 @@ int RunCompletion(const Args& args) {
 }
 
 int Main(int argc, char** argv) {
+    if (argc == 2 && !std::strcmp(argv[1], "--version")) {
+        std::printf("molvera-cli %s\n", ProgramVersion());
+        return 0;
+    }
     if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "help")) {
         PrintOverview();
         return argc < 2 ? kExitUsage : 0;
-    }
-    if (!std::strcmp(argv[1], "--version")) {
-        std::printf("molvera-cli %s\n", MOLVERA_VERSION);
-        return 0;
     }
     const CommandDef* c = FindCommand(argv[1]);
     if (!c) {

@@ -43,8 +43,9 @@ void CliHost::Yield() {
 Status LoadOptions(const Args& args, Session& s) {
     auto path = args.Value("options");
     if (!path) {
-        if (!std::filesystem::exists("default.opa")) return Status::Ok();
-        return ReadOptionFile(s.project.Options, "default.opa");
+        const std::string found = FindDefaultOptions();
+        if (found.empty()) return Status::Ok();
+        return ReadOptionFile(s.project.Options, found);
     }
     if (!std::filesystem::exists(*path)) return Status::Error("cannot open " + *path);
     return ReadOptionFile(s.project.Options, *path);

@@ -51,8 +51,9 @@ struct Session {
     CliHost host{project};
 };
 
-/// Reads --options FILE (default: default.opa in the working directory; a missing
-/// default gives no message) into the session's fitting options.
+/// Reads --options FILE (default: FindDefaultOptions(), the working directory's
+/// default.opa, the user's or the installed one; none gives no message) into the
+/// session's fitting options.
 Status LoadOptions(const Args& args, Session& s);
 
 /// Loads a project file into the session.

@@ -1,5 +1,7 @@
 #include "fileio/optionfile.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -105,6 +107,29 @@ std::string OptionFileBytes(const FitOptions& options) {
 
 Status WriteOptionFile(const FitOptions& options, const std::string& path) {
     return WriteFileBytes(path, OptionFileBytes(options), msg::kErrorWritingFile);
+}
+
+std::string InstalledDataDir() { return MOLVERA_DATA_DIR; }
+
+std::vector<std::string> DefaultOptionsFolders(const std::string& dataDir) {
+    std::vector<std::string> folders{""};
+    const char* config = std::getenv("XDG_CONFIG_HOME");
+    const char* home = std::getenv("HOME");
+    if (config && config[0] == '/')
+        folders.push_back(std::string(config) + "/molvera");
+    else if (home && home[0] == '/')
+        folders.push_back(std::string(home) + "/.config/molvera");
+    folders.push_back(dataDir);
+    return folders;
+}
+
+std::string FindDefaultOptions(const std::vector<std::string>& folders) {
+    for (const std::string& folder : folders) {
+        std::string path = folder.empty() ? "default.opa" : folder + "/default.opa";
+        std::error_code ec;
+        if (std::filesystem::is_regular_file(path, ec)) return path;
+    }
+    return "";
 }
 
 }  // namespace molvera

@@ -42,4 +42,17 @@ std::string OptionFileBytes(const FitOptions& options);
 /// ("Error in writing file").
 Status WriteOptionFile(const FitOptions& options, const std::string& path);
 
+/// The folder where the package installs its data files (default.opa).
+std::string InstalledDataDir();
+
+/// The folders where the start-up options `default.opa` are looked for, first first: the
+/// working directory (""), the user's configuration folder ($XDG_CONFIG_HOME/molvera, or
+/// ~/.config/molvera), and `dataDir`, by default the installed /usr/share/molvera.
+std::vector<std::string> DefaultOptionsFolders(const std::string& dataDir = InstalledDataDir());
+
+/// The first `default.opa` of `folders` that is a file ("default.opa" itself for the
+/// working directory), or "" when there is none: the built-in options apply. The desktop
+/// program and molvera-cli both start from this file.
+std::string FindDefaultOptions(const std::vector<std::string>& folders = DefaultOptionsFolders());
+
 }  // namespace molvera

@@ -13,6 +13,7 @@
 #include "fileio/records_io.h"
 #include "model/project.h"
 #include "spectral/envelope.h"
+#include "spectral/quantify.h"
 #include "spectral/regionedit.h"
 
 namespace molvera {
@@ -215,9 +216,7 @@ Status ReadExtensionBlock(std::string_view bytes, QuantSettings& quant) {
         q.SourceEnergy = in.F32();
         q.TransmissionExponent = in.F32();
         q.ImfpExponent = in.F32();
-        if (!Finite(q.SourceEnergy) || q.SourceEnergy <= 0 || !Finite(q.TransmissionExponent) ||
-            !Finite(q.ImfpExponent))
-            throw ReadError("settings out of range");
+        if (!QuantSettingsInRange(q)) throw ReadError("settings out of range");
         const int count = in.I16();
         if (count < 0 || count > kPeakSlots) throw ReadError("count out of range");
         for (int i = 0; i < count; ++i) {

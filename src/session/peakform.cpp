@@ -9,6 +9,7 @@
 #include "fitting/uncertainty.h"
 #include "session/fitcommands.h"
 #include "session/formnumber.h"
+#include "session/quantform.h"
 #include "spectral/envelope.h"
 #include "spectral/lineshape.h"
 #include "spectral/regionedit.h"
@@ -119,6 +120,7 @@ bool RestoreSavedPeak(Project& project, Host& host, PeakForm& form) {
         return false;
     }
     project.Peaks[slot] = project.SavedPeaks[slot];
+    project.Quant.RsfOverride[slot] = form.savedRsf;
     HideEditor(form);
     return IsSet(project.Current().HasBackground);
 }
@@ -169,6 +171,7 @@ bool OpenPeakEditor(Project& project, Host& host, PeakForm& form, int buttonInde
 
     project.CurrentPeak = static_cast<Int16>(slot);
     project.SavedPeaks[slot] = project.Peaks[slot];
+    form.savedRsf = project.Quant.RsfOverride[slot];
     FillPeakEditor(project, form, slot);
     project.AreaScale = form.areaScale;
     host.CurvesChanged();
@@ -236,6 +239,7 @@ void FillPeakEditor(const Project& project, PeakForm& form, int slot) {
     SetBarFromPeak(form, PeakParameter::GL, true, peak.PercentGL);
 
     for (const NumberBox& box : PeakBoxes(form)) form.shownText[box.field] = box.text;
+    FillQuantBoxes(project, form, slot);
 
     for (PeakParameter which : kPeakParameters)
         form.relationText[static_cast<std::size_t>(which)] = RelationText(project, slot, which);
@@ -301,6 +305,7 @@ Status ApplyPeakEditor(Project& project, PeakForm& form) {
     for (const NumberBox& box : boxes)
         if (BoxTyped(form, box)) typed.push_back(box);
     if (Status st = CheckNumberBoxes(typed, form.invalidBox); !st) return st;
+    if (Status st = CheckQuantBoxes(form); !st) return st;
     Peak& peak = project.Peaks[slot];
     auto read = [&](std::size_t i, float& field) {
         if (BoxTyped(form, boxes[i])) field = BoxSingle(boxes[i].text);
@@ -334,6 +339,7 @@ Status ApplyPeakEditor(Project& project, PeakForm& form) {
     peak.FixFWHM = CheckValue(form.fixFWHM);
     peak.FixArea = CheckValue(form.fixArea);
     peak.FixGL = CheckValue(form.fixGL);
+    StoreQuantBoxes(project, form, slot);
     return Status::Ok();
 }
 
@@ -408,17 +414,22 @@ Status RedrawPeakEditor(Project& project, Host& host, PeakForm& form) {
 
 bool LiveApplyPeakEditor(Project& project, Host& host, PeakForm& form) {
     if (!form.visible || !ValidSlot(project.CurrentPeak)) return false;
-    // The boxes' texts by PeakBoxes order.
-    static constexpr std::array<std::string PeakForm::*, 7> kTexts{
-        &PeakForm::positionText,  &PeakForm::fwhmText,      &PeakForm::areaText,
-        &PeakForm::glText,        &PeakForm::splittingText, &PeakForm::tailScaleText,
-        &PeakForm::tailLengthText};
+    // The boxes' texts by PeakBoxes order, then Label and RSF.
+    static constexpr std::array<std::string PeakForm::*, 9> kTexts{
+        &PeakForm::positionText,   &PeakForm::fwhmText,      &PeakForm::areaText,
+        &PeakForm::glText,         &PeakForm::splittingText, &PeakForm::tailScaleText,
+        &PeakForm::tailLengthText, &PeakForm::labelText,     &PeakForm::rsfText};
+    static constexpr std::array<const char*, 2> kQuantFields{"labelText", "rsfText"};
     std::array<bool, kTexts.size()> typed{};
     const std::vector<NumberBox> boxes = PeakBoxes(form);
     bool any = false;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         typed[i] = BoxTyped(form, boxes[i]);
         if (typed[i] && !BoxNumber(boxes[i].text)) return false;
+        any = any || typed[i];
+    }
+    for (std::size_t i = boxes.size(); i < kTexts.size(); ++i) {
+        typed[i] = BoxTyped(form, {"", kQuantFields[i - boxes.size()], form.*kTexts[i]});
         any = any || typed[i];
     }
     const Peak& peak = project.Peaks[project.CurrentPeak];
@@ -431,7 +442,8 @@ bool LiveApplyPeakEditor(Project& project, Host& host, PeakForm& form) {
     for (std::size_t i = 0; i < kTexts.size(); ++i) {
         if (!typed[i]) continue;
         form.*kTexts[i] = kept[i];
-        form.shownText[boxes[i].field] = kept[i];
+        form.shownText[i < boxes.size() ? boxes[i].field : kQuantFields[i - boxes.size()]] =
+            kept[i];
     }
     return true;
 }

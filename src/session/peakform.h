@@ -50,7 +50,11 @@ struct PeakForm {
     std::string tailScaleText;   ///< "TS"
     std::string tailLengthText;  ///< "TL"
     std::string caption;
-    std::string invalidBox;  ///< field of the box last refused as no number; "" when none
+    std::string labelText;       ///< the peak's label (at most 20 characters)
+    std::string rsfText;         ///< an RSF typed for the peak; "" for the computed one
+    std::string rsfPlaceholder;  ///< what the empty RSF box shows ("2.881 from xraylib")
+    float savedRsf = 0;          ///< the typed RSF when the editor opened, for Cancel
+    std::string invalidBox;      ///< field of the box last refused as no number; "" when none
     /// The number boxes' texts as the program last wrote them, by field ("positionText"):
     /// Apply reads only boxes whose text differs, so a value shown rounded stays exact.
     std::map<std::string, std::string> shownText;

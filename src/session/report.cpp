@@ -102,6 +102,9 @@ std::vector<Row> RegionRows(const Project& project, int r) {
     const bool fitted = IsSet(region.HasData) && IsSet(region.HasBackground);
     Uncertainties u;
     if (fitted) u = ComputeUncertainties(project, {r});
+    const QuantTable quant = Quantify(project);
+    double counted = 0;
+    for (const QuantElement& e : quant.elements) counted += e.normalisedArea;
     std::vector<Row> rows;
     for (int slot : slots) {
         const Peak& peak = project.Peaks[slot];
@@ -137,9 +140,17 @@ std::vector<Row> RegionRows(const Project& project, int r) {
             }
             row.push_back(TextCell(c.mark, !relation.empty() ? relation : fixed ? "fixed" : ""));
         }
-        // Quantification: filled once peaks carry sensitivity factors.
-        for (const char* name : {"rsf", "normalised_area", "at_percent"})
-            row.push_back({name, "", nullptr});
+        // Quantification: the peak's RSF, normalised area and share of all counted peaks.
+        std::optional<double> rsf, normalised, percent;
+        for (const QuantRow& q : quant.peaks) {
+            if (q.slot != slot) continue;
+            if (q.rsf > 0) rsf = q.rsf;
+            if (q.counted) normalised = q.normalisedArea;
+            if (q.counted && counted > 0) percent = 100 * q.normalisedArea / counted;
+        }
+        row.push_back(DoubleCell("rsf", rsf));
+        row.push_back(DoubleCell("normalised_area", normalised));
+        row.push_back(DoubleCell("at_percent", percent));
         rows.push_back(std::move(row));
     }
     return rows;
@@ -184,6 +195,61 @@ std::string Base64(const std::string& bytes) {
     return out;
 }
 
+// One HTML table: a header row, then rows whose cells after the first `texts` are numbers.
+std::string HtmlTable(const std::vector<std::string>& header,
+                      const std::vector<std::vector<std::string>>& rows, std::size_t texts) {
+    std::string html = "<table>\n<tr>";
+    for (const std::string& title : header) html += "<th>" + HtmlEscaped(title) + "</th>";
+    html += "</tr>\n";
+    for (const std::vector<std::string>& row : rows) {
+        html += "<tr>";
+        for (std::size_t c = 0; c < row.size(); ++c)
+            html += (c < texts ? "<td>" : "<td class=\"n\">") + HtmlEscaped(row[c]) + "</td>";
+        html += "</tr>\n";
+    }
+    return html + "</table>\n";
+}
+
+// The quantification at the top of the page: its settings, the atomic percentages of the
+// labels and the peaks they sum.
+std::string QuantHtml(const Project& project) {
+    const QuantSettings& q = project.Quant;
+    const QuantTable table = Quantify(project);
+    auto general = [](double v) {
+        return std::isfinite(v) ? FormatGeneral(static_cast<float>(v)) : std::string();
+    };
+    std::string html = "<h2>Quantification</h2>\n<p>Source " + FormatGeneral(q.SourceEnergy) +
+                       " eV; normalised area = area / (RSF &middot; E<sup>" +
+                       FormatGeneral(q.TransmissionExponent) + "</sup> &middot; E<sup>" +
+                       FormatGeneral(q.ImfpExponent) + "</sup>), E the kinetic energy.</p>\n";
+    if (table.elements.empty())
+        return html +
+               "<p>No peak is counted: a peak counts once it has a label such as "
+               "&ldquo;C 1s&rdquo; with a known or typed RSF.</p>\n";
+    double counted = 0;
+    std::vector<std::vector<std::string>> rows;
+    for (const QuantElement& e : table.elements) {
+        counted += e.normalisedArea;
+        rows.push_back({Latin1ToUtf8(e.label), general(e.normalisedArea),
+                        std::isfinite(e.atomicPercent) ? FormatFixed(e.atomicPercent, 2) : ""});
+    }
+    html += HtmlTable({"Label", "Normalised area", "At. %"}, rows, 1);
+    rows.clear();
+    for (const QuantRow& p : table.peaks)
+        rows.push_back({std::to_string(p.region + 1), std::to_string(p.slot), Latin1ToUtf8(p.label),
+                        FormatGeneral(p.position), FormatGeneral(p.area),
+                        p.rsf > 0 ? general(p.rsf) : "", p.counted ? general(p.normalisedArea) : "",
+                        p.counted && counted > 0 && std::isfinite(counted)
+                            ? FormatFixed(100 * p.normalisedArea / counted, 2)
+                            : ""});
+    html += HtmlTable(
+        {"Region", "Peak", "Label", "Position (eV)", "Area", "RSF", "Normalised area", "At. %"},
+        rows, 3);
+    for (const std::string& note : table.notes)
+        html += "<p class=\"note\">" + HtmlEscaped(Latin1ToUtf8(note)) + "</p>\n";
+    return html;
+}
+
 const char* BackgroundName(BackgroundKind kind) {
     switch (kind) {
         case BackgroundKind::Shirley:
@@ -201,6 +267,33 @@ const char* MethodName(float method) {
 }
 
 }  // namespace
+
+std::string QuantCsv(const QuantTable& table, bool suggest) {
+    auto number = [](double v, bool known) {
+        return known && std::isfinite(v) ? ExactText(v) : std::string();
+    };
+    std::string text = "region,peak,label,position,area,rsf,normalised_area";
+    text += suggest ? ",suggestions\n" : "\n";
+    for (const QuantRow& p : table.peaks) {
+        text += std::to_string(p.region + 1) + "," + std::to_string(p.slot) + "," +
+                CsvField(Latin1ToUtf8(p.label)) + "," + FormatRoundTrip(p.position) + "," +
+                FormatRoundTrip(p.area) + "," + number(p.rsf, p.rsf > 0) + "," +
+                number(p.normalisedArea, p.counted);
+        if (suggest) {
+            std::string near;
+            if (p.label.empty())
+                for (const std::string& level : SuggestLabels(p.position))
+                    near += (near.empty() ? "" : "; ") + level;
+            text += "," + CsvField(near);
+        }
+        text += "\n";
+    }
+    text += "\nlabel,normalised_area,at_percent\n";
+    for (const QuantElement& e : table.elements)
+        text += CsvField(Latin1ToUtf8(e.label)) + "," + number(e.normalisedArea, true) + "," +
+                number(e.atomicPercent, true) + "\n";
+    return text;
+}
 
 std::vector<int> ReportRegions(const Project& project, int region) {
     std::vector<int> regions;
@@ -267,6 +360,27 @@ std::string ReportJson(const Project& project, const std::vector<int>& regions,
         list.push_back(j);
     }
     report["regions"] = list;
+    const QuantSettings& q = project.Quant;
+    Json quant;
+    quant["source_energy"] = FloatJson(q.SourceEnergy);
+    quant["transmission_exponent"] = FloatJson(q.TransmissionExponent);
+    quant["imfp_exponent"] = FloatJson(q.ImfpExponent);
+    Json overrides = Json::array();
+    for (int slot = 0; slot < kPeakSlots; ++slot)
+        if (q.RsfOverride[slot] != 0)
+            overrides.push_back({{"peak", slot}, {"rsf", FloatJson(q.RsfOverride[slot])}});
+    quant["rsf_overrides"] = overrides;
+    Json elements = Json::array();
+    const QuantTable table = Quantify(project);
+    for (const QuantElement& e : table.elements)
+        elements.push_back({{"label", Latin1ToUtf8(e.label)},
+                            {"normalised_area", DoubleCell("", e.normalisedArea).json},
+                            {"at_percent", DoubleCell("", e.atomicPercent).json}});
+    quant["elements"] = elements;
+    Json notes = Json::array();
+    for (const std::string& note : table.notes) notes.push_back(Latin1ToUtf8(note));
+    quant["notes"] = notes;
+    report["quantification"] = quant;
     return report.dump(2) + "\n";
 }
 
@@ -279,9 +393,10 @@ std::string ReportHtml(const Project& project, const std::vector<int>& regions,
         "table { border-collapse: collapse; margin-bottom: 2em; }\n"
         "th, td { border: 1px solid #888; padding: 2px 6px; }\n"
         "td.n { text-align: right; font-variant-numeric: tabular-nums; }\n"
+        "p.note { color: #a0522d; }\n"
         "img { max-width: 100%; }\n</style></head>\n<body>\n<h1>" +
         HtmlEscaped(source) + "</h1>\n<p>Molvera " MOLVERA_VERSION ", " +
-        MethodName(project.Options.Method) + "</p>\n";
+        MethodName(project.Options.Method) + "</p>\n" + QuantHtml(project);
     for (std::size_t i = 0; i < regions.size(); ++i) {
         const int r = regions[i];
         html += "<h2>Region " + std::to_string(r + 1) + " " +
@@ -289,19 +404,15 @@ std::string ReportHtml(const Project& project, const std::vector<int>& regions,
         if (i < pngs.size() && !pngs[i].empty())
             html += "<p><img alt=\"region " + std::to_string(r + 1) +
                     "\" src=\"data:image/png;base64," + Base64(pngs[i]) + "\"></p>\n";
-        // The peak table of the region window, in its readable form.
-        html += "<table>\n<tr>";
-        for (const std::string& title : PeakTableHeader())
-            html += "<th>" + HtmlEscaped(Latin1ToUtf8(title)) + "</th>";
-        html += "</tr>\n";
+        // The peak table of the region window, in its readable form (peak and type as text).
+        std::vector<std::vector<std::string>> rows;
         for (const PeakTableRow& row : PeakTableRows(project, r)) {
-            html += "<tr>";
-            for (std::size_t c = 0; c < row.cells.size(); ++c)
-                html += (c == kPeakColumn || c == kTypeColumn ? "<td>" : "<td class=\"n\">") +
-                        HtmlEscaped(Latin1ToUtf8(row.cells[c])) + "</td>";
-            html += "</tr>\n";
+            rows.emplace_back();
+            for (const std::string& cell : row.cells) rows.back().push_back(Latin1ToUtf8(cell));
         }
-        html += "</table>\n";
+        std::vector<std::string> header;
+        for (const std::string& title : PeakTableHeader()) header.push_back(Latin1ToUtf8(title));
+        html += rows.empty() ? "<p>No peaks.</p>\n" : HtmlTable(header, rows, kTypeColumn + 1);
     }
     return html + "</body></html>\n";
 }

@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include <QAction>
+#include <QMenuBar>
 
 #include "model/project.h"
 #include "session/mainwindow.h"
@@ -17,6 +18,7 @@
 #include "ui/peakeditor.h"
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
+#include "ui/quantwindow.h"
 #include "ui/regiondialogs.h"
 #include "ui/regionwindow.h"
 #include "ui/workspace.h"
@@ -62,6 +64,7 @@ void Gui::RefreshEditMenus() {
 
 void Gui::RecordStep() {
     region_->Table()->RequestRefresh();  // a Fix box, a label: changes that draw nothing
+    quant_->RequestRefresh();
     history_.Record(*project_);
     RefreshEditMenus();
 }
@@ -86,6 +89,11 @@ void Gui::BuildDialogs() {
     caption_ = std::make_unique<RegionCaptionDialog>(*project_, host_);
     constraints_ = std::make_unique<ConstraintDialog>(*project_, host_);
     peakEditor_ = std::make_unique<PeakEditor>(*project_, host_, *region_->Plot(), *constraints_);
+    quant_ = std::make_unique<QuantWindow>(*project_, host_);
+    const auto openQuant = [this] { quant_->Open(); };
+    AddToolsMenu(*main_->findChild<QMenuBar*>(), openQuant);
+    AddToolsMenu(*region_->menuBar(), openQuant);
+    region_->redrawn = [this] { quant_->RequestRefresh(); };
 
     background_->repaintPlot = [this] { region_->Plot()->RedrawNow(); };
     region_->openBackgroundDialog = [this] { background_->Open(); };
@@ -119,7 +127,7 @@ void Gui::BuildDialogs() {
     host_.enableDialogs = [this](bool enabled) {
         for (QWidget* w :
              std::initializer_list<QWidget*>{background_.get(), shift_.get(), caption_.get(),
-                                             constraints_.get(), peakEditor_.get()})
+                                             constraints_.get(), peakEditor_.get(), quant_.get()})
             w->setEnabled(enabled);
     };
 }

@@ -25,6 +25,7 @@ class RegionCaptionDialog;
 class PeakEditor;
 class ConstraintDialog;
 class Workspace;
+class QuantWindow;
 
 /// One running program.
 class Gui {
@@ -55,6 +56,7 @@ public:
     RegionCaptionDialog& regionCaptionDialog() { return *caption_; }
     PeakEditor& peakEditor() { return *peakEditor_; }
     ConstraintDialog& constraintDialog() { return *constraints_; }
+    QuantWindow& quantWindow() { return *quant_; }
     UndoHistory& history() { return history_; }
     Workspace& workspace() { return *workspace_; }
 
@@ -78,6 +80,7 @@ private:
     std::unique_ptr<RegionCaptionDialog> caption_;
     std::unique_ptr<ConstraintDialog> constraints_;
     std::unique_ptr<PeakEditor> peakEditor_;
+    std::unique_ptr<QuantWindow> quant_;
     UndoHistory history_;
     std::unique_ptr<Workspace> workspace_;
 

@@ -17,6 +17,7 @@
 #include "fileio/projectfile.h"
 #include "model/project.h"
 #include "session/fitcommands.h"
+#include "ui/about.h"
 #include "ui/filechooser.h"
 #include "ui/qthost.h"
 #include "ui/widgets.h"
@@ -113,6 +114,7 @@ MainWindow::MainWindow(Project& project, QtHost& host, FileDialog& files, QWidge
     auto* layout = new QVBoxLayout(this);
     auto* bar = new QMenuBar(this);
     AddEditMenu(*bar);
+    AddHelpMenu(*bar, *this);
     layout->setMenuBar(bar);
     layout->addLayout(grid);
     layout->addWidget(frame);

@@ -11,11 +11,14 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "session/peakoptimise.h"
+#include "session/quantform.h"
 #include "ui/constraintdialog.h"
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
@@ -57,6 +60,7 @@ PeakEditor::PeakEditor(Project& project, QtHost& host, PlotWidget& plot,
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
+    layout->addLayout(QuantRow());
     layout->addWidget(
         ParameterFrame(rows_[0], QStringLiteral("Position"), QStringLiteral("Position")));
     layout->addWidget(ParameterFrame(rows_[1], QStringLiteral("FWHM"), QStringLiteral("FWHM")));
@@ -155,6 +159,51 @@ QGroupBox* PeakEditor::AsymmetryFrame() {
     return asymmetry_;
 }
 
+QHBoxLayout* PeakEditor::QuantRow() {
+    auto* line = new QHBoxLayout;
+    label_ = NamedBox(this, QStringLiteral("labelText"), 130);
+    label_->setMaxLength(20);
+    label_->setToolTip(QStringLiteral("Element and core level, as C 1s or Fe 2p3/2"));
+    suggest_ = new QToolButton(this);
+    suggest_->setObjectName(QStringLiteral("suggestLabelButton"));
+    suggest_->setText(QStringLiteral("Suggest"));
+    suggest_->setToolTip(QStringLiteral("Core levels near the peak's position"));
+    suggest_->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(suggest_);
+    menu->setObjectName(QStringLiteral("labelChoicesMenu"));
+    suggest_->setMenu(menu);
+    connect(menu, &QMenu::aboutToShow, this, &PeakEditor::FillLabelChoices);
+    connect(label_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        rsf_->setPlaceholderText(FromLatin1(RsfPlaceholder(project_, ToLatin1(text))));
+    });
+    rsf_ = NamedBox(this, QStringLiteral("rsfText"), 150);
+    rsf_->setToolTip(
+        QStringLiteral("Relative sensitivity factor; empty for the one computed from the label"));
+    line->addWidget(new QLabel(QStringLiteral("Label"), this));
+    line->addWidget(label_);
+    line->addWidget(suggest_);
+    line->addSpacing(16);
+    line->addWidget(new QLabel(QStringLiteral("RSF"), this));
+    line->addWidget(rsf_);
+    line->addStretch();
+    return line;
+}
+
+void PeakEditor::FillLabelChoices() {
+    QMenu* menu = suggest_->menu();
+    menu->clear();
+    const std::vector<std::string> choices = LabelChoices(project_, project_.CurrentPeak);
+    for (const std::string& choice : choices) {
+        const QString text = FromLatin1(choice);
+        connect(menu->addAction(text), &QAction::triggered, this, [this, text] {
+            label_->setText(text);  // as if typed: takes effect as the other boxes do
+            liveTimer_.start();
+        });
+    }
+    if (choices.empty())
+        menu->addAction(QStringLiteral("No core level within 5 eV"))->setEnabled(false);
+}
+
 void PeakEditor::ShowForm() {
     showing_ = true;
     setWindowTitle(FromLatin1(form_.caption));
@@ -164,6 +213,9 @@ void PeakEditor::ShowForm() {
     actualFWHM_->setText(FromLatin1(form_.actualFWHM));
     SetBoxText(tailScale_, form_.tailScaleText);
     SetBoxText(tailLength_, form_.tailLengthText);
+    SetBoxText(label_, form_.labelText);
+    SetBoxText(rsf_, form_.rsfText);
+    rsf_->setPlaceholderText(FromLatin1(form_.rsfPlaceholder));
     for (ParameterRow& row : rows_) {
         SetBoxText(row.box, form_.*row.text);
         MarkConstraints(row);
@@ -182,6 +234,8 @@ void PeakEditor::ReadForm() {
     form_.splittingText = ToLatin1(splitting_->text());
     form_.tailScaleText = ToLatin1(tailScale_->text());
     form_.tailLengthText = ToLatin1(tailLength_->text());
+    form_.labelText = ToLatin1(label_->text());
+    form_.rsfText = ToLatin1(rsf_->text());
     for (ParameterRow& row : rows_) {
         form_.*row.text = ToLatin1(row.box->text());
         form_.*row.check = row.fix->isChecked();

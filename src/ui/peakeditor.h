@@ -15,9 +15,11 @@
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
+class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QScrollBar;
+class QToolButton;
 
 namespace molvera::ui {
 
@@ -86,6 +88,10 @@ private:
     };
     QGroupBox* ParameterFrame(ParameterRow& row, const QString& title, const QString& parameter);
     QGroupBox* AsymmetryFrame();
+    /// The Label box with its drop-down of suggested core levels, and the RSF box.
+    QHBoxLayout* QuantRow();
+    /// The suggestions for the edited peak's position into the drop-down.
+    void FillLabelChoices();
     void BarMoved(ParameterRow& row, int position);
     void FixToggled(ParameterRow& row, bool checked);
     void SyncHighlight();
@@ -109,6 +115,9 @@ private:
     QGroupBox* asymmetry_ = nullptr;
     QLineEdit* tailScale_ = nullptr;
     QLineEdit* tailLength_ = nullptr;
+    QLineEdit* label_ = nullptr;
+    QToolButton* suggest_ = nullptr;
+    QLineEdit* rsf_ = nullptr;
     QTimer liveTimer_;
 };
 

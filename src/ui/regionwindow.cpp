@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 
+#include "ui/about.h"
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/qthost.h"
@@ -109,6 +110,7 @@ void RegionWindow::BuildMenus() {
             [this] { OptimiseRegionCommand(); });
     AddItem(nullptr, QStringLiteral("ReDisplay"), "redisplayAction",
             [this] { ReDisplayCommand(); });
+    AddHelpMenu(*menuBar(), *this);
 }
 
 QAction* RegionWindow::Action(const QString& itemName) const {
@@ -119,11 +121,13 @@ void RegionWindow::ShowRegion(bool redraw) {
     if (!isVisible()) show();
     if (redraw) plot_->RequestRedraw();
     table_->RequestRefresh();
+    if (redrawn) redrawn();
 }
 
 void RegionWindow::Redraw() {
     plot_->RequestRedraw();
     table_->RequestRefresh();
+    if (redrawn) redrawn();
 }
 
 void RegionWindow::SetWarning(const QString& text) {

@@ -72,6 +72,8 @@ public:
     std::function<void()> addPeak;  ///< Add Peak and the peak editor on the new peak
     std::function<void()> openRegionCaption;
     std::function<void()> openRegionShift;
+    /// Called whenever the plot and the peak table are asked to follow the project.
+    std::function<void()> redrawn;
     /// Called with the path of an instrument file imported.
     std::function<void(const std::string& path)> fileUsed;
 

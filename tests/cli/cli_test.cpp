@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "base/version.h"
 #include "session/jsondump.h"
 #include "support/files.h"
 
@@ -100,6 +101,11 @@ TEST_F(Cli, RefusalsExitNonZeroAndWriteNothing) {
          "Wrong file format\njunk.xps: no project header (\"MOLVERA 4.0\", \"MOLVERA 3.0\" or "
          "\"SF\")\n"},
         {"frobnicate", 2, ""},
+        {"edit-peak p.xps --peak 0 --label 'abcdefghijklmnopqrstu' -o o.xps", 1, "longer than 20"},
+        {"edit-peak p.xps --peak 0 --label 'C \u2603' -o o.xps", 1, "outside Latin-1"},
+        {"edit-peak p.xps --peak 0 --rsf 0 -o o.xps", 1, "--rsf: '0' is not above 0"},
+        {"quantify p.xps --source 0 -o o.xps", 1, "--source is al, mg or a photon energy"},
+        {"quantify p.xps --imfp-exponent 6 -o o.xps", 1, "lie within -5 .. 5"},
         {"save p.xps --bogus 1 -o o.xps", 2, "unknown option --bogus\nusage: molvera-cli save"},
         {"save p.xps o.xps", 2, "expected 1 file argument(s)"},
         {"fit p.xps --all -o", 2, "option -o needs a value"},
@@ -141,6 +147,10 @@ TEST_F(Cli, EveryNumericOptionRefusesWhatIsNotANumberAndWritesNothing) {
         {"link", tie + "--op + --arg 1 --link @", "0"},
         {"arg", tie + "--link 0 --op + --arg @", "1"},
         {"limits", tie + "--limits 280:@", "290"},
+        {"rsf", peak + "--rsf @", "2.5"},
+        {"source", "quantify p.xps --source @", "1253.6"},
+        {"transmission-exponent", "quantify p.xps --transmission-exponent @", "-1"},
+        {"imfp-exponent", "quantify p.xps --imfp-exponent @", "0.8"},
         {"search-trials", opt + "--search-trials @", "20"},
         {"newton-trials", opt + "--newton-trials @", "5"},
         {"tolerance", opt + "--tolerance @", "0.1"},
@@ -169,6 +179,38 @@ TEST_F(Cli, EveryNumericOptionRefusesWhatIsNotANumberAndWritesNothing) {
             EXPECT_FALSE(fs::exists(dir / "out.bin"));
         }
     }
+}
+
+// Labels and RSFs given to edit-peak reach quantify's table; the settings saved with -o
+// stay with the project; --rsf auto gives back the computed RSF (1 for C 1s).
+TEST_F(Cli, LabelsAndRsfsReachTheQuantificationTableAndStayWithTheProject) {
+    BuildFit();
+    const std::string latin =
+        "Fe 2p3/2 \u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9\u00e9";
+    ASSERT_EQ(Cmd("edit-peak p.xps --peak 0 --label 'C 1s' --rsf 2 -o q.xps").code, 0);
+    ASSERT_EQ(Cmd("edit-peak q.xps --peak 1 --label '" + latin + "' --rsf 4 -o q.xps").code, 0);
+    const CliRun r =
+        Cmd("quantify q.xps --transmission-exponent 0 --imfp-exponent 0 --suggest -o r.xps");
+    ASSERT_EQ(r.code, 0) << r.err;
+    const auto peaks = Dump("q.xps")["Peaks"];
+    const double a0 = peaks[0]["Area"].get<float>(), a1 = peaks[1]["Area"].get<float>();
+    auto csv = [](const std::string& text) {
+        std::vector<std::vector<std::string>> rows;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) rows.push_back(CsvFields(line));
+        return rows;
+    };
+    const auto rows = csv(r.out);
+    ASSERT_EQ(rows.size(), 8u) << r.out;  // 2 headers, 3 peaks, a blank line, 2 labels
+    EXPECT_EQ(std::tuple(rows[1][2], rows[2][2], rows[1][5], rows[2][5], rows[3][5], rows[3][6]),
+              std::tuple("C 1s", latin, "2", "4", "", ""));
+    EXPECT_DOUBLE_EQ(std::stod(rows[1][6]), a0 / 2);
+    EXPECT_NE(rows[3][7].find("C 1s"), std::string::npos);  // 288.5 eV, 4.7 eV above C 1s
+    EXPECT_EQ(rows[6][0], "C 1s");
+    EXPECT_NEAR(std::stod(rows[6][2]), 100 * (a0 / 2) / (a0 / 2 + a1 / 4), 1e-9);
+    EXPECT_EQ(Cmd("quantify r.xps --suggest").out, r.out);  // the exponents went into r.xps
+    ASSERT_EQ(Cmd("edit-peak r.xps --peak 0 --rsf auto -o r.xps").code, 0);
+    EXPECT_EQ(csv(Cmd("quantify r.xps").out)[1][5], "1");
 }
 
 TEST_F(Cli, FitLowersChiSquareAndSaveDumpReloadChangesNothing) {
@@ -201,7 +243,7 @@ TEST_F(Cli, OptionsWriteWhatTheDialogStores) {
 // Every command the overview lists with its usage has a help whose options include
 // every option of the usage; the version is the build's.
 TEST_F(Cli, EveryCommandHasAHelpNamingItsOptions) {
-    EXPECT_EQ(Cmd("--version").out, "molvera-cli " MOLVERA_VERSION "\n");
+    EXPECT_EQ(Cmd("--version").out, "molvera-cli " + std::string(ProgramVersion()) + "\n");
     const std::string overview = Cmd("--help").out;
     std::string words;  // the overview with its line breaks and indents as single blanks
     std::istringstream in(overview);

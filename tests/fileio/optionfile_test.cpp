@@ -2,11 +2,14 @@
 
 #include "fileio/optionfile.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <tuple>
 
 #include <gtest/gtest.h>
 
 #include "base/messages.h"
+#include "support/files.h"
 #include "support/le_bytes.h"
 #include "support/paths.h"
 
@@ -73,6 +76,38 @@ TEST(OptionFile, ShortLongAndMissingFiles) {
     EXPECT_EQ(longer, o);
     EXPECT_EQ(ReadOptionFile(longer, (test::ScratchDir() / "none.opa").string()).message(),
               msg::kErrorReadingFile);
+}
+
+// default.opa: the working directory's first, then the user's configuration folder, then
+// the installed one; with none the built-in options stay ("").
+TEST(DefaultOptions, WorkingDirectoryThenUserThenInstalled) {
+    namespace fs = std::filesystem;
+    const fs::path root = test::ScratchDir(), share = root / "share";
+    const fs::path user = root / "config" / "molvera", saved = fs::current_path();
+    for (const fs::path& dir : {root / "work", user, share}) fs::create_directories(dir);
+    fs::current_path(root / "work");
+    setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
+    const std::string inWork = "default.opa", inUser = user / "default.opa",
+                      inShare = share / "default.opa";
+    const struct {
+        std::vector<std::string> present;
+        std::string found;
+    } rows[] = {{{inWork, inUser, inShare}, inWork},
+                {{inUser, inShare}, inUser},
+                {{inShare}, inShare},
+                {{}, ""}};
+    for (const auto& row : rows) {
+        for (const std::string& p : {inWork, inUser, inShare}) fs::remove(p);
+        for (const std::string& p : row.present) test::WriteBytes(p, "x");
+        EXPECT_EQ(FindDefaultOptions(DefaultOptionsFolders(share.string())), row.found);
+    }
+    // Without XDG_CONFIG_HOME the user's folder is ~/.config/molvera.
+    unsetenv("XDG_CONFIG_HOME");
+    const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
+    setenv("HOME", root.c_str(), 1);
+    EXPECT_EQ(DefaultOptionsFolders("/s").at(1), (root / ".config" / "molvera").string());
+    setenv("HOME", home.c_str(), 1);
+    fs::current_path(saved);
 }
 
 }  // namespace

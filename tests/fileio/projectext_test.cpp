@@ -75,11 +75,13 @@ TEST(ProjectExtensionTest, DamagedBlocksAreIgnoredWithAWarning) {
         b[block + at] = c;
         return b;
     };
-    // Tag, version (Int16 at 11), length (Int32 at 13), override count (Int16 at 29), slot, RSF.
+    // Tag, version (Int16 at 11), length (Int32 at 13), transmission exponent (Single at 21,
+    // -0.5 made -2048), override count (Int16 at 29), slot, RSF.
     for (const std::string& bad :
          {good.substr(0, good.size() - 1), good.substr(0, block + 5), good + "x", changed(0, 'X'),
-          changed(11, 2), changed(13, 100), changed(16, '\x80'), changed(29, 60), changed(31, 51),
-          changed(36, '\xff'), good.substr(0, block) + "garbage"}) {
+          changed(11, 2), changed(13, 100), changed(16, '\x80'), changed(24, '\xc5'),
+          changed(29, 60), changed(31, 51), changed(36, '\xff'),
+          good.substr(0, block) + "garbage"}) {
         Project read;
         ClearProject(read, QuietHost());
         EXPECT_NE(ReadBack(bad, read).find("Extension block ignored"), std::string::npos);

@@ -8,6 +8,8 @@
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
+#include <tuple>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -119,6 +121,47 @@ TEST_F(Report, HtmlHoldsAPicturePerRegionAndThePeakTable) {
     EXPECT_EQ(Cmd("report p.xps --region 1 --all -o r.csv"), 1);
 }
 #endif
+
+// E_kin^-1 in all (both exponents -0.5): C 1s (computed RSF 1) at 1000 eV kinetic, areas 2
+// and 1, gives 2000 + 1000; O 1s at 500 eV, area 4, RSF 2 typed, 1000. So C 1s 75 %, O 1s
+// 25 %; no label or an unknown one: no share (0 here, an empty field in the CSV).
+TEST(ReportQuant, ColumnsAreQuantifysAndMatchAHandCalculation) {
+    const std::tuple<const char*, float, float, const char*, double, double> cases[] = {
+        {"C 1s", 1000, 2, "1", 2000, 50},
+        {"C 1s", 1000, 1, "1", 1000, 25},
+        {"O 1s", 1500, 4, "2", 1000, 25},
+        {"", 1000, 1, "", 0, 0},
+        {"Xx 1s", 1000, 1, "", 0, 0}};
+    Project project;
+    project.Quant = {2000, -0.5f, -0.5f, {0, 0, 2}};
+    project.Regions[0].HasData = kTrue;
+    project.Regions[0].PeakCount = 5;
+    for (Int16 k = 0; k < 5; ++k) {
+        project.Regions[0].PeakIndex[static_cast<std::size_t>(k)] = k;
+        Peak& p = project.Peaks[static_cast<std::size_t>(k)];
+        const auto& [label, position, area, rsf, normalised, percent] = cases[k];
+        std::tie(p.InUse, p.Label, p.Position, p.Area) =
+            std::tuple(kTrue, Text20::From(label), position, area);
+    }
+    const QuantTable quant = Quantify(project);
+    std::istringstream csv(ReportCsv(project, {0}));
+    std::string line;
+    std::getline(csv, line);  // the header; the quantification columns are the last three
+    for (std::size_t k = 0; k < 5 && std::getline(csv, line); ++k) {
+        const auto& [label, position, area, rsf, normalised, percent] = cases[k];
+        const std::vector<std::string> f = CsvFields(line);
+        const std::size_t n = f.size();
+        EXPECT_EQ(f[n - 3], rsf) << k;
+        EXPECT_EQ(f[n - 2].empty() ? 0.0 : Number(f[n - 2]), quant.peaks[k].normalisedArea);
+        EXPECT_NEAR(quant.peaks[k].normalisedArea, normalised, 1e-9 * normalised) << k;
+        EXPECT_EQ(f[n - 1].empty(), percent == 0) << k;
+        EXPECT_NEAR(f[n - 1].empty() ? 0.0 : Number(f[n - 1]), percent, 1e-9) << k;
+    }
+    const auto json = nlohmann::json::parse(ReportJson(project, {0}, "q.xps"));
+    EXPECT_NEAR(json["quantification"]["elements"][1]["at_percent"].get<double>(), 25, 1e-9);
+    EXPECT_NE(ReportHtml(project, {0}, "q.xps", {}).find("<td class=\"n\">75.00</td>"),
+              std::string::npos);
+}
 
 }  // namespace
 }  // namespace molvera::test

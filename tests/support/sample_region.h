@@ -40,4 +40,18 @@ inline void GiveSampleBackground(Project& project, int r) {
     RecomputeRegion(project, QuietHost());
 }
 
+/// A peak in use in `slot`, listed by region `r` (marked as holding data), with only what
+/// quantification reads: label, position and area.
+inline void AddQuantPeak(Project& project, int r, int slot, const char* label, float position,
+                         float area) {
+    Region& region = project.Regions[r];
+    region.HasData = kTrue;
+    region.PeakIndex[region.PeakCount++] = static_cast<Int16>(slot);
+    Peak& peak = project.Peaks[slot];
+    peak.InUse = kTrue;
+    peak.Label = Text20::From(label);
+    peak.Position = position;
+    peak.Area = area;
+}
+
 }  // namespace molvera::test

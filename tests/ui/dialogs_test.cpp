@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTimer>
@@ -23,6 +24,7 @@
 #include "ui/peakeditor.h"
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
+#include "ui/quantwindow.h"
 
 namespace molvera::test {
 namespace {
@@ -266,6 +268,40 @@ TEST_F(PeakEditorTest, LiveTypingAndThePeakTable) {
                 Child<QLabel>(editor(), "positionSigma")
                     ->text()
                     .startsWith(QStringLiteral("= peak %1 + 1.5").arg(slot)));
+}
+
+// A label picked from the suggestions and a typed RSF reach the quantification window (from
+// the menu), which follows Accept and Undo, refuses a bad setting and copies both tables.
+TEST_F(PeakEditorTest, LabelAndRsfReachTheQuantificationWindow) {
+    gui->RecordStep();  // the peak as added: where Undo goes back to
+    Menu("quantificationAction");
+    ui::QuantWindow& quant = gui->quantWindow();
+    auto* choices = Child<QMenu>(editor(), "labelChoicesMenu");
+    emit choices->aboutToShow();
+    for (QAction* choice : choices->actions())
+        if (choice->text() == QStringLiteral("C 1s")) choice->trigger();
+    Type(editor(), "rsfText", "1.5");
+    Click(editor(), "acceptButton");
+    QTest::qWait(ui::QuantWindow::kRefreshPauseMs + 50);
+    ASSERT_EQ(quant.Lines().peaks.size(), 1u);
+    EXPECT_EQ(
+        std::tuple(quant.Lines().peaks[0].cells[kQuantLabelColumn],
+                   quant.Lines().peaks[0].cells[kQuantRsfColumn], quant.Lines().elements.at(0)[2]),
+        std::tuple("C 1s", "1.5", "100.00"));
+    gui->UndoStep();
+    QTest::qWait(ui::QuantWindow::kRefreshPauseMs + 50);
+    EXPECT_TRUE(quant.Lines().elements.empty() && !quant.Lines().peaks.at(0).counted);
+
+    Child<QComboBox>(quant, "sourceChoice")->setCurrentIndex(kSourceOther);
+    emit Child<QComboBox>(quant, "sourceChoice")->activated(kSourceOther);
+    auto* energy = Child<QLineEdit>(quant, "energyText");
+    energy->selectAll();
+    QTest::keyClicks(energy, "abc");
+    QTest::keyClick(energy, Qt::Key_Return);
+    EXPECT_EQ(sink.messages, std::vector<std::string>{"Source energy: 'abc' is not a number"});
+    QTest::keyClick(Child<QWidget>(quant, "quantPeakTable"), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text().toLatin1().toStdString(),
+              QuantTablesText(quant.Lines()));
 }
 
 TEST_F(PeakEditorTest, ConstraintDialogShowsARefusalAndKeepsTheEntries) {

@@ -2,6 +2,7 @@
 // folder named by MOLVERA_SCREENSHOT_DIR. Disabled in the normal test run.
 #include <tuple>
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QDir>
 #include <QLabel>
@@ -25,6 +26,7 @@
 #include "ui/peaktable.h"
 #include "ui/plotwidget.h"
 #include "ui/printing.h"
+#include "ui/quantwindow.h"
 
 namespace molvera::test {
 namespace {
@@ -79,7 +81,9 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     gui->backgroundDialog().hide();
 
     // The third peak in the editor, highlighted in the plot and the table, its FWHM
-    // following the first peak's; then the second with its area constraint open.
+    // following the first peak's, labelled C 1s with the computed RSF; then the second with
+    // its area constraint open.
+    for (int slot : {0, 2}) project().Peaks[slot].Label = Text20::From("C 1s");
     main().PeakButton(12)->click();
     Save(gui->peakEditor(), dir, "peak-editor.png");
     region().Table()->Refresh();
@@ -137,6 +141,39 @@ TEST_F(GuiTest, DISABLED_Screenshots) {
     file->popup(region().mapToGlobal(QPoint(0, 0)));
     Save(*file, dir, "region-file-menu.png");
     file->hide();
+
+    // Help > About Molvera.
+    region().findChild<QAction*>(QStringLiteral("aboutAction"))->trigger();
+    auto* about = region().findChild<QWidget*>(QStringLiteral("aboutDialog"));
+    ASSERT_NE(about, nullptr);
+    Save(*about, dir, "about-dialog.png");
+    about->close();
+
+    // Quantification on a real VAMAS file (a survey, Ni 2p, O 1s, C 1s and W 4f into regions
+    // 1-5): one fitted peak each for C 1s, O 1s and the W 4f doublet.
+    Click(main(), "closeButton");  // the changes discarded
+    main().RegionButton(0)->click();
+    chooser.paths.push_back(DataFile("real/lg4x/0-150W.vms"));
+    Menu("importVamasAction");
+    project().Options.Method = 2;
+    ui::PeakEditor& editor = gui->peakEditor();
+    for (const auto& [r, position, label, type] : {std::tuple(3, "282.5", "C 1s", "s"),
+                                                   {2, "528.4", "O 1s", "s"},
+                                                   {4, "33.5", "W 4f", "f"}}) {
+        main().RegionButton(r)->click();
+        GiveBackground();
+        Menu("addPeakAction");
+        Child<QComboBox>(editor, "peakType")->setCurrentText(QString::fromLatin1(type));
+        Type(editor, "splittingText", "2.15");  // W 4f5/2 above 4f7/2
+        Type(editor, "positionText", QString::fromLatin1(position));
+        Type(editor, "labelText", QString::fromLatin1(label));
+        Click(editor, "acceptButton");
+        Menu("optimiseRegionAction");
+    }
+    ui::QuantWindow& quant = gui->quantWindow();
+    quant.Open();
+    quant.resize(600, 400);
+    Save(quant, dir, "quantification.png");
 }
 
 }  // namespace

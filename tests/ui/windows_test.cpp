@@ -5,14 +5,17 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPlainTextEdit>
 #include <QProcess>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
 
 #include "base/messages.h"
+#include "base/version.h"
 #include "fileio/projectfile.h"
 #include "session/peakdrag.h"
 #include "session/report.h"
@@ -168,6 +171,24 @@ TEST_F(GuiTest, DeleteRegionAsksAndOnlyYesDeletesClearParametersDoesNotAsk) {
     EXPECT_FALSE(IsSet(project().Regions[0].HasBackground) || IsSet(project().Peaks[0].InUse));
     EXPECT_EQ(project().Regions[0].Caption, Text20());
     EXPECT_EQ(main().ChiSquareBox(0)->text(), "0");
+}
+
+// Help > About in both windows: the version of project() and the whole licence, compiled
+// in as a resource.
+TEST_F(GuiTest, AboutBoxShowsVersionAndLicence) {
+    for (QWidget* window : {static_cast<QWidget*>(&main()), static_cast<QWidget*>(&region())}) {
+        window->findChild<QAction*>(QStringLiteral("aboutAction"))->trigger();
+        auto* about = window->findChild<QWidget*>(QStringLiteral("aboutDialog"));
+        ASSERT_TRUE(about && about->isVisible());
+        EXPECT_TRUE(about->findChild<QLabel*>(QStringLiteral("aboutTitle"))
+                        ->text()
+                        .contains(QLatin1String(ProgramVersion())));
+        const QString licence =
+            about->findChild<QPlainTextEdit*>(QStringLiteral("licenceText"))->toPlainText();
+        EXPECT_TRUE(licence.startsWith(QLatin1String("MIT License")) &&
+                    licence.endsWith(QLatin1String("SOFTWARE.")));
+        about->close();
+    }
 }
 
 TEST_F(GuiTest, RegionShiftAndCaptionDialogsReachTheRegion) {
