@@ -342,7 +342,9 @@ std::unique_ptr<CLI::App> CommandApp(const CommandDef& c) {
     }
     std::vector<Opt> options = c.options;
     if (std::strcmp(c.name, "completion") != 0)
-        options.push_back({"--options", "FILE.opa", "the fitting options (default: default.opa)"});
+        options.push_back({"--options", "FILE.opa",
+                           "the fitting options (default: default.opa here, else in "
+                           "~/.config/molvera, else the installed one)"});
     for (const Opt& o : options) {
         CLI::Option* option = o.value ? app->add_option(o.name, o.help) : app->add_flag(o.name);
         option->description(o.help);
